@@ -1,0 +1,152 @@
+#include "dmconfig/config.h"
+
+#include <memory>
+
+#include "dmconfig/option_store.h"
+#include "dmconfig/status.h"
+
+namespace quarry::storage::dmconfig {
+
+DMConfig::~DMConfig() { Reset(); }
+
+void DMConfig::Reset() {
+  for (const auto& [name, record] : section_map_) delete record;
+  section_map_.clear();
+  section_list_.clear();
+}
+
+SectionOptionMap* DMConfig::GetOptionMap(const std::string& section) {
+  const auto at = section_map_.lower_bound(section);
+  if (at != section_map_.end() && !StringCaseCmp()(section, at->first)) {
+    return at->second;
+  }
+  try {
+    auto record = std::make_unique<SectionOptionMap>();
+    std::list<std::string> name(1, section);
+    section_map_.emplace_hint(at, section, record.get());
+    // Cannot fail, so map and list always name the same sections.
+    section_list_.splice(section_list_.end(), name);
+    return record.release();
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+int DMConfig::HasSection(const std::string& section) {
+  if (section.empty()) return kStatusInvalidArgument;
+  const bool found = section_map_.find(section) != section_map_.end();
+  return found ? kStatusOk : kStatusNoSuchSection;
+}
+
+int DMConfig::GetSectionList(std::list<std::string>* sections) {
+  if (sections == nullptr) return kStatusInvalidArgument;
+  *sections = section_list_;
+  return kStatusOk;
+}
+
+int DMConfig::GetSectionComment(const std::string& section,
+                                std::string* comment) {
+  if (section.empty() || comment == nullptr) return kStatusInvalidArgument;
+  const SectionOptionMap* record = GetOptionMap(section);
+  if (record == nullptr) return kStatusNoRecord;
+  *comment = record->comment;
+  return kStatusOk;
+}
+
+int DMConfig::SetSectionComment(const std::string& section,
+                                const std::string& comment) {
+  if (section.empty()) return kStatusInvalidArgument;
+  SectionOptionMap* record = GetOptionMap(section);
+  if (record == nullptr) return kStatusNoRecord;
+  record->comment = comment;
+  return kStatusOk;
+}
+
+int DMConfig::DelSectionComment(const std::string& section) {
+  if (section.empty()) return kStatusInvalidArgument;
+  SectionOptionMap* record = GetOptionMap(section);
+  if (record != nullptr) record->comment.clear();
+  return kStatusOk;
+}
+
+int DMConfig::SetOptionValue(const std::string& section,
+                             const std::string& option,
+                             const std::string& value) {
+  if (section.empty() || option.empty()) return kStatusInvalidArgument;
+  SectionOptionMap* record = GetOptionMap(section);
+  if (record == nullptr) return kStatusNoRecord;
+  FindOrAddOption(record, option).value = value;
+  return kStatusOk;
+}
+
+int DMConfig::SetOptionValue(const std::string& section,
+                             const std::string& option,
+                             const std::string& value,
+                             const std::string& comment) {
+  if (section.empty() || option.empty()) return kStatusInvalidArgument;
+  SectionOptionMap* record = GetOptionMap(section);
+  if (record == nullptr) return kStatusNoRecord;
+  StoreValueAndComment(&FindOrAddOption(record, option), value, comment);
+  return kStatusOk;
+}
+
+int DMConfig::SetOptionComment(const std::string& section,
+                               const std::string& option,
+                               const std::string& comment) {
+  if (section.empty() || option.empty()) return kStatusInvalidArgument;
+  SectionOptionMap* record = GetOptionMap(section);
+  if (record == nullptr) return kStatusNoRecord;
+  FindOrAddOption(record, option).comment = comment;
+  return kStatusOk;
+}
+
+int DMConfig::GetOptionValue(const std::string& section,
+                             const std::string& option, std::string* value,
+                             std::string* comment) {
+  if (section.empty() || option.empty()) return kStatusInvalidArgument;
+  if (value == nullptr || comment == nullptr) return kStatusInvalidArgument;
+  const SectionOptionMap* record = GetOptionMap(section);
+  if (record == nullptr) return kStatusNoRecord;
+
+  const auto found = record->option_map.find(option);
+  if (found == record->option_map.end()) return kStatusNoSuchOption;
+  *value = found->second.value;
+  *comment = found->second.comment;
+  return kStatusOk;
+}
+
+int DMConfig::GetSectionOptionList(const std::string& section,
+                                   std::string* comment,
+                                   std::list<std::string>* options) {
+  if (section.empty()) return kStatusInvalidArgument;
+  if (comment == nullptr || options == nullptr) return kStatusInvalidArgument;
+  const SectionOptionMap* record = GetOptionMap(section);
+  if (record == nullptr) return kStatusNoRecord;
+
+  *comment = record->comment;
+  options->clear();
+  for (const auto& [name, stored] : record->option_map) {
+    options->push_back(name);
+  }
+  return kStatusOk;
+}
+
+int DMConfig::DelOption(const std::string& section, const std::string& option) {
+  if (section.empty() || option.empty()) return kStatusInvalidArgument;
+  SectionOptionMap* record = GetOptionMap(section);
+  if (record != nullptr) record->option_map.erase(option);
+  return kStatusOk;
+}
+
+int DMConfig::DelOptionComment(const std::string& section,
+                               const std::string& option) {
+  if (section.empty() || option.empty()) return kStatusInvalidArgument;
+  SectionOptionMap* record = GetOptionMap(section);
+  if (record == nullptr) return kStatusOk;
+
+  const auto found = record->option_map.find(option);
+  if (found != record->option_map.end()) found->second.comment.clear();
+  return kStatusOk;
+}
+
+}  // namespace quarry::storage::dmconfig

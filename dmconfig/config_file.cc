@@ -1,0 +1,143 @@
+#include "dmconfig/config_file.h"
+
+#include <fstream>
+#include <iostream>
+#include <string_view>
+
+#include "dmconfig/line.h"
+#include "dmconfig/line_source.h"
+#include "dmconfig/option_store.h"
+#include "dmconfig/status.h"
+
+namespace quarry::storage::dmconfig {
+
+namespace {
+
+// The message that comes before a refused line; null where none is written.
+const char* DiagnosticOf(LineFault fault) {
+  switch (fault) {
+    case LineFault::kTextAfterHeader:
+      return "Found invalid line: ";
+    case LineFault::kNoSection:
+      return "Found an invalid line: ";
+    case LineFault::kOptionNameEmpty:
+      return "Found an invalid key: ";
+    default:
+      return nullptr;
+  }
+}
+
+int Refuse(LineFault fault, std::string_view line) {
+  if (const char* message = DiagnosticOf(fault)) {
+    // Copied first, for std::cerr may write to the buffer that the line is in.
+    const std::string text(line);
+    std::cerr << message << text << std::endl;
+  }
+  return kStatusInvalidLine;
+}
+
+// Reads one text into one model.
+class TextReader {
+ public:
+  TextReader(std::istream* in, DMConfig* config)
+      : in_(in), lines_(in), config_(config) {}
+
+  int ReadAll();
+
+ private:
+  int ReadLine(std::string_view raw);
+  int ReadComment(std::string_view line);
+  int ReadHeader(std::string_view line);
+  int ReadOption(std::string_view line);
+
+  std::istream* const in_;
+  LineSource lines_;
+  DMConfig* const config_;
+  SectionOptionMap* section_ = nullptr;  // the current one; null before any
+  std::string pending_comment_;
+  std::string name_;  // of the line at hand; kept for its memory
+};
+
+int TextReader::ReadAll() {
+  std::string_view line;
+  while (!in_->eof()) {
+    if (!lines_.Next(&line)) return kStatusStreamFailed;
+    const int status = ReadLine(line);
+    if (status != kStatusOk) return status;
+  }
+  return kStatusOk;
+}
+
+int TextReader::ReadLine(std::string_view raw) {
+  const std::string_view line = WithoutLeadingBlanks(raw);
+  switch (KindOf(line)) {
+    case LineKind::kBlank:
+      return kStatusOk;
+    case LineKind::kComment:
+      return ReadComment(line);
+    case LineKind::kHeader:
+      return ReadHeader(line);
+    case LineKind::kOption:
+      return ReadOption(line);
+  }
+  return kStatusOk;
+}
+
+int TextReader::ReadComment(std::string_view line) {
+  pending_comment_ += '\n';
+  pending_comment_ += line;
+  return kStatusOk;
+}
+
+int TextReader::ReadHeader(std::string_view line) {
+  const HeaderLine header = ParseHeader(line);
+  if (header.fault != LineFault::kNone) return Refuse(header.fault, line);
+
+  name_ = header.name;
+  section_ = config_->GetOptionMap(name_);
+  if (section_ == nullptr) return kStatusNoRecord;
+  section_->comment = pending_comment_;
+  pending_comment_.clear();
+  return kStatusOk;
+}
+
+int TextReader::ReadOption(std::string_view line) {
+  const OptionLine option = ParseOption(line, section_ != nullptr);
+  if (option.fault != LineFault::kNone) return Refuse(option.fault, line);
+
+  name_ = option.name;
+  OptionValue& stored = FindOrAddOption(section_, name_);
+  if (pending_comment_.empty()) {
+    stored.value = option.value;
+    return kStatusOk;
+  }
+  StoreValueAndComment(&stored, option.value, pending_comment_);
+  pending_comment_.clear();
+  return kStatusOk;
+}
+
+}  // namespace
+
+DMConfigFile::DMConfigFile(const std::string& input_file,
+                           const std::string& output_file)
+    : input_file_(input_file), output_file_(output_file) {}
+
+DMConfigFile::~DMConfigFile() = default;
+
+int DMConfigFile::LoadConfig(DMConfig* config) {
+  if (input_file_.empty()) return kStatusInvalidArgument;
+  std::ifstream file(input_file_);
+  return LoadConfig(&file, config);
+}
+
+int DMConfigFile::LoadConfig(std::istream* in, DMConfig* config) {
+  if (in == nullptr || config == nullptr) return kStatusInvalidArgument;
+  config->Reset();
+  if (in->rdstate() != std::ios_base::goodbit) {
+    std::cerr << "Failed to open input file:" << input_file_ << std::endl;
+    return kStatusStreamFailed;
+  }
+  return TextReader(in, config).ReadAll();
+}
+
+}  // namespace quarry::storage::dmconfig

@@ -1,0 +1,89 @@
+// DMConfigFile reads configuration text into a DMConfig (dmconfig/config.h).
+//
+//   DMConfig model;
+//   DMConfigFile file("/etc/quarry/agent.conf", "");
+//   const int status = file.LoadConfig(&model);
+//   if (status != kStatusOk) return status;
+//
+// The text is a sequence of lines that end in a line feed (the last one may do
+// without). Leading spaces, tabs and carriage returns of a line do not count.
+//
+//   # comment        a whole line that begins with "#" or ";". A run of them,
+//                    blank lines allowed between, belongs to the header or
+//                    option line that follows, or to nothing at the text's end
+//   [section]        the name is everything up to the first "]", blanks
+//                    included; only blanks may follow. A name met before, in
+//                    any case of letters, continues that section, and its
+//                    comment is replaced, by none when none precedes
+//   name = value     split at the first "="; spaces and tabs around both parts
+//                    go, but a value of nothing else is kept whole. A name met
+//                    before in the section sets that option again and keeps its
+//                    comment unless a new one precedes
+//
+// There are no trailing comments, quotes, escapes or continuation lines: all
+// these characters belong to the value. So does a carriage return at the end of
+// an option line. Any other byte is taken as it is; lines may be of any length.
+//
+// Reading stops at the first line that is none of these.
+#ifndef QUARRY_DMCONFIG_CONFIG_FILE_H_
+#define QUARRY_DMCONFIG_CONFIG_FILE_H_
+
+#include <iosfwd>
+#include <string>
+
+#include "dmconfig/config.h"
+#include "platform/export.h"
+
+namespace quarry::storage::dmconfig {
+
+// Keeps two file names and nothing else, so one object serves any number of
+// loads. Threads may load through one object at the same time, each into a
+// model of its own; their lines on std::cerr may interleave.
+class QUARRY_EXPORT DMConfigFile {
+ public:
+  // Copies both names. Either may be empty; what needs it then returns -1.
+  DMConfigFile(const std::string& input_file, const std::string& output_file);
+  ~DMConfigFile();
+  DMConfigFile(const DMConfigFile&) = default;
+  DMConfigFile& operator=(const DMConfigFile&) = default;
+
+  // Reads the file named `input_file` into `*config`, which is emptied first.
+  // The file is open during the call only; a pipe will do. Returns as the
+  // second form does, -4 when the file cannot be opened, and -1 also when the
+  // name is empty (the model is not touched then).
+  int LoadConfig(DMConfig* config);
+
+  // Reads `*in`, from where it stands to its end, into `*config`, which is
+  // emptied first. Both are borrowed. Returns (names in dmconfig/status.h)
+  //    0  the whole text was read
+  //   -1  a null pointer; the model is not touched
+  //   -2  an invalid line. The model holds what the lines before it stored, and
+  //       the stream stands at the line after it
+  //   -4  the stream was not good() at the start (the model is empty), or it
+  //       failed before its end (the model holds the lines read until then)
+  //   -5  memory ran out while a section was being created; the model holds
+  //       what the lines before stored
+  // The stream is left, flags included, as reading line by line with
+  // std::getline leaves it.
+  //
+  // Some failures also write one line to std::cerr, each message followed by
+  // the text that it is about, a line without its leading blanks:
+  //   "Failed to open input file:"  and the input file's name, for -4 at the
+  //                                 start
+  //   "Found invalid line: "        text after a section header
+  //   "Found an invalid line: "     an option line before any section
+  //   "Found an invalid key: "      a line that begins with "="
+  // The rest of -2 ("[" without "]", "[]", no "=") is silent.
+  //
+  // Throws only what the stream (when its exception mask is set) or an
+  // allocation throws; the model then holds what was stored before.
+  int LoadConfig(std::istream* in, DMConfig* config);
+
+ private:
+  std::string input_file_;
+  std::string output_file_;
+};
+
+}  // namespace quarry::storage::dmconfig
+
+#endif  // QUARRY_DMCONFIG_CONFIG_FILE_H_

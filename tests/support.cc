@@ -1,0 +1,27 @@
+#include "tests/support.h"
+
+#include <iostream>
+#include <list>
+
+std::string Render(quarry::storage::dmconfig::DMConfig* model) {
+  const auto comment = [](const std::string& text) {
+    return text.empty() ? text : "(" + text + ")";
+  };
+  std::list<std::string> sections;
+  model->GetSectionList(&sections);
+  std::string all;
+  for (const std::string& section : sections) {
+    const auto* record = model->GetOptionMap(section);
+    std::string options;
+    for (const auto& [name, stored] : record->option_map) {
+      if (!options.empty()) options += ' ';
+      options += name + '=' + stored.value + comment(stored.comment);
+    }
+    if (!all.empty()) all += ' ';
+    all += section + comment(record->comment) + '{' + options + '}';
+  }
+  return all;
+}
+
+CerrCapture::CerrCapture() : original_(std::cerr.rdbuf(caught_.rdbuf())) {}
+CerrCapture::~CerrCapture() { std::cerr.rdbuf(original_); }
