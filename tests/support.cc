@@ -15,10 +15,12 @@ std::string Render(quarry::storage::dmconfig::DMConfig* model) {
     std::string options;
     for (const auto& [name, stored] : record->option_map) {
       if (!options.empty()) options += ' ';
-      options += name + '=' + stored.value + comment(stored.comment);
+      options.append(name).append("=").append(stored.value);
+      options += comment(stored.comment);
     }
     if (!all.empty()) all += ' ';
-    all += section + comment(record->comment) + '{' + options + '}';
+    all.append(section).append(comment(record->comment));
+    all.append("{").append(options).append("}");
   }
   return all;
 }

@@ -1,0 +1,195 @@
+#include "tools/check_text.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <sstream>
+
+#include "dmconfig/config_file.h"
+#include "tests/support.h"
+#include "tools/display.h"
+
+namespace quarry::tool {
+namespace {
+
+using std::string_literals::operator""s;
+
+// All findings, each as "LINE:COLUMN+LENGTH MESSAGE", warnings with a "w".
+std::string Findings(const std::string& text) {
+  std::string all;
+  for (const Finding& f : CheckText(text, "f")) {
+    all += std::to_string(f.line) + ':' + std::to_string(f.column) + '+' +
+           std::to_string(f.length) +
+           (f.severity == Severity::kWarning ? "w " : " ") + f.message + '\n';
+  }
+  return all;
+}
+
+TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
+  struct Case {
+    const char* name;
+    std::string text;
+    const char* findings;
+  };
+  const Case cases[] = {
+      {"nothing", "", ""},
+      {"all well", "#c\n[a]\nx = 1\n ;d\n\ny=#fff\nz=a#b\n[b]", ""},
+      {"headers", "[abc\n  [a\n[]\n\t[]x]\n[a] ; x\n[a]]\n",
+       "1:1+4 section header without \"]\"\n"
+       "2:3+2 section header without \"]\"\n"
+       "3:2+1 section name is empty\n"
+       "4:3+1 section name is empty\n"
+       "5:5+3 text after the section header\n"
+       "6:4+1 text after the section header\n"},
+      {"options", "[a]\nthreads 4\n  x\r\n=1\n\t= 1\n",
+       "2:1+9 option line without \"=\"\n"
+       "3:3+1 option line without \"=\"\n"
+       "4:1+1 option name is empty\n"
+       "5:2+1 option name is empty\n"},
+      {"before a section", "x=1\n  y \n=\n[a]\nz=1\n",
+       "1:1+3 option line before any section\n"
+       "2:3+1 option line before any section\n"
+       "3:1+1 option line before any section\n"},
+      {"a faulty header is one finding", "[a\nx=1\n[]\nx=2\n",
+       "1:1+2 section header without \"]\"\n"
+       "3:2+1 section name is empty\n"},
+      {"byte-order mark", "\xEF\xBB\xBF[a]\nx=1\n\xEF\xBB\xBF#\n",
+       "1:1+3 byte-order mark\n3:1+3 byte-order mark\n"},
+      {"carriage returns", "[a]\r\n#c\r\nx=1\r\ny=2\r\n",
+       "3:4+1w value ends in a carriage return, which the agent sees\n"},
+      {"comments in values", "[a]\nx = 1 # c\ny=1\t;c\nz= # c\nu=a#b # c\n",
+       "2:7+3w this is part of the value\n3:5+2w this is part of the value\n"
+       "4:4+3w this is part of the value\n5:7+3w this is part of the value\n"},
+      {"option again", "[a]\nx=1\n[b]\nx=1\n[A]\nX=2\nx=3\n",
+       "6:1+1w option again: overrides line 2\n"
+       "7:1+1w option again: overrides line 6\n"},
+      {"section again", "#c\n[a]\n[b]\n[A]\n[a]\n",
+       "4:2+1w section again: its comment above line 2 is dropped when a "
+       "program saves this file\n"},
+      {"blanks", "[ a]\nx=  \n[b\t]\n",
+       "1:2+2w blanks belong to the section name\n"
+       "2:3+2w blanks are the value of this option\n"
+       "3:2+2w blanks belong to the section name\n"},
+      {"comment at the end", "[a]\nx=1\n  #c\n;d\n\nbad",
+       "6:1+3 option line without \"=\"\n"},
+      {"comment at the very end", "[a]\nx=1\n  #c\n;d\n\n",
+       "3:3+2w comment after the last option is dropped when a program saves "
+       "this file\n"},
+      {"in order of lines", "[a]\nx=# 1 # c\r\n",
+       "2:3+8w this is part of the value\n"
+       "2:10+1w value ends in a carriage return, which the agent sees\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(Findings(c.text), c.findings);
+  }
+}
+
+TEST(CheckText, SaysWhatToWrite) {
+  struct Case {
+    std::string text, hint;
+  };
+  const Case cases[] = {
+      {"[s]\nthreads 4",
+       "write \"threads = 4\", or put \"#\" first to make it a comment"},
+      {"[s]\na:\tb c \r",
+       "write \"a = b c\", or put \"#\" first to make it a comment"},
+      {"[s]\nabc",
+       "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
+      {"[s]\n:x",
+       "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
+      {"[s]\nx=1\r", "remove all of them: sed -i 's/\\r$//' 'a b'\\''c'"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    const auto findings = CheckText(c.text, "a b'c");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].hint, c.hint);
+  }
+}
+
+// The number of the line at which the library stops; 0 when it loads the text.
+std::size_t LibraryStopsAt(const std::string& text) {
+  std::istringstream in(text);
+  storage::dmconfig::DMConfig model;
+  if (storage::dmconfig::DMConfigFile("", "").LoadConfig(&in, &model) == 0) {
+    return 0;
+  }
+  const auto line_feeds = [&](std::string::const_iterator end) {
+    return static_cast<std::size_t>(std::count(text.begin(), end, '\n'));
+  };
+  if (in.eof()) return line_feeds(text.end()) + 1;
+  return line_feeds(text.begin() + in.tellg());
+}
+
+TEST(CheckText, AgreesWithTheLibraryOnRandomTexts) {
+  const std::string pieces[] = {
+      "[",  "]",  "=", "#",     ";",   " ",    "\t",           "\r",
+      "\n", "\n", "a", "[a]\n", "b=1", "\0"s,  "\xEF\xBB\xBF", "\f",
+      "x ", "A",  ":", "[b]\n", "a=",  "\xFF",
+  };
+  std::mt19937 random(20261124);
+  std::uniform_int_distribution<std::size_t> piece(0, std::size(pieces) - 1);
+  std::uniform_int_distribution<int> length(0, 16);
+  CerrCapture cerr;
+  int loaded = 0;
+  constexpr int kTexts = 300000;
+  for (int i = 0; i < kTexts; ++i) {
+    std::string text;
+    for (int n = length(random); n > 0; --n) text += pieces[piece(random)];
+    std::size_t first_error = 0;
+    for (const Finding& f : CheckText(text, "f")) {
+      if (first_error == 0 && f.severity == Severity::kError) {
+        first_error = f.line;
+      }
+    }
+    ASSERT_EQ(first_error, LibraryStopsAt(text)) << Shown(text);
+    if (first_error == 0) ++loaded;
+  }
+  // Both outcomes were met often.
+  EXPECT_GT(loaded, kTexts / 10);
+  EXPECT_LT(loaded, kTexts - kTexts / 10);
+}
+
+TEST(FindingReport, QuotesTheLineAndMarksIt) {
+  struct Case {
+    const char* name;
+    std::string line;
+    std::size_t offset, length;
+    std::string shown, marks;
+  };
+  const std::string many(200, 'x');
+  const Case cases[] = {
+      {"plain", "threads 4", 0, 7, "threads 4", "^~~~~~~"},
+      {"tabs before", "\ta\tb", 3, 1, "\ta\tb", "\t \t^"},
+      {"tabs within", "ab\tcd", 0, 5, "ab\tcd", "^~"},
+      {"controls", "\x1b[m\x07x", 4, 1, "\\x1b[m\\x07x", "          ^"},
+      {"marked controls", "a\r", 1, 1, "a\\x0d", " ^~~~"},
+      {"UTF-8", "\xC3\xA4 \xE2\x82\xAC x", 3, 3, "\xC3\xA4 \xE2\x82\xAC x",
+       "  ^"},
+      {"broken UTF-8", "\xC3(\xFF\xED\xA0\x80", 1, 1,
+       "\\xc3(\\xff\\xed\\xa0\\x80", "    ^"},
+      {"overlong and too large", "\xC0\xAF\xF4\x90\x80\x80", 0, 1,
+       "\\xc0\\xaf\\xf4\\x90\\x80\\x80", "^~~~"},
+      {"hidden controls", "\xC2\x9B\xE2\x80\xAE.", 5, 1,
+       "\\xc2\\x9b\\xe2\\x80\\xae.", std::string(20, ' ') + '^'},
+      {"past the end", "ab", 2, 0, "ab", "  ^"},
+      {"long", many + "!" + many, 200, 1,
+       "..." + std::string(40, 'x') + "!" + std::string(59, 'x') + "...",
+       std::string(43, ' ') + '^'},
+      {"long at its end", many, 199, 9, "..." + std::string(41, 'x'),
+       std::string(43, ' ') + '^'},
+      {"long in UTF-8", many + "\xC3\xA4" + std::string(39, 'x') + "!", 241, 1,
+       "...\xC3\xA4" + std::string(39, 'x') + "!", std::string(43, ' ') + '^'},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const Excerpt excerpt = ExcerptOf(c.line, c.offset, c.length);
+    EXPECT_EQ(excerpt.line, c.shown);
+    EXPECT_EQ(excerpt.marks, c.marks);
+  }
+}
+
+}  // namespace
+}  // namespace quarry::tool

@@ -1,0 +1,105 @@
+#include <algorithm>
+
+#include "tools/check_text.h"
+#include "tools/commands.h"
+#include "tools/errors.h"
+#include "tools/files.h"
+#include "tools/json_text.h"
+#include "tools/terminal.h"
+
+namespace quarry::tool {
+
+namespace {
+
+struct Totals {
+  std::size_t files = 0;
+  std::size_t errors = 0;
+  std::size_t warnings = 0;
+  bool unreadable = false;
+
+  void Count(const std::vector<Finding>& findings) {
+    const auto count = static_cast<std::size_t>(std::count_if(
+        findings.begin(), findings.end(), [](const Finding& finding) {
+          return finding.severity == Severity::kError;
+        }));
+    ++files;
+    errors += count;
+    warnings += findings.size() - count;
+  }
+};
+
+std::string Counted(std::size_t count, const std::string& noun) {
+  return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+// "2 files, no errors" or "1 file, 2 errors, 1 warning".
+std::string Summary(const Totals& totals) {
+  std::string text =
+      Counted(totals.files, "file") + ", " +
+      (totals.errors == 0 ? "no errors" : Counted(totals.errors, "error"));
+  if (totals.warnings > 0) text += ", " + Counted(totals.warnings, "warning");
+  return text + '\n';
+}
+
+int ExitStatusOf(const Totals& totals, bool strict) {
+  if (totals.unreadable) return kExitFailed;
+  const bool refused = totals.errors > 0 || (strict && totals.warnings > 0);
+  return refused ? kExitNo : kExitDone;
+}
+
+void PrintFindings(const std::vector<Finding>& findings,
+                   const std::string& file) {
+  std::string report;
+  for (const Finding& finding : findings) {
+    report += FindingReport(finding, file, ColoursOnStandardError());
+  }
+  WriteStandardError(report);
+}
+
+nlohmann::ordered_json FindingsJson(const std::vector<Finding>& findings) {
+  auto array = nlohmann::ordered_json::array();
+  for (const Finding& finding : findings) {
+    const bool warning = finding.severity == Severity::kWarning;
+    array.push_back({{"severity", warning ? "warning" : "error"},
+                     {"line", finding.line},
+                     {"column", finding.column},
+                     {"length", finding.length},
+                     {"message", finding.message},
+                     {"hint", finding.hint}});
+  }
+  return array;
+}
+
+}  // namespace
+
+int RunCheck(const CheckRequest& request) {
+  Totals totals;
+  auto checked = nlohmann::ordered_json::array();
+  for (const std::string& file : request.files) {
+    try {
+      const std::string text = ReadInput(file);
+      const std::vector<Finding> findings = CheckText(text, file);
+      totals.Count(findings);
+      if (!request.json) {
+        PrintFindings(findings, file);
+        continue;
+      }
+      nlohmann::ordered_json entry;
+      AddText(&entry, "file", file);
+      entry["findings"] = FindingsJson(findings);
+      checked.push_back(std::move(entry));
+    } catch (const ToolError& error) {
+      // One file that cannot be read does not keep the others unchecked.
+      WriteStandardError(error.report());
+      totals.unreadable = true;
+    }
+  }
+  if (request.json) {
+    WriteStandardOutput(JsonText({{"schema", 1}, {"files", checked}}));
+  } else if (IsStandardOutputTerminal()) {
+    WriteStandardOutput(Summary(totals));
+  }
+  return ExitStatusOf(totals, request.strict);
+}
+
+}  // namespace quarry::tool

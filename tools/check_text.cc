@@ -1,0 +1,265 @@
+#include "tools/check_text.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+#include <utility>
+
+#include "tools/display.h"
+#include "tools/files.h"
+#include "tools/scan.h"
+
+namespace quarry::tool {
+
+using storage::dmconfig::LineFault;
+using storage::dmconfig::LineKind;
+using storage::dmconfig::StringCaseCmp;
+
+namespace {
+
+const char kCommentHint[] = "comments stand on lines of their own";
+
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsCommentMark(char c) { return c == '#' || c == ';'; }
+
+// "threads 4" and "threads: 4" were meant as "threads = 4".
+std::string MissingEqualsHint(std::string_view line) {
+  constexpr std::size_t kLongestExample = 60;
+  const std::size_t name_end = line.find_first_of(" \t:\r");
+  const std::size_t value_begin = line.find_first_not_of(" \t:\r", name_end);
+  std::string example = "NAME = VALUE";
+  if (value_begin != std::string_view::npos && name_end != 0 &&
+      line.size() <= kLongestExample) {
+    const std::size_t value_end = line.find_last_not_of(" \t\r") + 1;
+    example = std::string(line.substr(0, name_end)) + " = " +
+              std::string(line.substr(value_begin, value_end - value_begin));
+  }
+  return "write \"" + Shown(example) +
+         "\", or put \"#\" first to make it a comment";
+}
+
+// Where in a value a comment seems to begin that is none: " # x", or "# x" as
+// the whole value. "#fff" is no such place.
+std::size_t FindSeemingComment(std::string_view value) {
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (!IsCommentMark(value[i])) continue;
+    const bool blank_before = i > 0 && IsBlank(value[i - 1]);
+    const bool blank_after = i + 1 < value.size() && IsBlank(value[i + 1]);
+    if (blank_before || (i == 0 && blank_after)) return i;
+  }
+  return std::string_view::npos;
+}
+
+class Checker {
+ public:
+  explicit Checker(const std::string& file) : file_(file) {}
+
+  std::vector<Finding> Check(std::string_view text);
+
+ private:
+  // What came before in a section, by line numbers; 0 is none.
+  struct Section {
+    std::size_t header_line = 0;
+    std::size_t comment_line = 0;
+    OptionLines options;
+  };
+
+  void CheckLine(const ScannedLine& line);
+  void CheckHeader(const ScannedLine& line);
+  void CheckOption(const ScannedLine& line);
+  void CheckHeaderFault(const ScannedLine& line);
+  void CheckOptionFault(const ScannedLine& line);
+  void EnterSection(const ScannedLine& line);
+  void WarnOfRepeatedOption(const ScannedLine& line);
+  void WarnOfValue(const ScannedLine& line);
+
+  // Adds a finding about `part`, a view into the line.
+  void Add(Severity severity, const ScannedLine& line, std::string_view part,
+           std::string message, std::string hint = "");
+
+  const std::string file_;
+  std::vector<Finding> findings_;
+  std::map<std::string, Section, StringCaseCmp> sections_;
+  Section nameless_;  // takes the options under a header without a usable name
+  Section* section_ = &nameless_;
+  ScannedLine pending_comment_;  // the first line of it; number 0 when none
+  bool warned_of_carriage_return_ = false;
+};
+
+std::vector<Finding> Checker::Check(std::string_view text) {
+  TextScanner scanner(text);
+  for (ScannedLine line; scanner.Next(&line);) CheckLine(line);
+  if (pending_comment_.number != 0) {
+    Add(Severity::kWarning, pending_comment_, pending_comment_.text,
+        "comment after the last option is dropped when a program saves this "
+        "file",
+        "move it above the section or option that it is about");
+  }
+  std::stable_sort(findings_.begin(), findings_.end(),
+                   [](const Finding& left, const Finding& right) {
+                     return std::tie(left.line, left.column) <
+                            std::tie(right.line, right.column);
+                   });
+  return std::move(findings_);
+}
+
+void Checker::CheckLine(const ScannedLine& line) {
+  switch (line.kind) {
+    case LineKind::kBlank:
+      return;
+    case LineKind::kComment:
+      if (pending_comment_.number == 0) pending_comment_ = line;
+      return;
+    case LineKind::kHeader:
+      CheckHeader(line);
+      break;
+    case LineKind::kOption:
+      CheckOption(line);
+      break;
+  }
+  pending_comment_.number = 0;
+}
+
+void Checker::CheckHeader(const ScannedLine& line) {
+  CheckHeaderFault(line);
+  if (line.header.name.empty()) {
+    nameless_ = {};
+    section_ = &nameless_;
+    return;
+  }
+  EnterSection(line);
+  const std::string_view name = line.header.name;
+  if (IsBlank(name.front()) || IsBlank(name.back())) {
+    Add(Severity::kWarning, line, name, "blanks belong to the section name",
+        "write the name next to the brackets");
+  }
+}
+
+void Checker::CheckHeaderFault(const ScannedLine& line) {
+  const std::string_view at = line.text.substr(line.header.offset);
+  switch (line.header.fault) {
+    case LineFault::kHeaderNotClosed:
+      return Add(Severity::kError, line, at, "section header without \"]\"",
+                 "add \"]\" after the section name");
+    case LineFault::kSectionNameEmpty:
+      return Add(Severity::kError, line, at.substr(0, 1),
+                 "section name is empty",
+                 "write a name between \"[\" and \"]\"");
+    case LineFault::kTextAfterHeader:
+      return Add(Severity::kError, line, at, "text after the section header",
+                 kCommentHint);
+    default:
+      return;
+  }
+}
+
+void Checker::EnterSection(const ScannedLine& line) {
+  section_ = &sections_[std::string(line.header.name)];
+  if (section_->comment_line != 0) {
+    Add(Severity::kWarning, line, line.header.name,
+        "section again: its comment above line " +
+            std::to_string(section_->header_line) +
+            " is dropped when a program saves this file",
+        "keep one header for the section, with one comment");
+  }
+  section_->header_line = line.number;
+  section_->comment_line = pending_comment_.number;
+}
+
+void Checker::CheckOption(const ScannedLine& line) {
+  if (line.option.fault != LineFault::kNone) return CheckOptionFault(line);
+  WarnOfRepeatedOption(line);
+  WarnOfValue(line);
+}
+
+void Checker::CheckOptionFault(const ScannedLine& line) {
+  // Never empty: a line of blanks is no option line.
+  const std::string_view text =
+      line.text.substr(0, line.text.find_last_not_of(" \t\r") + 1);
+  if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+    return Add(Severity::kError, line, text.substr(0, kByteOrderMark.size()),
+               "byte-order mark", "save the file without it");
+  }
+  switch (line.option.fault) {
+    case LineFault::kNoSection:
+      return Add(Severity::kError, line, text, "option line before any section",
+                 "put a [section] line above");
+    case LineFault::kNoEquals:
+      return Add(Severity::kError, line, text, "option line without \"=\"",
+                 MissingEqualsHint(text));
+    default:
+      return Add(Severity::kError, line, text.substr(0, 1),
+                 "option name is empty", "write a name before the \"=\"");
+  }
+}
+
+void Checker::WarnOfRepeatedOption(const ScannedLine& line) {
+  std::size_t& stands_in = section_->options[std::string(line.option.name)];
+  if (stands_in != 0) {
+    Add(Severity::kWarning, line, line.option.name,
+        "option again: overrides line " + std::to_string(stands_in),
+        "keep one of the two lines");
+  }
+  stands_in = line.number;
+}
+
+void Checker::WarnOfValue(const ScannedLine& line) {
+  const std::string_view value = line.option.value;
+  if (value.empty()) return;
+  if (value.find_first_not_of(" \t") == std::string_view::npos) {
+    return Add(Severity::kWarning, line, value,
+               "blanks are the value of this option",
+               "for an empty value write nothing after the \"=\"");
+  }
+  const std::size_t mark = FindSeemingComment(value);
+  if (mark != std::string_view::npos) {
+    Add(Severity::kWarning, line, value.substr(mark),
+        "this is part of the value", kCommentHint);
+  }
+  if (value.back() == '\r' && !warned_of_carriage_return_) {
+    warned_of_carriage_return_ = true;
+    Add(Severity::kWarning, line, value.substr(value.size() - 1),
+        "value ends in a carriage return, which the agent sees",
+        "remove all of them: sed -i 's/\\r$//' " + Shown(file_));
+  }
+}
+
+void Checker::Add(Severity severity, const ScannedLine& line,
+                  std::string_view part, std::string message,
+                  std::string hint) {
+  const auto offset = static_cast<std::size_t>(part.data() - line.raw.data());
+  findings_.push_back({severity, line.number, offset + 1, part.size(),
+                       std::move(message), std::move(hint), line.raw});
+}
+
+}  // namespace
+
+std::vector<Finding> CheckText(std::string_view text, const std::string& file) {
+  return Checker(file == "-" ? "FILE" : ShellQuoted(file)).Check(text);
+}
+
+std::string FindingReport(const Finding& finding, const std::string& file,
+                          bool coloured) {
+  const auto paint = [coloured](const char* code, const std::string& text) {
+    return coloured ? "\x1b[" + std::string(code) + 'm' + text + "\x1b[0m"
+                    : text;
+  };
+  const bool warning = finding.severity == Severity::kWarning;
+  const char* const colour = warning ? "1;35" : "1;31";  // magenta, red
+  const std::string number = std::to_string(finding.line);
+  const Excerpt excerpt =
+      ExcerptOf(finding.line_text, finding.column - 1, finding.length);
+
+  const std::string place = DisplayName(file) + ':' + number + ':' +
+                            std::to_string(finding.column) + ": ";
+  std::string report = "quarry-config: " + paint("1", place);
+  if (warning) report += paint(colour, "warning: ");
+  report += warning ? finding.message : paint(colour, finding.message);
+  report += "\n  " + number + " | " + excerpt.line + "\n  " +
+            std::string(number.size(), ' ') + " | " +
+            paint(colour, excerpt.marks) + '\n';
+  if (!finding.hint.empty()) report += "  hint: " + finding.hint + '\n';
+  return report;
+}
+
+}  // namespace quarry::tool

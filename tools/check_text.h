@@ -1,0 +1,39 @@
+// What is wrong with a text, and what is right but probably not meant.
+#ifndef QUARRY_TOOLS_CHECK_TEXT_H_
+#define QUARRY_TOOLS_CHECK_TEXT_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quarry::tool {
+
+enum class Severity { kError, kWarning };
+
+struct Finding {
+  Severity severity = Severity::kError;
+  std::size_t line = 0;    // from 1
+  std::size_t column = 0;  // in bytes, from 1; a tab counts one
+  std::size_t length = 0;  // bytes that the finding is about
+  std::string message;
+  std::string hint;            // what to do; may be empty
+  std::string_view line_text;  // into the text that was checked
+};
+
+// Every finding in `text`, in order of lines. There is an error exactly when
+// the library refuses the text, and the first one is on the line where it
+// stops. `file` is the name that hints give for it.
+std::vector<Finding> CheckText(std::string_view text, const std::string& file);
+
+// The finding as it goes to a terminal or a log, several lines:
+//   quarry-config: FILE:14:1: option line without "="
+//     14 | threads 4
+//        | ^~~~~~~~~
+//     hint: write "threads = 4"
+std::string FindingReport(const Finding& finding, const std::string& file,
+                          bool coloured);
+
+}  // namespace quarry::tool
+
+#endif  // QUARRY_TOOLS_CHECK_TEXT_H_

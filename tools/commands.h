@@ -1,0 +1,38 @@
+// The commands of quarry-config: what the command line gives each and the
+// function that carries it out. Each returns the exit status or throws
+// ToolError. A file "-" is standard input.
+#ifndef QUARRY_TOOLS_COMMANDS_H_
+#define QUARRY_TOOLS_COMMANDS_H_
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quarry::tool {
+
+struct CheckRequest {
+  std::vector<std::string> files;
+  bool strict = false;  // warnings count as errors
+  bool json = false;
+};
+int RunCheck(const CheckRequest& request);
+
+struct ListRequest {
+  std::string file;
+  std::optional<std::string> section;
+  bool origin = false;
+  bool json = false;
+};
+int RunList(const ListRequest& request);
+
+struct GetRequest {
+  std::string file;
+  std::string section;
+  std::string option;
+  std::optional<std::string> default_text;
+};
+int RunGet(const GetRequest& request);
+
+}  // namespace quarry::tool
+
+#endif  // QUARRY_TOOLS_COMMANDS_H_

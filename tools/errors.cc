@@ -1,0 +1,25 @@
+#include "tools/errors.h"
+
+#include <cstdio>
+#include <system_error>
+
+namespace quarry::tool {
+
+std::string ErrorReport(const std::string& message, const std::string& hint) {
+  std::string report = "quarry-config: " + message + '\n';
+  if (!hint.empty()) report += "  hint: " + hint + '\n';
+  return report;
+}
+
+ToolError SystemError(const std::string& verb, const std::string& what,
+                      int error_number) {
+  return {kExitFailed,
+          ErrorReport("cannot " + verb + ' ' + what + ": " +
+                      std::generic_category().message(error_number))};
+}
+
+void WriteStandardError(const std::string& text) {
+  (void)std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+}  // namespace quarry::tool

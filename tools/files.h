@@ -1,0 +1,26 @@
+// Reading what a command is given and writing what it answers.
+#ifndef QUARRY_TOOLS_FILES_H_
+#define QUARRY_TOOLS_FILES_H_
+
+#include <string>
+
+namespace quarry::tool {
+
+// Sees to it that no file that is opened later takes the number of a standard
+// stream that the caller closed; using such a stream still fails.
+void ReserveStandardStreams();
+
+// The name for messages: "<stdin>" for "-", else the name itself, made visible.
+std::string DisplayName(const std::string& file);
+
+// The whole content of the file, or of standard input for "-"; a pipe will do.
+// Throws ToolError.
+std::string ReadInput(const std::string& file);
+
+// Writes a command's whole answer to standard output and closes it. Throws
+// ToolError when any of it did not get there.
+void WriteStandardOutput(const std::string& text);
+
+}  // namespace quarry::tool
+
+#endif  // QUARRY_TOOLS_FILES_H_

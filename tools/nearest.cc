@@ -1,0 +1,71 @@
+#include "tools/nearest.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace quarry::tool {
+
+namespace {
+
+constexpr std::size_t kMostNames = 3;
+
+std::string Folded(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
+
+// The least number of bytes to insert, delete, replace or swap with the next
+// one (optimal string alignment).
+std::size_t EditDistance(const std::string& left, const std::string& right) {
+  std::vector<std::size_t> before_last, last, row(right.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 1; i <= left.size(); ++i) {
+    before_last = std::exchange(last, row);
+    row[0] = i;
+    for (std::size_t j = 1; j <= right.size(); ++j) {
+      const std::size_t replaced =
+          last[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
+      row[j] = std::min({replaced, row[j - 1] + 1, last[j] + 1});
+      const bool swapped = i > 1 && j > 1 && left[i - 1] == right[j - 2] &&
+                           left[i - 2] == right[j - 1];
+      if (swapped) row[j] = std::min(row[j], before_last[j - 2] + 1);
+    }
+  }
+  return row.back();
+}
+
+// How far apart two folded names are; a name that begins with the other one is
+// as near as one typing mistake.
+std::size_t Distance(const std::string& wanted, const std::string& name) {
+  const std::size_t shorter = std::min(wanted.size(), name.size());
+  const bool begins =
+      shorter >= 3 && wanted.compare(0, shorter, name, 0, shorter) == 0;
+  return begins ? 1 : EditDistance(wanted, name);
+}
+
+}  // namespace
+
+std::vector<std::string> NearestNames(const std::string& wanted,
+                                      const std::list<std::string>& names) {
+  const std::string folded = Folded(wanted);
+  const std::size_t farthest = 1 + wanted.size() / 4;
+  std::vector<std::pair<std::size_t, std::string>> near;
+  for (const std::string& name : names) {
+    const std::size_t distance = Distance(folded, Folded(name));
+    if (distance <= farthest) near.emplace_back(distance, name);
+  }
+  std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) {
+    return a.first < b.first;
+  });
+
+  std::vector<std::string> nearest;
+  for (const auto& [distance, name] : near) {
+    if (nearest.size() < kMostNames) nearest.push_back(name);
+  }
+  return nearest;
+}
+
+}  // namespace quarry::tool

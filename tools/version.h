@@ -1,0 +1,14 @@
+#ifndef QUARRY_TOOLS_VERSION_H_
+#define QUARRY_TOOLS_VERSION_H_
+
+#include <string>
+
+namespace quarry::tool {
+
+// The program's version, the library file that this process really uses, and
+// the version of libsodium; a line each.
+std::string VersionText();
+
+}  // namespace quarry::tool
+
+#endif  // QUARRY_TOOLS_VERSION_H_
