@@ -10,8 +10,8 @@
 
 #include "dmconfig/config.h"
 #include "dmconfig/config_file.h"
-#include "tests/failing_allocator.h"
 #include "tests/support.h"
+#include "tests/test_allocator.h"
 
 namespace quarry::storage::dmconfig {
 namespace {

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# exports_test.sh LIBRARY SONAME: the library exports our classes, nothing of
-# others, and has the versioned name.
+# exports_test.sh LIBRARY SONAME NAME PATTERN: the library exports NAME, nothing
+# that the pattern does not allow, and has the versioned name.
 set -euo pipefail
 names=$(nm -DC --defined-only "$1" | cut -d' ' -f3-)
-grep -qF 'quarry::storage::dmconfig::DMConfigFile::LoadConfig(' <<<"$names"
-foreign=$(grep -vE '^quarry::storage::dmconfig::DMConfig(File)?::' <<<"$names" || true)
+grep -qF "$3" <<<"$names"
+foreign=$(grep -vE "$4" <<<"$names" || true)
 [ -z "$foreign" ] || { printf 'exported too: %s\n' "$foreign"; exit 1; }
 objdump -p "$1" | grep -qE "SONAME +$2\$"

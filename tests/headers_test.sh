@@ -6,13 +6,17 @@ root=$1
 shift
 compilers=(g++)
 command -v clang++ >/dev/null && compilers+=(clang++)
+compile() {
+  printf '#include "%s"\n' "$3" | "$1" -std="$2" -Wall -Wextra -Wconversion -Werror \
+    -fsyntax-only -I "$root" -x c++ -
+}
+export -f compile
+export root
 for header; do
   for standard in c++17 c++20; do
     for compiler in "${compilers[@]}"; do
-      printf '#include "%s"\n' "${header#"$root"/}" |
-        "$compiler" -std="$standard" -Wall -Wextra -Wconversion -Werror \
-          -fsyntax-only -I "$root" -x c++ -
+      printf '%s %s %s\n' "$compiler" "$standard" "${header#"$root"/}"
     done
   done
-done
+done | xargs -P "$(nproc)" -L 1 bash -c 'compile "$@"' compile
 [ $# -ge 4 ] # the list itself was not lost

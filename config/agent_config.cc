@@ -1,0 +1,174 @@
+#include "config/agent_config.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
+#include <utility>
+
+#include "dmconfig/config_file.h"
+#include "dmconfig/status.h"
+#include "platform/config_names.h"
+#include "platform/cr_runtime.h"
+
+namespace storage::config {
+
+using quarry::storage::dmconfig::DMConfig;
+using quarry::storage::dmconfig::DMConfigFile;
+using quarry::storage::dmconfig::kStatusOk;
+using utils::LibMetabInterface;
+
+namespace {
+
+constexpr std::size_t kPathBytes = 4096;
+constexpr std::size_t kPasswordBytes = 4096;
+constexpr std::size_t kPasswordCapacity = 255;  // what the decryption may fill
+constexpr std::int32_t kDefaultNumericOption = 10102;
+constexpr std::int32_t kAllBitsSet = -1;
+
+// The whole memory of a string, also what lies behind its end.
+void Wipe(std::string* text) {
+  text->resize(text->capacity());
+  explicit_bzero(text->data(), text->size());
+  text->clear();
+}
+
+// Wipes a string at the end of a scope, unless it was kept.
+class StringWiper {
+ public:
+  explicit StringWiper(std::string* text) : text_(text) {}
+  ~StringWiper() {
+    if (text_ != nullptr) Wipe(text_);
+  }
+  StringWiper(const StringWiper&) = delete;
+  StringWiper& operator=(const StringWiper&) = delete;
+
+  void Keep() { text_ = nullptr; }
+
+ private:
+  std::string* text_;
+};
+
+// A buffer for the plain password, wiped on every path.
+struct PasswordBuffer {
+  // Not cleared: the decryption fills it.
+  PasswordBuffer() {}  // NOLINT(modernize-use-equals-default)
+  ~PasswordBuffer() { explicit_bzero(text, sizeof text); }
+  PasswordBuffer(const PasswordBuffer&) = delete;
+  PasswordBuffer& operator=(const PasswordBuffer&) = delete;
+
+  char text[kPasswordBytes];
+};
+
+[[noreturn]] void Die(const char* message) {
+  throw Cr_ErrnoException(kCrConfigFailure, message, nullptr);
+}
+
+// Up to the first NUL.
+std::string TextOf(const std::string& value) { return value.c_str(); }
+
+}  // namespace
+
+AgentCfg::AgentCfg(std::weak_ptr<LibMetabInterface> lib_metab,
+                   const boost::filesystem::path& config_path)
+    : config_path_(config_path), lib_metab_(std::move(lib_metab)) {
+  // The destructor does not run when construction fails.
+  StringWiper password_wiper(&cr_password_);
+  DMConfig config;
+  LoadConfigOrDie(&config);
+  GetConfigValuesOrDie(&config);
+  GetRoutingTablesOrDie();
+  password_wiper.Keep();
+}
+
+AgentCfg::~AgentCfg() { Wipe(&cr_password_); }
+
+void AgentCfg::LoadConfigOrDie(DMConfig* config) {
+  DMConfigFile file(config_path_.native(), "");
+  if (file.LoadConfig(config) == kStatusOk) return;
+  std::stringstream message;
+  message << "Unable to parse the agent config file: " << config_path_;
+  throw Cr_ErrnoException(kCrConfigFailure, message, nullptr);
+}
+
+void AgentCfg::GetConfigValuesOrDie(DMConfig* config) {
+  struct RequiredSetting {
+    std::size_t section, entry;
+    std::string* field;
+    const char* message;
+  };
+  const RequiredSetting settings[] = {
+      {kSectionCr, kEntryLogin, &cr_login_,
+       "Unable to get the CR login from config file"},
+      {kSectionCr, kEntryPassword, &cr_password_,
+       "Unable to get the CR password from config file"},
+      {kSectionSsl, kEntryKeyDir, &ssl_key_dir_,
+       "Unable to load SSL key dir from config file"},
+      {kSectionLedger, kEntryUrl, &ledger_url_,
+       "Unable to load LEDGER url from config file"},
+      {kSectionMetabase, kEntryUrl, &metabase_url_,
+       "Unable to load metabase url from config file"},
+      {kSectionControl, kEntryAddress, &ctrl_address_,
+       "Unable to load ctrl address from config file"},
+  };
+  std::string comment;  // required by the look-up, not used
+  for (const RequiredSetting& setting : settings) {
+    const int status = config->GetOptionValue(SectionName(setting.section),
+                                              EntryName(setting.entry),
+                                              setting.field, &comment);
+    if (status != kStatusOk) Die(setting.message);
+  }
+  GetNumericOption(config);
+  DecryptPasswordOrDie();
+}
+
+void AgentCfg::GetNumericOption(DMConfig* config) {
+  std::string text, comment;
+  const int status =
+      config->GetOptionValue(SectionName(kSectionAgent),
+                             EntryName(kEntryNumericOption), &text, &comment);
+  // Anything may be written there; atol is the contract.
+  // NOLINTNEXTLINE(cert-err34-c)
+  numeric_option_ = status == kStatusOk
+                        ? static_cast<std::int32_t>(std::atol(text.c_str()))
+                        : kDefaultNumericOption;
+}
+
+void AgentCfg::DecryptPasswordOrDie() {
+  char key_file[kPathBytes];
+  // A longer path is cut.
+  (void)std::snprintf(key_file, kPathBytes - 1, "%s%c%s", ssl_key_dir_.c_str(),
+                      '/', "auth.key");
+
+  PasswordBuffer password;
+  if (DecryptPasswdWithKey(key_file, cr_password_.c_str(), password.text,
+                           kPasswordCapacity) != 0) {
+    Die("Unable to decrypt password from config file");
+  }
+  Wipe(&cr_password_);  // first: a longer password takes other memory
+  cr_password_ = password.text;
+}
+
+void AgentCfg::GetRoutingTablesOrDie() {
+  const std::shared_ptr<LibMetabInterface> metab =
+      LibMetabInterface::LockPointer(lib_metab_);
+  char r_path[kPathBytes];
+  char c_path[kPathBytes];
+  (void)std::snprintf(r_path, sizeof r_path, "%s", "/tmp/r.rt");
+  (void)std::snprintf(c_path, sizeof c_path, "%s", "/tmp/c.rt");
+
+  std::string password = TextOf(cr_password_);
+  const StringWiper password_wiper(&password);
+  const cr_status_t status = metab->GetRoutingTables(
+      TextOf(ledger_url_), TextOf(cr_login_), password, kAllBitsSet,
+      TextOf(ssl_key_dir_), r_path, c_path);
+  if (status != 0) {
+    throw Cr_ErrnoException(status,
+                            "Unable to get the routing tables from ledgerd",
+                            CRStatusToStringA(status));
+  }
+  routing_table_r_path_ = r_path;
+  routing_table_c_path_ = c_path;
+}
+
+}  // namespace storage::config

@@ -1,0 +1,129 @@
+// AgentCfg is the configuration of the storage system's agent, taken in one go
+// from its file.
+//
+//   try {
+//     storage::config::AgentCfg cfg(lib_metab, "/etc/quarry/agent.conf");
+//     Connect(cfg.ledger_url(), cfg.cr_login(), cfg.cr_password());
+//   } catch (const Cr_ErrnoException& error) {
+//     std::cerr << error.what() << '\n';
+//   }
+//
+// Construction loads the file, takes seven settings, decrypts the password and
+// has the metabase service library fetch the routing tables. It completes or
+// throws; there is no half-made object. The settings, names in any letter case:
+//
+//   [CR] login             required
+//   [CR] password          required; sealed for the key file "auth.key" in ...
+//   [SSL] key_dir          required; ... this folder
+//   [Ledger] url           required
+//   [Metabase] url         required
+//   [Control] address      required
+//   [Agent] numeric_option a number; 10102 when it is absent
+//
+// An empty value is a value. The names are those of the platform library
+// (platform/config_names.h) and may be others with another one.
+//
+// Failures are Cr_ErrnoException (platform/cr_runtime.h), in the order in which
+// they are found:
+//   status  message                                            detail
+//   4       Unable to parse the agent config file: "PATH"      none
+//   4       Unable to get the CR login from config file        none
+//   4       Unable to get the CR password from config file     none
+//   4       Unable to load SSL key dir from config file        none
+//   4       Unable to load LEDGER url from config file         none
+//   4       Unable to load metabase url from config file       none
+//   4       Unable to load ctrl address from config file       none
+//   4       Unable to decrypt password from config file        none
+//   9       Lib Metab (ledgerd) weak_ptr has expired           none
+//   any     Unable to get the routing tables from ledgerd      the status's
+//   text
+// In PATH each '"' and '&' has a '&' in front. When the file is missing or
+// invalid, the reader has written its line to std::cerr before
+// (dmconfig/config_file.h). std::bad_alloc and whatever the metabase service
+// library throws pass through. Nothing is caught.
+//
+// Secrets: the plain password is wiped from the object's memory when the object
+// ends or its construction fails, and from every buffer that construction used;
+// so is the stored form when the password replaces it. What cannot be wiped are
+// copies that others take: the caller from cr_password(), the metabase service
+// library from its argument, the platform library while it decrypts; and what the
+// system saves of the processor's registers, as at a signal or when a function
+// is bound at its first call (LD_BIND_NOW=1 prevents the latter). No message
+// holds the password in either form.
+//
+// Threads: construct on one thread; afterwards any number may read. Separate
+// objects share nothing.
+#ifndef QUARRY_CONFIG_AGENT_CONFIG_H_
+#define QUARRY_CONFIG_AGENT_CONFIG_H_
+
+#include <boost/filesystem/path.hpp>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "dmconfig/config.h"
+#include "platform/export.h"
+#include "platform/lib_metab_interface.h"
+
+namespace storage::config {
+
+class QUARRY_EXPORT AgentCfg {
+ public:
+  // Copies both arguments. The handle is promoted last, when all settings have
+  // been taken, and held for the time of the request only: the object never
+  // keeps the metabase service library alive. The file is read once and the
+  // path is used as it is.
+  AgentCfg(std::weak_ptr<utils::LibMetabInterface> lib_metab,
+           const boost::filesystem::path& config_path);
+  ~AgentCfg();
+  // Not copied, so that the password stays in one place.
+  AgentCfg(const AgentCfg&) = delete;
+  AgentCfg& operator=(const AgentCfg&) = delete;
+
+  const std::string& ledger_url() const { return ledger_url_; }
+  const std::string& cr_login() const { return cr_login_; }
+  // In plain text.
+  const std::string& cr_password() const { return cr_password_; }
+  const std::string& ssl_key_dir() const { return ssl_key_dir_; }
+  // Where the metabase service library has left the routing tables:
+  // "/tmp/r.rt" and "/tmp/c.rt", for every agent on the machine.
+  const std::string& routing_table_r_path() const {
+    return routing_table_r_path_;
+  }
+  const std::string& routing_table_c_path() const {
+    return routing_table_c_path_;
+  }
+  const boost::filesystem::path& config_path() const { return config_path_; }
+  const std::string& metabase_url() const { return metabase_url_; }
+  const std::weak_ptr<utils::LibMetabInterface>& lib_metab() const {
+    return lib_metab_;
+  }
+  const std::string& ctrl_address() const { return ctrl_address_; }
+  // The value's leading decimal number, 0 when there is none, cut to 32 bits.
+  std::int32_t numeric_option() const { return numeric_option_; }
+
+ private:
+  // Each completes or throws; called once, in this order.
+  void LoadConfigOrDie(quarry::storage::dmconfig::DMConfig* config);
+  void GetConfigValuesOrDie(quarry::storage::dmconfig::DMConfig* config);
+  void GetRoutingTablesOrDie();
+
+  void GetNumericOption(quarry::storage::dmconfig::DMConfig* config);
+  void DecryptPasswordOrDie();
+
+  std::string ledger_url_;
+  std::string cr_login_;
+  std::string cr_password_;  // the stored form until it is decrypted
+  std::string ssl_key_dir_;
+  std::string routing_table_r_path_;
+  std::string routing_table_c_path_;
+  boost::filesystem::path config_path_;
+  std::string metabase_url_;
+  std::weak_ptr<utils::LibMetabInterface> lib_metab_;
+  std::string ctrl_address_;
+  std::int32_t numeric_option_ = 0;
+};
+
+}  // namespace storage::config
+
+#endif  // QUARRY_CONFIG_AGENT_CONFIG_H_

@@ -1,0 +1,63 @@
+// Small helpers over file descriptors, for the stand-ins and the tool. Not
+// installed.
+#ifndef QUARRY_PLATFORM_FILE_DESCRIPTOR_H_
+#define QUARRY_PLATFORM_FILE_DESCRIPTOR_H_
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+
+namespace quarry::platform {
+
+// Owns a descriptor, -1 being none, and closes it.
+class FileDescriptor {
+ public:
+  explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
+  ~FileDescriptor() { Close(); }
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+
+  int get() const { return descriptor_; }
+
+  // Closes early; false with errno when the system reports that data was lost.
+  bool Close() {
+    if (descriptor_ == -1) return true;
+    const bool closed = close(descriptor_) == 0 || errno == EINTR;
+    descriptor_ = -1;
+    return closed;
+  }
+
+ private:
+  int descriptor_;
+};
+
+// Reads until `capacity` bytes are there or the end comes; `*size` is what was
+// read. False with errno on failure.
+inline bool ReadUpTo(int descriptor, char* bytes, std::size_t capacity,
+                     std::size_t* size) {
+  *size = 0;
+  while (*size < capacity) {
+    const ssize_t count = read(descriptor, bytes + *size, capacity - *size);
+    if (count == -1 && errno == EINTR) continue;
+    if (count == -1) return false;
+    if (count == 0) break;
+    *size += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+// False with errno on failure.
+inline bool WriteAll(int descriptor, const char* bytes, std::size_t size) {
+  for (std::size_t written = 0; written < size;) {
+    const ssize_t count = write(descriptor, bytes + written, size - written);
+    if (count == -1 && errno == EINTR) continue;
+    if (count == -1) return false;
+    written += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+}  // namespace quarry::platform
+
+#endif  // QUARRY_PLATFORM_FILE_DESCRIPTOR_H_

@@ -1,0 +1,136 @@
+#include "platform/local_metab.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "platform/file_descriptor.h"
+
+namespace storage::utils {
+
+using quarry::platform::FileDescriptor;
+using quarry::platform::ReadUpTo;
+using quarry::platform::WriteAll;
+
+namespace {
+
+constexpr std::string_view kScheme = "file://";
+
+// A private copy of one routing table, waiting beside its target. Removed
+// unless it has been put in place.
+class PendingTable {
+ public:
+  explicit PendingTable(const std::string& target)
+      : target_(target),
+        folder_(target.substr(0, target.rfind('/') + 1)),
+        copy_(folder_ + ".quarry-table-XXXXXX") {}
+  ~PendingTable() {
+    if (made_) unlink(copy_.c_str());
+  }
+  PendingTable(const PendingTable&) = delete;
+  PendingTable& operator=(const PendingTable&) = delete;
+
+  cr_status_t CopyFrom(const std::string& source);
+  cr_status_t PutInPlace();
+
+ private:
+  cr_status_t Fill(int source);
+
+  const std::string target_;
+  const std::string folder_;  // ends in "/", or is empty
+  std::string copy_;
+  bool made_ = false;
+};
+
+cr_status_t PendingTable::CopyFrom(const std::string& source) {
+  const FileDescriptor in(
+      open(source.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (in.get() == -1) {
+    return errno == ENOENT ? kLedgerTableMissing : kLedgerTableUnreadable;
+  }
+  struct stat status {};
+  if (fstat(in.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return kLedgerTableUnreadable;
+  }
+  if (lstat(target_.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+    return kRoutingTargetIsFolder;
+  }
+  return Fill(in.get());
+}
+
+cr_status_t PendingTable::Fill(int source) {
+  // Opened exclusively with mode 0600.
+  FileDescriptor out(mkostemp(copy_.data(), O_CLOEXEC));
+  if (out.get() == -1) return kRoutingTargetFailed;
+  made_ = true;
+
+  std::array<char, 65536> bytes;
+  for (std::size_t size = bytes.size(); size == bytes.size();) {
+    if (!ReadUpTo(source, bytes.data(), bytes.size(), &size)) {
+      return kLedgerTableUnreadable;
+    }
+    if (!WriteAll(out.get(), bytes.data(), size)) return kRoutingTargetFailed;
+  }
+  const bool on_disk = fsync(out.get()) == 0 && out.Close();
+  return on_disk ? 0 : kRoutingTargetFailed;
+}
+
+cr_status_t PendingTable::PutInPlace() {
+  if (std::rename(copy_.c_str(), target_.c_str()) != 0) {
+    return kRoutingTargetFailed;
+  }
+  made_ = false;
+  const FileDescriptor folder(open(folder_.empty() ? "." : folder_.c_str(),
+                                   O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const bool on_disk = folder.get() != -1 && fsync(folder.get()) == 0;
+  return on_disk ? 0 : kRoutingTargetFailed;
+}
+
+cr_status_t CheckLedger(const std::string& folder) {
+  struct stat status {};
+  if (stat(folder.c_str(), &status) != 0) {
+    return errno == ENOENT ? kLedgerFolderMissing : kLedgerFolderUnreadable;
+  }
+  const bool usable =
+      S_ISDIR(status.st_mode) && access(folder.c_str(), X_OK) == 0;
+  return usable ? 0 : kLedgerFolderUnreadable;
+}
+
+cr_status_t CopyTables(const std::string& ledger, const std::string& r_path,
+                       const std::string& c_path) {
+  PendingTable r_table(r_path);
+  PendingTable c_table(c_path);
+  // Both are complete before either target changes.
+  cr_status_t status = r_table.CopyFrom(ledger + "/r.rt");
+  if (status == 0) status = c_table.CopyFrom(ledger + "/c.rt");
+  if (status == 0) status = r_table.PutInPlace();
+  if (status == 0) status = c_table.PutInPlace();
+  return status;
+}
+
+}  // namespace
+
+LocalMetab::~LocalMetab() = default;
+
+cr_status_t LocalMetab::GetRoutingTables(const std::string& ledger_url,
+                                         const std::string& /*cr_login*/,
+                                         const std::string& /*cr_password*/,
+                                         std::int32_t /*reserved*/,
+                                         const std::string& /*ssl_key_dir*/,
+                                         const std::string& r_path,
+                                         const std::string& c_path) {
+  const bool supported = ledger_url.compare(0, kScheme.size(), kScheme) == 0 &&
+                         ledger_url.size() > kScheme.size();
+  if (!supported) return kLedgerUrlUnsupported;
+  const std::string folder = ledger_url.substr(kScheme.size());
+  const cr_status_t status = CheckLedger(folder);
+  return status == 0 ? CopyTables(folder, r_path, c_path) : status;
+}
+
+}  // namespace storage::utils

@@ -1,0 +1,47 @@
+// LocalMetab is a metabase service library for one machine without a server:
+// the ledger is a folder that holds the two routing tables as files.
+#ifndef QUARRY_PLATFORM_LOCAL_METAB_H_
+#define QUARRY_PLATFORM_LOCAL_METAB_H_
+
+#include <string>
+
+#include "platform/export.h"
+#include "platform/lib_metab_interface.h"
+
+// What LocalMetab::GetRoutingTables returns when it fails.
+inline constexpr cr_status_t kLedgerUrlUnsupported = 101;
+inline constexpr cr_status_t kLedgerFolderMissing = 102;
+inline constexpr cr_status_t kLedgerFolderUnreadable = 103;
+inline constexpr cr_status_t kLedgerTableMissing = 104;
+inline constexpr cr_status_t kLedgerTableUnreadable = 105;
+inline constexpr cr_status_t kRoutingTargetIsFolder = 106;
+inline constexpr cr_status_t kRoutingTargetFailed = 107;
+
+namespace storage::utils {
+
+// Holds nothing; any number of threads may use one object.
+class QUARRY_EXPORT LocalMetab : public LibMetabInterface {
+ public:
+  ~LocalMetab() override;
+
+  // `ledger_url` is "file://" and the path of a folder, taken literally. Copies
+  // its files r.rt and c.rt to the two paths; the other arguments are not used.
+  //
+  // Each copy is made in a private file (mode 0600) beside its target, flushed
+  // to disk and renamed, so that a reader sees the old file or the new one,
+  // whole. A symbolic link at a target is replaced, never followed. Neither
+  // target is touched before both copies are complete; a failure between the
+  // two renames leaves the first one new and returns kRoutingTargetFailed.
+  // A status other than 0 leaves no other file behind.
+  cr_status_t GetRoutingTables(const std::string& ledger_url,
+                               const std::string& cr_login,
+                               const std::string& cr_password,
+                               std::int32_t reserved,
+                               const std::string& ssl_key_dir,
+                               const std::string& r_path,
+                               const std::string& c_path) override;
+};
+
+}  // namespace storage::utils
+
+#endif  // QUARRY_PLATFORM_LOCAL_METAB_H_

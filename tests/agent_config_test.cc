@@ -1,0 +1,317 @@
+// AgentCfg with a decryption and a metabase service library of its own. That
+// this program's DecryptPasswdWithKey is the one that AgentCfg calls also shows
+// that a host system's takes the place of ours.
+
+#include "config/agent_config.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <regex>
+#include <vector>
+
+#include "platform/cr_runtime.h"
+#include "tests/support.h"
+#include "tests/test_allocator.h"
+
+namespace {
+
+using std::string_literals::operator""s;
+
+struct Decryption {
+  int result = 0;
+  std::string plain = "plain";
+  std::string asked;  // "KEY FILE|STORED|CAPACITY" of the last call
+};
+Decryption decryption;
+
+}  // namespace
+
+extern "C" int DecryptPasswdWithKey(const char* key_file, const char* stored,
+                                    char* out, std::size_t capacity) {
+  decryption.asked =
+      std::string(key_file) + '|' + stored + '|' + std::to_string(capacity);
+  if (decryption.result == 0) std::strcpy(out, decryption.plain.c_str());
+  return decryption.result;
+}
+
+namespace storage::config {
+namespace {
+
+const std::string kComplete =
+    "[CR]\nlogin=me\nPASSWORD=stored\n[SSL]\nkey_dir=/keys\n[ledger]\nurl=L\n"
+    "[METABASE]\nUrl=M\n[control]\naddress=C\n[Agent]\nnumeric_option=5\n";
+
+class FakeMetab : public utils::LibMetabInterface {
+ public:
+  cr_status_t GetRoutingTables(const std::string& ledger_url,
+                               const std::string& cr_login,
+                               const std::string& cr_password,
+                               std::int32_t reserved,
+                               const std::string& ssl_key_dir,
+                               const std::string& r_path,
+                               const std::string& c_path) override {
+    if (forgetful) return status;
+    asked = ledger_url + '|' + cr_login + '|' + cr_password + '|' +
+            std::to_string(reserved) + '|' + ssl_key_dir + '|' + r_path + '|' +
+            c_path;
+    if (during) during();
+    return status;
+  }
+
+  cr_status_t status = 0;
+  bool forgetful = false;  // keeps no copy of what it is asked
+  std::string asked;
+  std::function<void()> during;
+};
+
+std::string Written(const std::string& text) {
+  const std::string path = testing::TempDir() + "/quarry_agent.conf";
+  std::ofstream(path) << text;
+  return path;
+}
+
+// "STATUS|MESSAGE|DETAIL" of a failed start, "ok" of another.
+std::string Start(const std::string& path,
+                  const std::weak_ptr<utils::LibMetabInterface>& metab,
+                  const std::function<void(const AgentCfg&)>& look = {}) {
+  decryption.asked.clear();
+  const CerrCapture cerr;
+  try {
+    const AgentCfg cfg(metab, path);
+    if (look) look(cfg);
+    return "ok";
+  } catch (const Cr_ErrnoException& error) {
+    const char* const detail = error.detail();
+    return std::to_string(error.status()) + '|' + error.message() + '|' +
+           (detail == nullptr ? "" : detail);
+  }
+}
+
+TEST(AgentCfg, TakesItsSettingsAndRequestsTheTables) {
+  const auto metab = std::make_shared<FakeMetab>();
+  const std::string path = Written(
+      "[CR]\nlogin=me\0x\nPASSWORD=stored\0x\n[SSL]\nkey_dir=/keys\0x\n"
+      "[ledger]\nurl=L\0x\n[METABASE]\nUrl=M\0x\n[control]\naddress=C\0x\n"s);
+  EXPECT_EQ(Start(path, metab,
+                  [&](const AgentCfg& cfg) {
+                    EXPECT_EQ(cfg.ledger_url(), "L\0x"s);
+                    EXPECT_EQ(cfg.cr_login(), "me\0x"s);
+                    EXPECT_EQ(cfg.cr_password(), "plain");
+                    EXPECT_EQ(cfg.ssl_key_dir(), "/keys\0x"s);
+                    EXPECT_EQ(cfg.routing_table_r_path(), "/tmp/r.rt");
+                    EXPECT_EQ(cfg.routing_table_c_path(), "/tmp/c.rt");
+                    EXPECT_EQ(cfg.config_path(), path);
+                    EXPECT_EQ(cfg.metabase_url(), "M\0x"s);
+                    EXPECT_EQ(cfg.lib_metab().lock(), metab);
+                    EXPECT_EQ(cfg.ctrl_address(), "C\0x"s);
+                    EXPECT_EQ(cfg.numeric_option(), 10102);
+                  }),
+            "ok");
+  EXPECT_EQ(decryption.asked, "/keys/auth.key|stored|255");
+  EXPECT_EQ(metab->asked, "L|me|plain|-1|/keys|/tmp/r.rt|/tmp/c.rt");
+  EXPECT_EQ(metab.use_count(), 1);
+}
+
+TEST(AgentCfg, FailsAtTheFirstThingThatIsWrong) {
+  struct Case {
+    const char* without;  // a regular expression; what it matches is left out
+    const char* outcome;
+  };
+  const Case cases[] = {
+      {"login=me\n", "4|Unable to get the CR login from config file|"},
+      {"(.|\n)*", "4|Unable to get the CR login from config file|"},
+      {"login=me\n|address=C\n",
+       "4|Unable to get the CR login from config file|"},
+      {"PASSWORD=stored\n",
+       "4|Unable to get the CR password from config file|"},
+      {"key_dir=/keys\n", "4|Unable to load SSL key dir from config file|"},
+      {"url=L\n", "4|Unable to load LEDGER url from config file|"},
+      {"Url=M\n", "4|Unable to load metabase url from config file|"},
+      {"address=C\n", "4|Unable to load ctrl address from config file|"},
+      {"me|stored|/keys|L|M|C", "ok"},  // empty values are values
+  };
+  decryption = {};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.without);
+    const auto metab = std::make_shared<FakeMetab>();
+    std::string text = kComplete;
+    if (c.outcome == "ok"s) {
+      text =
+          "[cr]\nlogin=\npassword=\n[ssl]\nkey_dir=\n[ledger]\nurl=\n"
+          "[metabase]\nurl=\n[control]\naddress=\n";
+    } else {
+      text = std::regex_replace(text, std::regex(c.without), "");
+    }
+    EXPECT_EQ(Start(Written(text), metab), c.outcome);
+    if (c.outcome == "ok"s) {
+      EXPECT_EQ(decryption.asked, "/auth.key||255");
+    } else {
+      EXPECT_EQ(decryption.asked + metab->asked, "");
+    }
+  }
+
+  const auto metab = std::make_shared<FakeMetab>();
+  decryption.result = 6;
+  EXPECT_EQ(Start(Written(kComplete), metab),
+            "4|Unable to decrypt password from config file|");
+  EXPECT_EQ(metab->asked, "");
+  decryption.result = 0;
+  metab->status = 102;
+  EXPECT_EQ(Start(Written(kComplete), metab),
+            "102|Unable to get the routing tables from ledgerd|"
+            "the ledger folder does not exist");
+  metab->status = -5;
+  EXPECT_EQ(Start(Written(kComplete), metab),
+            "-5|Unable to get the routing tables from ledgerd|unknown status");
+}
+
+TEST(AgentCfg, QuotesThePathOfAFileThatItCannotLoad) {
+  const auto metab = std::make_shared<FakeMetab>();
+  struct Case {
+    std::string path, quoted;
+  };
+  const Case cases[] = {
+      {"", "\"\""},
+      {"/missing/a&b\"c", "\"/missing/a&&b&\"c\""},
+      {"relative/./x", "\"relative/./x\""},
+      {Written("[CR]\nlogin\n"),
+       '"' + testing::TempDir() + "/quarry_agent.conf\""},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(Start(c.path, metab),
+              "4|Unable to parse the agent config file: " + c.quoted + '|');
+  }
+  EXPECT_EQ(metab->asked, "");
+}
+
+TEST(AgentCfg, ReadsTheNumberAsFarAsItGoes) {
+  struct Case {
+    const char* text;
+    std::int32_t number;
+  };
+  const Case cases[] = {
+      {"0", 0},    {"123abc", 123},   {"-5", -5},
+      {"", 0},     {"+7", 7},         {"abc", 0},
+      {"1 2", 1},  {"4294967297", 1}, {"2147483648", -2147483647 - 1},
+      {"\v 8", 8}, {"0x10", 0},       {"99999999999999999999", -1},
+  };
+  decryption = {};
+  const auto metab = std::make_shared<FakeMetab>();
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(
+        Start(Written(kComplete + "numeric_option=" + c.text + "\n"), metab,
+              [&](const AgentCfg& cfg) {
+                EXPECT_EQ(cfg.numeric_option(), c.number);
+              }),
+        "ok");
+  }
+}
+
+TEST(AgentCfg, FormsThePathOfTheKeyFile) {
+  struct Case {
+    std::string key_dir, key_file;
+  };
+  const Case cases[] = {
+      {"/keys/", "/keys//auth.key"},
+      {"", "/auth.key"},
+      {"/" + std::string(4084, 'd'),
+       "/" + std::string(4084, 'd') + "/auth.key"},
+      {"/" + std::string(4085, 'd'), "/" + std::string(4085, 'd') + "/auth.ke"},
+      {std::string(9000, 'd'), std::string(4094, 'd')},
+  };
+  decryption = {};
+  const auto metab = std::make_shared<FakeMetab>();
+  for (const Case& c : cases) {
+    EXPECT_EQ(
+        Start(Written(kComplete + "[ssl]\nkey_dir=" + c.key_dir + "\n"), metab),
+        "ok");
+    EXPECT_EQ(decryption.asked, c.key_file + "|stored|255");
+  }
+}
+
+TEST(AgentCfg, PromotesItsHandleLastAndHoldsItForTheRequest) {
+  const std::string expired = "9|Lib Metab (ledgerd) weak_ptr has expired|";
+  decryption = {};
+  EXPECT_EQ(Start(Written(kComplete), {}), expired);
+  EXPECT_EQ(decryption.asked, "/keys/auth.key|stored|255");
+  auto owner = std::make_shared<FakeMetab>();
+  const std::weak_ptr<utils::LibMetabInterface> handle = owner;
+  owner.reset();
+  EXPECT_EQ(Start(Written(kComplete), handle), expired);
+  EXPECT_EQ(Start("", handle),
+            "4|Unable to parse the agent config file: \"\"|");
+
+  owner = std::make_shared<FakeMetab>();
+  const std::weak_ptr<utils::LibMetabInterface> watched = owner;
+  bool alive = false;
+  owner->during = [&] {
+    owner.reset();
+    alive = !watched.expired();
+  };
+  EXPECT_EQ(Start(Written(kComplete), watched,
+                  [&](const AgentCfg&) { EXPECT_TRUE(watched.expired()); }),
+            "ok");
+  EXPECT_TRUE(alive);
+
+  owner = std::make_shared<FakeMetab>();
+  owner->during = [] { throw 42; };
+  EXPECT_THROW(Start(Written(kComplete), owner), int);
+  EXPECT_EQ(owner.use_count(), 1);
+}
+
+// Runs `work` in a thread of its own; returns how often `secret` was found
+// afterwards on its stack, and meanwhile in memory that was freed.
+long SecretsLeftBy(const std::string& secret, std::function<void()> work) {
+  static std::vector<char> stack(1U << 20U);
+  std::fill(stack.begin(), stack.end(), '\0');
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstack(&attributes, stack.data(), stack.size());
+  const auto run = [](void* argument) -> void* {
+    (*static_cast<std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  WatchFreedMemory(secret);
+  pthread_t thread = 0;
+  EXPECT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+  pthread_join(thread, nullptr);
+  const long freed = FreedSecrets();
+  WatchFreedMemory("");
+  const void* const found =
+      memmem(stack.data(), stack.size(), secret.data(), secret.size());
+  return freed + (found == nullptr ? 0 : 1);
+}
+
+TEST(AgentCfg, LeavesThePasswordInNoMemory) {
+  const std::string path = Written(kComplete);
+  const std::string long_one = "a plain password too long for a small string";
+  // The first one only binds all functions, which saves registers on the stack.
+  for (const std::string& plain : {"binding"s, "short-one"s, long_one}) {
+    for (const cr_status_t status : {0, 107}) {
+      SCOPED_TRACE(plain + std::to_string(status));
+      decryption = {};
+      decryption.plain = plain;
+      const auto metab = std::make_shared<FakeMetab>();
+      metab->status = status;
+      metab->forgetful = true;
+      const long left = SecretsLeftBy(plain, [&] {
+        try {
+          const AgentCfg cfg(metab, path);
+          EXPECT_EQ(cfg.cr_password(), plain);
+        } catch (const Cr_ErrnoException&) {
+        }
+      });
+      if (plain != "binding") {
+        EXPECT_EQ(left, 0);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace storage::config

@@ -1,0 +1,361 @@
+// The local stand-ins: sealed passwords, key files, the metabase on a folder.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <thread>
+#include <type_traits>
+
+#include "platform/cr_runtime.h"
+#include "platform/local_metab.h"
+#include "platform/sealed_password.h"
+
+namespace quarry::platform {
+namespace {
+
+using std::string_literals::operator""s;
+
+const std::string kKeyLine =
+    "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8\n";
+
+// Made by another implementation of both ciphers, with the key above and the
+// nonce 0x40, 0x41, ...
+const std::string kKnown =
+    "sealed:v1:1J0pvUBBQkNERUZHSElKS0xNTk9QUVJTVFVWV7dWdwK1gw0255v1zcocZZKSuq3E"
+    "E1lTmmox_UUJBCOQFvkCblWShBD_svRMCtra8ZtrfehvhbSctvwI9BOyTFQXgFQ_kvFhMs8Ic3"
+    "cTnFQ4";
+
+class PlatformTest : public testing::Test {
+ protected:
+  PlatformTest() { Write("auth.key", kKeyLine); }
+  ~PlatformTest() override {
+    EXPECT_EQ(std::system(("rm -rf '" + folder_ + "'").c_str()), 0);
+  }
+
+  std::string Path(const std::string& name) const {
+    return folder_ + '/' + name;
+  }
+  void Write(const std::string& name, const std::string& text,
+             mode_t mode = 0600) {
+    std::ofstream(Path(name)) << text;
+    EXPECT_EQ(chmod(Path(name).c_str(), mode), 0);
+  }
+  std::string Read(const std::string& name) const {
+    std::ostringstream text;
+    text << std::ifstream(Path(name)).rdbuf();
+    return text.str();
+  }
+  // The password, or "RESULT" when there is none; the buffer is untouched then.
+  std::string Open(const std::string& stored,
+                   const std::string& key = "auth.key",
+                   std::size_t capacity = 255) {
+    std::string out(400, '~');
+    const int result = DecryptPasswdWithKey(Path(key).c_str(), stored.c_str(),
+                                            out.data(), capacity);
+    if (result != 0) {
+      EXPECT_EQ(out, std::string(400, '~'));
+      return "RESULT " + std::to_string(result);
+    }
+    EXPECT_EQ(out.substr(capacity), std::string(400 - capacity, '~'));
+    return out.c_str();
+  }
+
+ private:
+  const std::string folder_ = [] {
+    std::string name = testing::TempDir() + "/quarry_platformXXXXXX";
+    mkdtemp(name.data());
+    chmod(name.c_str(), 0755);
+    return name;
+  }();
+};
+
+TEST_F(PlatformTest, SealsAndOpensTheKnownAnswer) {
+  unsigned char nonce[24];
+  for (unsigned char i = 0; i < sizeof nonce; ++i) nonce[i] = 0x40 + i;
+  SealingKey key;
+  ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
+  std::string stored;
+  EXPECT_EQ(SealPasswordWithNonce(key, nonce, "correct horse", &stored),
+            kDecryptDone);
+  EXPECT_EQ(stored, kKnown);
+  EXPECT_EQ(Open(kKnown), "correct horse");
+}
+
+TEST_F(PlatformTest, SealsEveryLengthAndHidesIt) {
+  SealingKey key;
+  ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
+  std::set<std::size_t> lengths;
+  std::string stored, again;
+  for (std::size_t length = 0; length <= kLongestPassword; ++length) {
+    const std::string password(length, 'p');
+    ASSERT_EQ(SealPassword(key, password, &stored), kDecryptDone);
+    EXPECT_EQ(SealPassword(key, password, &again), kDecryptDone);
+    EXPECT_NE(stored, again);
+    lengths.insert(stored.size());
+    EXPECT_EQ(Open(stored), password);
+    EXPECT_EQ(Open(stored, "auth.key", length + 1), password);
+    EXPECT_EQ(Open(stored, "auth.key", length),
+              length == 0 ? "RESULT 1" : "RESULT 8");
+  }
+  EXPECT_EQ(lengths, (std::set<std::size_t>{154, 240, 325, 410}));
+  for (const std::string& refused : {std::string(255, 'p'), "a\0b"s, "a\nb"s}) {
+    EXPECT_EQ(SealPassword(key, refused, &stored), kDecryptBadArgument);
+  }
+}
+
+TEST_F(PlatformTest, RefusesEveryChangedForm) {
+  SealingKey key;
+  ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
+  std::string longest;
+  ASSERT_EQ(SealPassword(key, std::string(254, 'p'), &longest), kDecryptDone);
+  const std::string alphabet =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_=+/ \n";
+  int refused = 0;
+  const auto expect_refused = [&](const std::string& form) {
+    char out[255];
+    ASSERT_NE(OpenPasswordWithKey(key, form.c_str(), out, sizeof out),
+              kDecryptDone)
+        << form;
+    ++refused;
+  };
+  for (const std::string& form : {kKnown, longest}) {
+    for (std::size_t at = 0; at < form.size(); ++at) {
+      for (const char c : alphabet) {
+        std::string changed = form;
+        changed[at] = c;
+        if (c != form[at]) expect_refused(changed);
+      }
+      expect_refused(form.substr(0, at));
+      expect_refused(form.substr(0, at) + form.substr(at + 1));
+      expect_refused(form.substr(0, at) + form[at] + form.substr(at));
+    }
+    expect_refused(form + form);
+    expect_refused(form + "A");
+    expect_refused(form + std::string(4000, 'A'));
+  }
+  EXPECT_EQ(refused, (154 + 410) * (69 - 1 + 3) + 6 + 4);
+}
+
+TEST_F(PlatformTest, TellsWhyAPasswordDoesNotOpen) {
+  Write("other.key",
+        "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh4\n");
+  std::string damaged = kKnown;
+  damaged[40] = 'B';
+  struct Case {
+    std::string stored, key, outcome;
+  };
+  const Case cases[] = {
+      {"plain", "auth.key", "RESULT 5"},
+      {"", "auth.key", "RESULT 5"},
+      {"sealed:v2:" + kKnown.substr(10), "auth.key", "RESULT 5"},
+      {kKnown, "other.key", "RESULT 6"},
+      {damaged, "auth.key", "RESULT 7"},
+      {"sealed:v1:", "auth.key", "RESULT 7"},
+      {kKnown, "missing", "RESULT 2"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(Open(c.stored, c.key), c.outcome);
+
+  char out[1];
+  const char* const key = "k";
+  EXPECT_EQ(DecryptPasswdWithKey(nullptr, "s", out, 1), 1);
+  EXPECT_EQ(DecryptPasswdWithKey(key, nullptr, out, 1), 1);
+  EXPECT_EQ(DecryptPasswdWithKey(key, "s", nullptr, 1), 1);
+  EXPECT_EQ(DecryptPasswdWithKey(key, "s", out, 0), 1);
+}
+
+TEST_F(PlatformTest, TakesOnlyKeyFilesThatAreWhole) {
+  const std::string body = kKeyLine.substr(0, kKeyLine.size() - 1);
+  const std::string wrong[] = {
+      "",
+      body,
+      kKeyLine + "\n",
+      body + "A",
+      body.substr(0, body.size() - 1) + "9\n",  // bits that mean nothing
+      "quarry-config-key:v2:" + kKeyLine.substr(21),
+      body.substr(0, 30) + " " + kKeyLine.substr(31),
+      std::string(5000, 'A'),
+  };
+  for (const std::string& text : wrong) {
+    Write("wrong.key", text);
+    EXPECT_EQ(Open(kKnown, "wrong.key"), "RESULT 4") << text;
+  }
+  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(Open(kKnown, "pipe"), "RESULT 4");
+  EXPECT_EQ(Open(kKnown, "."), "RESULT 4");
+  EXPECT_EQ(Open(kKnown, "../../../../../../../dev/null"), "RESULT 4");
+  ASSERT_EQ(symlink("auth.key", Path("link").c_str()), 0);
+  EXPECT_EQ(Open(kKnown, "link"), "correct horse");
+}
+
+TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
+  constexpr uid_t kRoot = 0, kUser = 4001, kOther = 4002;
+  struct Case {
+    uid_t caller, owner, group;
+    mode_t mode;
+    const char* outcome;
+  };
+  const Case cases[] = {
+      {kUser, kUser, kUser, 0600, "correct horse"},
+      {kUser, kUser, kUser, 0400, "correct horse"},
+      {kUser, kUser, kUser, 0700, "correct horse"},
+      {kUser, kUser, kUser, 0640, "RESULT 3"},
+      {kUser, kUser, kUser, 0620, "RESULT 3"},
+      {kUser, kUser, kUser, 0610, "RESULT 3"},
+      {kUser, kUser, kUser, 0604, "RESULT 3"},
+      {kUser, kUser, kUser, 0602, "RESULT 3"},
+      {kUser, kUser, kUser, 0601, "RESULT 3"},
+      {kUser, kOther, kUser, 0640, "RESULT 3"},
+      {kUser, kOther, kOther, 0604, "RESULT 3"},
+      {kUser, kRoot, kUser, 0440, "correct horse"},  // a mounted secret
+      {kUser, kRoot, kUser, 0460, "RESULT 3"},
+      {kUser, kRoot, kUser, 0450, "RESULT 3"},
+      {kUser, kRoot, kUser, 0444, "RESULT 3"},
+      {kUser, kRoot, kOther, 0444, "RESULT 3"},
+      {kUser, kRoot, kRoot, 0600, "RESULT 2"},
+      {kRoot, kOther, kOther, 0600, "correct horse"},
+      {kRoot, kRoot, kRoot, 0440, "RESULT 3"},
+      {kRoot, kRoot, kRoot, 0604, "RESULT 3"},
+  };
+  if (geteuid() != kRoot) GTEST_SKIP() << "only root can take these parts";
+  for (const Case& c : cases) {
+    std::ostringstream name;
+    name << "caller " << c.caller << " owner " << c.owner << " group "
+         << c.group << " mode " << std::oct << c.mode;
+    SCOPED_TRACE(name.str());
+    ASSERT_EQ(chown(Path("auth.key").c_str(), c.owner, c.group), 0);
+    ASSERT_EQ(chmod(Path("auth.key").c_str(), c.mode), 0);
+    ASSERT_EQ(setegid(c.caller), 0);
+    ASSERT_EQ(seteuid(c.caller), 0);
+    const std::string outcome = Open(kKnown);
+    ASSERT_EQ(seteuid(kRoot), 0);
+    ASSERT_EQ(setegid(kRoot), 0);
+    EXPECT_EQ(outcome, c.outcome);
+  }
+}
+
+TEST_F(PlatformTest, MakesAKeyFileOnceAndInAPrivateFolder) {
+  EXPECT_EQ(WriteNewKeyFile(Path(".")), EEXIST);
+  EXPECT_EQ(Read("auth.key"), kKeyLine);
+  EXPECT_EQ(WriteNewKeyFile(Path("missing")), ENOENT);
+  EXPECT_EQ(WriteNewKeyFile(Path("auth.key")), ENOTDIR);
+  ASSERT_EQ(mkdir(Path("open").c_str(), 0700), 0);
+  for (const mode_t mode : {0720U, 0702U, 01777U}) {
+    ASSERT_EQ(chmod(Path("open").c_str(), mode), 0);
+    EXPECT_EQ(WriteNewKeyFile(Path("open")), EPERM);
+  }
+  ASSERT_EQ(mkdir(Path("keys").c_str(), 0755), 0);
+  ASSERT_EQ(symlink("../target", Path("keys/auth.key").c_str()), 0);
+  EXPECT_EQ(WriteNewKeyFile(Path("keys")), EEXIST);
+  ASSERT_EQ(unlink(Path("keys/auth.key").c_str()), 0);
+
+  EXPECT_EQ(WriteNewKeyFile(Path("keys")), 0);
+  struct stat status {};
+  ASSERT_EQ(stat(Path("keys/auth.key").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777U, 0600U);
+  SealingKey key;
+  EXPECT_EQ(key.Load(Path("keys/auth.key").c_str()), kDecryptDone);
+  std::string stored;
+  EXPECT_EQ(SealPassword(key, "x", &stored), kDecryptDone);
+  EXPECT_EQ(Open(stored, "keys/auth.key"), "x");
+}
+
+TEST_F(PlatformTest, OpensOnSeveralThreads) {
+  const auto open = [this] {
+    for (int i = 0; i < 100; ++i) EXPECT_EQ(Open(kKnown), "correct horse");
+  };
+  std::thread other(open);
+  open();
+  other.join();
+}
+
+TEST_F(PlatformTest, CopiesTheRoutingTables) {
+  ASSERT_EQ(mkdir(Path("ledger").c_str(), 0700), 0);
+  ASSERT_EQ(mkdir(Path("out").c_str(), 0700), 0);
+  ASSERT_EQ(mkdir(Path("out/folder").c_str(), 0700), 0);
+  const std::string large(200000, 'r');
+  Write("kept", "kept");
+  const auto fetch = [this](const std::string& url, const std::string& r,
+                            const std::string& c) {
+    return storage::utils::LocalMetab().GetRoutingTables(url, "l", "p", -1, "k",
+                                                         Path(r), Path(c));
+  };
+  const std::string url = "file://" + Path("ledger");
+  const auto expect_no_change = [&](cr_status_t status, const std::string& from,
+                                    const std::string& c) {
+    EXPECT_EQ(fetch(from, "out/r", c), status);
+    EXPECT_EQ(Read("out/r"), "old");
+    EXPECT_EQ(std::system(("test \"$(ls -A " + Path("out") +
+                           ")\" = \"$(printf 'folder\\nr')\"")
+                              .c_str()),
+              0);
+  };
+  Write("out/r", "old");
+  expect_no_change(kLedgerUrlUnsupported, "https://ledger", "out/c");
+  expect_no_change(kLedgerUrlUnsupported, "file://", "out/c");
+  expect_no_change(kLedgerFolderMissing, url + "x", "out/c");
+  expect_no_change(kLedgerFolderUnreadable, "file://" + Path("kept"), "out/c");
+  expect_no_change(kLedgerTableMissing, url, "out/c");
+  Write("ledger/r.rt", large);
+  expect_no_change(kLedgerTableMissing, url, "out/c");
+  ASSERT_EQ(mkfifo(Path("ledger/c.rt").c_str(), 0600), 0);
+  expect_no_change(kLedgerTableUnreadable, url, "out/c");
+  ASSERT_EQ(unlink(Path("ledger/c.rt").c_str()), 0);
+  Write("ledger/c.rt", "");
+  expect_no_change(kRoutingTargetIsFolder, url, "out/folder");
+  expect_no_change(kRoutingTargetFailed, url, "missing/c");
+
+  ASSERT_EQ(symlink("../kept", Path("out/c").c_str()), 0);
+  EXPECT_EQ(fetch(url, "out/r", "out/c"), 0);
+  EXPECT_EQ(Read("out/r"), large);
+  EXPECT_EQ(Read("out/c") + Read("kept"), "kept");  // the link was replaced
+  struct stat status {};
+  ASSERT_EQ(lstat(Path("out/c").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
+}
+
+static_assert(std::is_nothrow_copy_constructible_v<Cr_ErrnoException> &&
+              std::is_nothrow_copy_assignable_v<Cr_ErrnoException>);
+
+TEST(CrErrnoException, CarriesItsTexts) {
+  struct Case {
+    const char *message, *detail, *what;
+  };
+  const Case cases[] = {{"m", "d", "m: d"},
+                        {"m", nullptr, "m"},
+                        {nullptr, "d", "d"},
+                        {nullptr, nullptr, ""}};
+  for (const Case& c : cases) {
+    Cr_ErrnoException copy(0, "", "");
+    {
+      const Cr_ErrnoException original(-7, c.message, c.detail);
+      copy = original;
+    }
+    EXPECT_EQ(copy.status(), -7);
+    EXPECT_STREQ(copy.message(), c.message);
+    EXPECT_STREQ(copy.detail(), c.detail);
+    EXPECT_STREQ(copy.what(), c.what);
+  }
+  std::stringstream message;
+  message << "path " << 1;
+  EXPECT_STREQ(Cr_ErrnoException(4, message, nullptr).message(), "path 1");
+}
+
+TEST(CRStatusToStringA, HasATextForEveryNumber) {
+  std::set<std::string> texts;
+  for (const cr_status_t status : {0, 4, 9, 101, 102, 103, 104, 105, 106, 107,
+                                   108, -1, INT_MIN, INT_MAX}) {
+    ASSERT_NE(CRStatusToStringA(status), nullptr);
+    texts.insert(CRStatusToStringA(status));
+  }
+  EXPECT_EQ(texts.size(), 11U);  // "unknown status" four times
+  EXPECT_EQ(texts.count(""), 0U);
+}
+
+}  // namespace
+}  // namespace quarry::platform
