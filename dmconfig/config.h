@@ -106,7 +106,7 @@ class QUARRY_EXPORT DMConfig {
 
   // Replaces the caller's list by the names of all sections, in the order in
   // which they were created and in the case of their creation. -1: null list.
-  // Never creates anything. On std::bad_alloc the list may be filled in part.
+  // Never creates anything. On std::bad_alloc the list holds any names.
   int GetSectionList(std::list<std::string>* sections);
 
   // Copies the section's comment to `*comment`.

@@ -54,13 +54,16 @@ class QUARRY_EXPORT DMConfigFile {
   int LoadConfig(DMConfig* config);
 
   // Reads `*in`, from where it stands to its end, into `*config`, which is
-  // emptied first. Both are borrowed. Returns (names in dmconfig/status.h)
+  // emptied first. Both are borrowed; the stream's own code must not use the
+  // model meanwhile. Returns (names in dmconfig/status.h)
   //    0  the whole text was read
   //   -1  a null pointer; the model is not touched
   //   -2  an invalid line. The model holds what the lines before it stored, and
   //       the stream stands at the line after it
   //   -4  the stream was not good() at the start (the model is empty), or it
-  //       failed before its end (the model holds the lines read until then)
+  //       failed before its end (the model holds the lines read until then).
+  //       Memory that runs out inside std::getline, for a line that does not
+  //       lie whole in the stream's buffer, is such a failure: it sets badbit
   //   -5  memory ran out while a section was being created; the model holds
   //       what the lines before stored
   // The stream is left, flags included, as reading line by line with

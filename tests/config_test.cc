@@ -12,10 +12,8 @@ namespace {
 
 using std::string_literals::operator""s;
 
-static_assert(!std::is_copy_constructible_v<DMConfig> &&
-              !std::is_copy_assignable_v<DMConfig> &&
-              !std::is_move_constructible_v<DMConfig> &&
-              !std::is_move_assignable_v<DMConfig>);
+static_assert(!std::is_copy_constructible_v<DMConfig> && !std::is_copy_assignable_v<DMConfig> &&
+              !std::is_move_constructible_v<DMConfig> && !std::is_move_assignable_v<DMConfig>);
 
 TEST(StringCaseCmp, OrdersByFoldedUnsignedBytesUpToNul) {
   struct Case {
@@ -64,27 +62,13 @@ TEST(DMConfig, RefusesEmptyNamesAndNullOutputs) {
       [](auto* m, auto*) { return m->SetOptionValue("s", "", "v", "c"); },
       [](auto* m, auto*) { return m->SetOptionComment("", "o", "c"); },
       [](auto* m, auto*) { return m->SetOptionComment("s", "", "c"); },
-      [](auto* m, auto* o) {
-        return m->GetOptionValue("", "o", &o->value, &o->comment);
-      },
-      [](auto* m, auto* o) {
-        return m->GetOptionValue("s", "", &o->value, &o->comment);
-      },
-      [](auto* m, auto* o) {
-        return m->GetOptionValue("s", "o", nullptr, &o->comment);
-      },
-      [](auto* m, auto* o) {
-        return m->GetOptionValue("s", "o", &o->value, nullptr);
-      },
-      [](auto* m, auto* o) {
-        return m->GetSectionOptionList("", &o->comment, &o->names);
-      },
-      [](auto* m, auto* o) {
-        return m->GetSectionOptionList("s", nullptr, &o->names);
-      },
-      [](auto* m, auto* o) {
-        return m->GetSectionOptionList("s", &o->comment, nullptr);
-      },
+      [](auto* m, auto* o) { return m->GetOptionValue("", "o", &o->value, &o->comment); },
+      [](auto* m, auto* o) { return m->GetOptionValue("s", "", &o->value, &o->comment); },
+      [](auto* m, auto* o) { return m->GetOptionValue("s", "o", nullptr, &o->comment); },
+      [](auto* m, auto* o) { return m->GetOptionValue("s", "o", &o->value, nullptr); },
+      [](auto* m, auto* o) { return m->GetSectionOptionList("", &o->comment, &o->names); },
+      [](auto* m, auto* o) { return m->GetSectionOptionList("s", nullptr, &o->names); },
+      [](auto* m, auto* o) { return m->GetSectionOptionList("s", &o->comment, nullptr); },
       [](auto* m, auto*) { return m->DelOption("", "o"); },
       [](auto* m, auto*) { return m->DelOption("s", ""); },
       [](auto* m, auto*) { return m->DelOptionComment("", "o"); },
@@ -97,8 +81,7 @@ TEST(DMConfig, RefusesEmptyNamesAndNullOutputs) {
     Outputs outputs;
     EXPECT_EQ(operation(&model, &outputs), -1);
     EXPECT_EQ(Render(&model), "");
-    EXPECT_EQ(outputs.value + outputs.comment + outputs.names.front(),
-              "oldoldold");
+    EXPECT_EQ(outputs.value + outputs.comment + outputs.names.front(), "oldoldold");
   }
 }
 
@@ -107,9 +90,7 @@ TEST(DMConfig, RefusesEmptyNamesAndNullOutputs) {
 TEST(DMConfig, OperatesOnWhatIsThereAndCreatesWhatIsMissing) {
   struct Case {
     const char* name;
-    std::function<int(DMConfig*, Outputs*, const char* section,
-                      const char* option)>
-        operation;
+    std::function<int(DMConfig*, Outputs*, const char* section, const char* option)> operation;
     int present, missing;
     const char* present_model;
     const char* missing_model;
@@ -117,65 +98,35 @@ TEST(DMConfig, OperatesOnWhatIsThereAndCreatesWhatIsMissing) {
   };
   const char* const kSame = "S(c){o=v(d)}";
   const Case cases[] = {
-      {"HasSection",
-       [](auto* m, auto*, auto* s, auto*) { return m->HasSection(s); }, 0, -6,
-       kSame, kSame, "old old old"},
-      {"GetSectionComment",
-       [](auto* m, auto* o, auto* s, auto*) {
-         return m->GetSectionComment(s, &o->comment);
-       },
-       0, 0, kSame, "S(c){o=v(d)} New{}", "old c old"},
-      {"SetSectionComment",
-       [](auto* m, auto*, auto* s, auto*) {
-         return m->SetSectionComment(s, "n");
-       },
-       0, 0, "S(n){o=v(d)}", "S(c){o=v(d)} New(n){}", "old old old"},
-      {"SetSectionComment to nothing",
-       [](auto* m, auto*, auto* s, auto*) {
-         return m->SetSectionComment(s, "");
-       },
-       0, 0, "S{o=v(d)}", "S(c){o=v(d)} New{}", "old old old"},
-      {"DelSectionComment",
-       [](auto* m, auto*, auto* s, auto*) { return m->DelSectionComment(s); },
-       0, 0, "S{o=v(d)}", "S(c){o=v(d)} New{}", "old old old"},
-      {"SetOptionValue of three",
-       [](auto* m, auto*, auto* s, auto* o) {
-         return m->SetOptionValue(s, o, "n");
-       },
-       0, 0, "S(c){o=n(d)}", "S(c){o=v(d)} New{Fresh=n}", "old old old"},
-      {"SetOptionValue of four",
-       [](auto* m, auto*, auto* s, auto* o) {
-         return m->SetOptionValue(s, o, "n", "e");
-       },
-       0, 0, "S(c){o=n(e)}", "S(c){o=v(d)} New{Fresh=n(e)}", "old old old"},
+      {"HasSection", [](auto* m, auto*, auto* s, auto*) { return m->HasSection(s); }, 0, -6, kSame, kSame,
+       "old old old"},
+      {"GetSectionComment", [](auto* m, auto* o, auto* s, auto*) { return m->GetSectionComment(s, &o->comment); }, 0, 0,
+       kSame, "S(c){o=v(d)} New{}", "old c old"},
+      {"SetSectionComment", [](auto* m, auto*, auto* s, auto*) { return m->SetSectionComment(s, "n"); }, 0, 0,
+       "S(n){o=v(d)}", "S(c){o=v(d)} New(n){}", "old old old"},
+      {"SetSectionComment to nothing", [](auto* m, auto*, auto* s, auto*) { return m->SetSectionComment(s, ""); }, 0, 0,
+       "S{o=v(d)}", "S(c){o=v(d)} New{}", "old old old"},
+      {"DelSectionComment", [](auto* m, auto*, auto* s, auto*) { return m->DelSectionComment(s); }, 0, 0, "S{o=v(d)}",
+       "S(c){o=v(d)} New{}", "old old old"},
+      {"SetOptionValue of three", [](auto* m, auto*, auto* s, auto* o) { return m->SetOptionValue(s, o, "n"); }, 0, 0,
+       "S(c){o=n(d)}", "S(c){o=v(d)} New{Fresh=n}", "old old old"},
+      {"SetOptionValue of four", [](auto* m, auto*, auto* s, auto* o) { return m->SetOptionValue(s, o, "n", "e"); }, 0,
+       0, "S(c){o=n(e)}", "S(c){o=v(d)} New{Fresh=n(e)}", "old old old"},
       {"SetOptionValue without a comment",
-       [](auto* m, auto*, auto* s, auto* o) {
-         return m->SetOptionValue(s, o, "", "");
-       },
-       0, 0, "S(c){o=}", "S(c){o=v(d)} New{Fresh=}", "old old old"},
-      {"SetOptionComment",
-       [](auto* m, auto*, auto* s, auto* o) {
-         return m->SetOptionComment(s, o, "e");
-       },
-       0, 0, "S(c){o=v(e)}", "S(c){o=v(d)} New{Fresh=(e)}", "old old old"},
+       [](auto* m, auto*, auto* s, auto* o) { return m->SetOptionValue(s, o, "", ""); }, 0, 0, "S(c){o=}",
+       "S(c){o=v(d)} New{Fresh=}", "old old old"},
+      {"SetOptionComment", [](auto* m, auto*, auto* s, auto* o) { return m->SetOptionComment(s, o, "e"); }, 0, 0,
+       "S(c){o=v(e)}", "S(c){o=v(d)} New{Fresh=(e)}", "old old old"},
       {"GetOptionValue",
-       [](auto* m, auto* out, auto* s, auto* o) {
-         return m->GetOptionValue(s, o, &out->value, &out->comment);
-       },
-       0, -7, kSame, "S(c){o=v(d)} New{}", "v d old"},
+       [](auto* m, auto* out, auto* s, auto* o) { return m->GetOptionValue(s, o, &out->value, &out->comment); }, 0, -7,
+       kSame, "S(c){o=v(d)} New{}", "v d old"},
       {"GetSectionOptionList",
-       [](auto* m, auto* out, auto* s, auto*) {
-         return m->GetSectionOptionList(s, &out->comment, &out->names);
-       },
-       0, 0, kSame, "S(c){o=v(d)} New{}", "old c o"},
-      {"DelOption",
-       [](auto* m, auto*, auto* s, auto* o) { return m->DelOption(s, o); }, 0,
-       0, "S(c){}", "S(c){o=v(d)} New{}", "old old old"},
-      {"DelOptionComment",
-       [](auto* m, auto*, auto* s, auto* o) {
-         return m->DelOptionComment(s, o);
-       },
-       0, 0, "S(c){o=v}", "S(c){o=v(d)} New{}", "old old old"},
+       [](auto* m, auto* out, auto* s, auto*) { return m->GetSectionOptionList(s, &out->comment, &out->names); }, 0, 0,
+       kSame, "S(c){o=v(d)} New{}", "old c o"},
+      {"DelOption", [](auto* m, auto*, auto* s, auto* o) { return m->DelOption(s, o); }, 0, 0, "S(c){}",
+       "S(c){o=v(d)} New{}", "old old old"},
+      {"DelOptionComment", [](auto* m, auto*, auto* s, auto* o) { return m->DelOptionComment(s, o); }, 0, 0,
+       "S(c){o=v}", "S(c){o=v(d)} New{}", "old old old"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -184,24 +135,24 @@ TEST(DMConfig, OperatesOnWhatIsThereAndCreatesWhatIsMissing) {
       model.SetOptionValue("S", "o", "v", "d");
       model.SetSectionComment("S", "c");
       Outputs out;
-      EXPECT_EQ(c.operation(&model, &out, present ? "s" : "New",
-                            present ? "O" : "Fresh"),
+      EXPECT_EQ(c.operation(&model, &out, present ? "s" : "New", present ? "O" : "Fresh"),
                 present ? c.present : c.missing);
       EXPECT_EQ(Render(&model), present ? c.present_model : c.missing_model);
       if (!present) continue;
-      EXPECT_EQ(out.value + ' ' + out.comment + ' ' + out.names.front(),
-                c.outputs);
+      EXPECT_EQ(out.value + ' ' + out.comment + ' ' + out.names.front(), c.outputs);
     }
   }
 }
 
-TEST(DMConfig, ReadsOfMissingOptionsLeaveTheirOutputs) {
+TEST(DMConfig, LeavesOtherOptionsAndOutputsWhenOneIsMissing) {
   DMConfig model;
-  model.SetOptionValue("s", "a", "1");
+  model.SetOptionValue("s", "b", "1", "c");
   Outputs out;
-  EXPECT_EQ(model.GetOptionValue("s", "b", &out.value, &out.comment), -7);
+  EXPECT_EQ(model.GetOptionValue("s", "a", &out.value, &out.comment), -7);
   EXPECT_EQ(out.value + out.comment, "oldold");
-  EXPECT_EQ(Render(&model), "s{a=1}");
+  EXPECT_EQ(model.DelOptionComment("s", "a"), 0);
+  EXPECT_EQ(model.DelOption("s", "a"), 0);
+  EXPECT_EQ(Render(&model), "s{b=1(c)}");
 }
 
 TEST(DMConfig, KeepsSectionsInOrderOfCreationAndOptionsInOrderOfNames) {
@@ -213,8 +164,7 @@ TEST(DMConfig, KeepsSectionsInOrderOfCreationAndOptionsInOrderOfNames) {
   EXPECT_EQ(Render(&model), "only{_x= A= a = b= c=} b{} A{} c{} _x{} a {}");
   std::list<std::string> sections = {"gone"};
   EXPECT_EQ(model.GetSectionList(&sections), 0);
-  EXPECT_EQ(sections,
-            (std::list<std::string>{"only", "b", "A", "c", "_x", "a "}));
+  EXPECT_EQ(sections, (std::list<std::string>{"only", "b", "A", "c", "_x", "a "}));
 }
 
 TEST(DMConfig, TakesAnEmptySectionNameInGetOptionMapOnly) {
