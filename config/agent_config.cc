@@ -64,8 +64,9 @@ struct PasswordBuffer {
   throw Cr_ErrnoException(kCrConfigFailure, message, nullptr);
 }
 
-// Up to the first NUL.
-std::string TextOf(const std::string& value) { return value.c_str(); }
+std::string UpToNul(const std::string& value) {
+  return value.substr(0, value.find('\0'));
+}
 
 }  // namespace
 
@@ -127,11 +128,11 @@ void AgentCfg::GetNumericOption(DMConfig* config) {
   const int status =
       config->GetOptionValue(SectionName(kSectionAgent),
                              EntryName(kEntryNumericOption), &text, &comment);
-  // Anything may be written there; atol is the contract.
+  numeric_option_ = kDefaultNumericOption;
+  if (status != kStatusOk) return;
+  // Whatever is written there has a number.
   // NOLINTNEXTLINE(cert-err34-c)
-  numeric_option_ = status == kStatusOk
-                        ? static_cast<std::int32_t>(std::atol(text.c_str()))
-                        : kDefaultNumericOption;
+  numeric_option_ = static_cast<std::int32_t>(std::atol(text.c_str()));
 }
 
 void AgentCfg::DecryptPasswordOrDie() {
@@ -157,11 +158,11 @@ void AgentCfg::GetRoutingTablesOrDie() {
   (void)std::snprintf(r_path, sizeof r_path, "%s", "/tmp/r.rt");
   (void)std::snprintf(c_path, sizeof c_path, "%s", "/tmp/c.rt");
 
-  std::string password = TextOf(cr_password_);
+  std::string password = UpToNul(cr_password_);
   const StringWiper password_wiper(&password);
   const cr_status_t status = metab->GetRoutingTables(
-      TextOf(ledger_url_), TextOf(cr_login_), password, kAllBitsSet,
-      TextOf(ssl_key_dir_), r_path, c_path);
+      UpToNul(ledger_url_), UpToNul(cr_login_), password, kAllBitsSet,
+      UpToNul(ssl_key_dir_), r_path, c_path);
   if (status != 0) {
     throw Cr_ErrnoException(status,
                             "Unable to get the routing tables from ledgerd",

@@ -46,10 +46,10 @@
 // ends or its construction fails, and from every buffer that construction used;
 // so is the stored form when the password replaces it. What cannot be wiped are
 // copies that others take: the caller from cr_password(), the metabase service
-// library from its argument, the platform library while it decrypts; and what the
-// system saves of the processor's registers, as at a signal or when a function
-// is bound at its first call (LD_BIND_NOW=1 prevents the latter). No message
-// holds the password in either form.
+// library from its argument, the platform library while it decrypts; and what
+// the system saves of the processor's registers, as at a signal or when a
+// function is bound at its first call (LD_BIND_NOW=1 prevents the latter). No
+// message holds the password in either form.
 //
 // Threads: construct on one thread; afterwards any number may read. Separate
 // objects share nothing.

@@ -27,8 +27,8 @@ class QUARRY_EXPORT Cr_ErrnoException : public std::exception {
   // The message is all that was written into the stream.
   Cr_ErrnoException(cr_status_t status, const std::stringstream& message,
                     const char* detail);
-  Cr_ErrnoException(const Cr_ErrnoException&) noexcept;
-  Cr_ErrnoException& operator=(const Cr_ErrnoException&) noexcept;
+  Cr_ErrnoException(const Cr_ErrnoException& other) noexcept;
+  Cr_ErrnoException& operator=(const Cr_ErrnoException& other) noexcept;
   ~Cr_ErrnoException() override;
 
   cr_status_t status() const noexcept;

@@ -3,6 +3,7 @@
 #ifndef QUARRY_PLATFORM_FILE_DESCRIPTOR_H_
 #define QUARRY_PLATFORM_FILE_DESCRIPTOR_H_
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -32,6 +33,16 @@ class FileDescriptor {
   int descriptor_;
 };
 
+// After a read or write that failed: whether to do it again. Waits while a
+// descriptor that another program made non-blocking has nothing to give or no
+// room.
+inline bool Retry(int descriptor, short events) {
+  if (errno == EINTR) return true;
+  if (errno != EAGAIN) return false;
+  pollfd ready = {descriptor, events, 0};
+  return poll(&ready, 1, -1) >= 0 || errno == EINTR;
+}
+
 // Reads until `capacity` bytes are there or the end comes; `*size` is what was
 // read. False with errno on failure.
 inline bool ReadUpTo(int descriptor, char* bytes, std::size_t capacity,
@@ -39,10 +50,12 @@ inline bool ReadUpTo(int descriptor, char* bytes, std::size_t capacity,
   *size = 0;
   while (*size < capacity) {
     const ssize_t count = read(descriptor, bytes + *size, capacity - *size);
-    if (count == -1 && errno == EINTR) continue;
-    if (count == -1) return false;
     if (count == 0) break;
-    *size += static_cast<std::size_t>(count);
+    if (count > 0) {
+      *size += static_cast<std::size_t>(count);
+    } else if (!Retry(descriptor, POLLIN)) {
+      return false;
+    }
   }
   return true;
 }
@@ -51,9 +64,11 @@ inline bool ReadUpTo(int descriptor, char* bytes, std::size_t capacity,
 inline bool WriteAll(int descriptor, const char* bytes, std::size_t size) {
   for (std::size_t written = 0; written < size;) {
     const ssize_t count = write(descriptor, bytes + written, size - written);
-    if (count == -1 && errno == EINTR) continue;
-    if (count == -1) return false;
-    written += static_cast<std::size_t>(count);
+    if (count >= 0) {
+      written += static_cast<std::size_t>(count);
+    } else if (!Retry(descriptor, POLLOUT)) {
+      return false;
+    }
   }
   return true;
 }

@@ -34,6 +34,7 @@ class QUARRY_EXPORT LibMetabInterface {
   // Cr_ErrnoException with status 9 when the object no longer exists. The
   // promotion is atomic: the owner may let go on another thread meanwhile.
   static std::shared_ptr<LibMetabInterface> LockPointer(
+      // NOLINTNEXTLINE(performance-unnecessary-value-param)
       std::weak_ptr<LibMetabInterface> handle) {
     std::shared_ptr<LibMetabInterface> locked = handle.lock();
     if (locked == nullptr) {

@@ -52,7 +52,7 @@ using AssociatedData =
 
 AssociatedData AssociatedDataOf(const unsigned char* id) {
   AssociatedData data{};
-  const auto end =
+  auto* const end =
       std::copy(kSealedPrefix.begin(), kSealedPrefix.end(), data.begin());
   std::copy_n(id, kIdBytes, end);
   return data;

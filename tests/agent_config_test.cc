@@ -30,11 +30,9 @@ Decryption decryption;
 
 }  // namespace
 
-extern "C" int DecryptPasswdWithKey(const char* key_file, const char* stored,
-                                    char* out, std::size_t capacity) {
-  decryption.asked =
-      std::string(key_file) + '|' + stored + '|' + std::to_string(capacity);
-  if (decryption.result == 0) std::strcpy(out, decryption.plain.c_str());
+extern "C" int DecryptPasswdWithKey(const char* key_file, const char* stored, char* out, std::size_t capacity) {
+  decryption.asked = std::string(key_file) + '|' + stored + '|' + std::to_string(capacity);
+  if (decryption.result == 0) out[decryption.plain.copy(out, capacity - 1)] = '\0';
   return decryption.result;
 }
 
@@ -47,17 +45,12 @@ const std::string kComplete =
 
 class FakeMetab : public utils::LibMetabInterface {
  public:
-  cr_status_t GetRoutingTables(const std::string& ledger_url,
-                               const std::string& cr_login,
-                               const std::string& cr_password,
-                               std::int32_t reserved,
-                               const std::string& ssl_key_dir,
-                               const std::string& r_path,
-                               const std::string& c_path) override {
+  cr_status_t GetRoutingTables(const std::string& ledger_url, const std::string& cr_login,
+                               const std::string& cr_password, std::int32_t reserved, const std::string& ssl_key_dir,
+                               const std::string& r_path, const std::string& c_path) override {
     if (forgetful) return status;
-    asked = ledger_url + '|' + cr_login + '|' + cr_password + '|' +
-            std::to_string(reserved) + '|' + ssl_key_dir + '|' + r_path + '|' +
-            c_path;
+    asked = ledger_url + '|' + cr_login + '|' + cr_password + '|' + std::to_string(reserved) + '|' + ssl_key_dir + '|' +
+            r_path + '|' + c_path;
     if (during) during();
     return status;
   }
@@ -68,15 +61,18 @@ class FakeMetab : public utils::LibMetabInterface {
   std::function<void()> during;
 };
 
+// The file that the tests start from, and its path once it has that text.
+std::string AgentFile() {
+  static const TempFolder folder;
+  return folder / "agent.conf";
+}
 std::string Written(const std::string& text) {
-  const std::string path = testing::TempDir() + "/quarry_agent.conf";
-  std::ofstream(path) << text;
-  return path;
+  std::ofstream(AgentFile()) << text;
+  return AgentFile();
 }
 
 // "STATUS|MESSAGE|DETAIL" of a failed start, "ok" of another.
-std::string Start(const std::string& path,
-                  const std::weak_ptr<utils::LibMetabInterface>& metab,
+std::string Start(const std::string& path, const std::weak_ptr<utils::LibMetabInterface>& metab,
                   const std::function<void(const AgentCfg&)>& look = {}) {
   decryption.asked.clear();
   const CerrCapture cerr;
@@ -86,8 +82,7 @@ std::string Start(const std::string& path,
     return "ok";
   } catch (const Cr_ErrnoException& error) {
     const char* const detail = error.detail();
-    return std::to_string(error.status()) + '|' + error.message() + '|' +
-           (detail == nullptr ? "" : detail);
+    return std::to_string(error.status()) + '|' + error.message() + '|' + (detail == nullptr ? "" : detail);
   }
 }
 
@@ -124,10 +119,8 @@ TEST(AgentCfg, FailsAtTheFirstThingThatIsWrong) {
   const Case cases[] = {
       {"login=me\n", "4|Unable to get the CR login from config file|"},
       {"(.|\n)*", "4|Unable to get the CR login from config file|"},
-      {"login=me\n|address=C\n",
-       "4|Unable to get the CR login from config file|"},
-      {"PASSWORD=stored\n",
-       "4|Unable to get the CR password from config file|"},
+      {"login=me\n|address=C\n", "4|Unable to get the CR login from config file|"},
+      {"PASSWORD=stored\n", "4|Unable to get the CR password from config file|"},
       {"key_dir=/keys\n", "4|Unable to load SSL key dir from config file|"},
       {"url=L\n", "4|Unable to load LEDGER url from config file|"},
       {"Url=M\n", "4|Unable to load metabase url from config file|"},
@@ -156,8 +149,7 @@ TEST(AgentCfg, FailsAtTheFirstThingThatIsWrong) {
 
   const auto metab = std::make_shared<FakeMetab>();
   decryption.result = 6;
-  EXPECT_EQ(Start(Written(kComplete), metab),
-            "4|Unable to decrypt password from config file|");
+  EXPECT_EQ(Start(Written(kComplete), metab), "4|Unable to decrypt password from config file|");
   EXPECT_EQ(metab->asked, "");
   decryption.result = 0;
   metab->status = 102;
@@ -165,8 +157,7 @@ TEST(AgentCfg, FailsAtTheFirstThingThatIsWrong) {
             "102|Unable to get the routing tables from ledgerd|"
             "the ledger folder does not exist");
   metab->status = -5;
-  EXPECT_EQ(Start(Written(kComplete), metab),
-            "-5|Unable to get the routing tables from ledgerd|unknown status");
+  EXPECT_EQ(Start(Written(kComplete), metab), "-5|Unable to get the routing tables from ledgerd|unknown status");
 }
 
 TEST(AgentCfg, QuotesThePathOfAFileThatItCannotLoad) {
@@ -178,12 +169,10 @@ TEST(AgentCfg, QuotesThePathOfAFileThatItCannotLoad) {
       {"", "\"\""},
       {"/missing/a&b\"c", "\"/missing/a&&b&\"c\""},
       {"relative/./x", "\"relative/./x\""},
-      {Written("[CR]\nlogin\n"),
-       '"' + testing::TempDir() + "/quarry_agent.conf\""},
+      {Written("[CR]\nlogin\n"), '"' + AgentFile() + '"'},
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(Start(c.path, metab),
-              "4|Unable to parse the agent config file: " + c.quoted + '|');
+    EXPECT_EQ(Start(c.path, metab), "4|Unable to parse the agent config file: " + c.quoted + '|');
   }
   EXPECT_EQ(metab->asked, "");
 }
@@ -203,12 +192,9 @@ TEST(AgentCfg, ReadsTheNumberAsFarAsItGoes) {
   const auto metab = std::make_shared<FakeMetab>();
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    EXPECT_EQ(
-        Start(Written(kComplete + "numeric_option=" + c.text + "\n"), metab,
-              [&](const AgentCfg& cfg) {
-                EXPECT_EQ(cfg.numeric_option(), c.number);
-              }),
-        "ok");
+    EXPECT_EQ(Start(Written(kComplete + "numeric_option=" + c.text + "\n"), metab,
+                    [&](const AgentCfg& cfg) { EXPECT_EQ(cfg.numeric_option(), c.number); }),
+              "ok");
   }
 }
 
@@ -219,17 +205,14 @@ TEST(AgentCfg, FormsThePathOfTheKeyFile) {
   const Case cases[] = {
       {"/keys/", "/keys//auth.key"},
       {"", "/auth.key"},
-      {"/" + std::string(4084, 'd'),
-       "/" + std::string(4084, 'd') + "/auth.key"},
+      {"/" + std::string(4084, 'd'), "/" + std::string(4084, 'd') + "/auth.key"},
       {"/" + std::string(4085, 'd'), "/" + std::string(4085, 'd') + "/auth.ke"},
       {std::string(9000, 'd'), std::string(4094, 'd')},
   };
   decryption = {};
   const auto metab = std::make_shared<FakeMetab>();
   for (const Case& c : cases) {
-    EXPECT_EQ(
-        Start(Written(kComplete + "[ssl]\nkey_dir=" + c.key_dir + "\n"), metab),
-        "ok");
+    EXPECT_EQ(Start(Written(kComplete + "[ssl]\nkey_dir=" + c.key_dir + "\n"), metab), "ok");
     EXPECT_EQ(decryption.asked, c.key_file + "|stored|255");
   }
 }
@@ -243,8 +226,7 @@ TEST(AgentCfg, PromotesItsHandleLastAndHoldsItForTheRequest) {
   const std::weak_ptr<utils::LibMetabInterface> handle = owner;
   owner.reset();
   EXPECT_EQ(Start(Written(kComplete), handle), expired);
-  EXPECT_EQ(Start("", handle),
-            "4|Unable to parse the agent config file: \"\"|");
+  EXPECT_EQ(Start("", handle), "4|Unable to parse the agent config file: \"\"|");
 
   owner = std::make_shared<FakeMetab>();
   const std::weak_ptr<utils::LibMetabInterface> watched = owner;
@@ -253,9 +235,7 @@ TEST(AgentCfg, PromotesItsHandleLastAndHoldsItForTheRequest) {
     owner.reset();
     alive = !watched.expired();
   };
-  EXPECT_EQ(Start(Written(kComplete), watched,
-                  [&](const AgentCfg&) { EXPECT_TRUE(watched.expired()); }),
-            "ok");
+  EXPECT_EQ(Start(Written(kComplete), watched, [&](const AgentCfg&) { EXPECT_TRUE(watched.expired()); }), "ok");
   EXPECT_TRUE(alive);
 
   owner = std::make_shared<FakeMetab>();
@@ -282,8 +262,7 @@ long SecretsLeftBy(const std::string& secret, std::function<void()> work) {
   pthread_join(thread, nullptr);
   const long freed = FreedSecrets();
   WatchFreedMemory("");
-  const void* const found =
-      memmem(stack.data(), stack.size(), secret.data(), secret.size());
+  const void* const found = memmem(stack.data(), stack.size(), secret.data(), secret.size());
   return freed + (found == nullptr ? 0 : 1);
 }
 

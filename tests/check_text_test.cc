@@ -19,8 +19,7 @@ using std::string_literals::operator""s;
 std::string Findings(const std::string& text) {
   std::string all;
   for (const Finding& f : CheckText(text, "f")) {
-    all += std::to_string(f.line) + ':' + std::to_string(f.column) + '+' +
-           std::to_string(f.length) +
+    all += std::to_string(f.line) + ':' + std::to_string(f.column) + '+' + std::to_string(f.length) +
            (f.severity == Severity::kWarning ? "w " : " ") + f.message + '\n';
   }
   return all;
@@ -34,7 +33,7 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
   };
   const Case cases[] = {
       {"nothing", "", ""},
-      {"all well", "#c\n[a]\nx = 1\n ;d\n\ny=#fff\nz=a#b\n[b]", ""},
+      {"all well", "#c\n[a]\nx = 1\n ;d\n\ny=#fff\nz=a#b\nt=a# b\ne=\n[b]", ""},
       {"headers", "[abc\n  [a\n[]\n\t[]x]\n[a] ; x\n[a]]\n",
        "1:1+4 section header without \"]\"\n"
        "2:3+2 section header without \"]\"\n"
@@ -51,11 +50,15 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
        "1:1+3 option line before any section\n"
        "2:3+1 option line before any section\n"
        "3:1+1 option line before any section\n"},
-      {"a faulty header is one finding", "[a\nx=1\n[]\nx=2\n",
-       "1:1+2 section header without \"]\"\n"
-       "3:2+1 section name is empty\n"},
-      {"byte-order mark", "\xEF\xBB\xBF[a]\nx=1\n\xEF\xBB\xBF#\n",
-       "1:1+3 byte-order mark\n3:1+3 byte-order mark\n"},
+      {"a faulty header is one finding", "[b]\nx=0\n[a\nx=1\n[]\nx=2\n",
+       "3:1+2 section header without \"]\"\n"
+       "5:2+1 section name is empty\n"},
+      {"byte-order mark", "\xEF\xBB\xBF[a]\nx=1\n\xEF\xBB\xBF#\n", "1:1+3 byte-order mark\n3:1+3 byte-order mark\n"},
+      {"byte-order mark in the middle", "[b]\nx=1\n\xEF\xBB\xBF[a]\nx=2\n", "3:1+3 byte-order mark\n"},
+      {"byte-order mark before an option", "\xEF\xBB\xBFx=1\ny=1\n",
+       "1:1+3 byte-order mark\n2:1+3 option line before any section\n"},
+      {"in order of columns", "[ a] x\n",
+       "1:2+2w blanks belong to the section name\n1:6+1 text after the section header\n"},
       {"carriage returns", "[a]\r\n#c\r\nx=1\r\ny=2\r\n",
        "3:4+1w value ends in a carriage return, which the agent sees\n"},
       {"comments in values", "[a]\nx = 1 # c\ny=1\t;c\nz= # c\nu=a#b # c\n",
@@ -71,8 +74,7 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
        "1:2+2w blanks belong to the section name\n"
        "2:3+2w blanks are the value of this option\n"
        "3:2+2w blanks belong to the section name\n"},
-      {"comment at the end", "[a]\nx=1\n  #c\n;d\n\nbad",
-       "6:1+3 option line without \"=\"\n"},
+      {"comment at the end", "[a]\nx=1\n  #c\n;d\n\nbad", "6:1+3 option line without \"=\"\n"},
       {"comment at the very end", "[a]\nx=1\n  #c\n;d\n\n",
        "3:3+2w comment after the last option is dropped when a program saves "
        "this file\n"},
@@ -91,14 +93,12 @@ TEST(CheckText, SaysWhatToWrite) {
     std::string text, hint;
   };
   const Case cases[] = {
-      {"[s]\nthreads 4",
-       "write \"threads = 4\", or put \"#\" first to make it a comment"},
-      {"[s]\na:\tb c \r",
-       "write \"a = b c\", or put \"#\" first to make it a comment"},
-      {"[s]\nabc",
-       "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
-      {"[s]\n:x",
-       "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
+      {"[s]\nthreads 4", "write \"threads = 4\", or put \"#\" first to make it a comment"},
+      {"[s]\na:\tb c \r", "write \"a = b c\", or put \"#\" first to make it a comment"},
+      {"[s]\nabc", "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
+      {"[s]\n:x", "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
+      {"[s]\na\x1b 4", "write \"a\\x1b = 4\", or put \"#\" first to make it a comment"},
+      {"[s]\nab " + std::string(58, 'x'), "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
       {"[s]\nx=1\r", "remove all of them: sed -i 's/\\r$//' 'a b'\\''c'"},
   };
   for (const Case& c : cases) {
@@ -125,9 +125,8 @@ std::size_t LibraryStopsAt(const std::string& text) {
 
 TEST(CheckText, AgreesWithTheLibraryOnRandomTexts) {
   const std::string pieces[] = {
-      "[",  "]",  "=", "#",     ";",   " ",    "\t",           "\r",
-      "\n", "\n", "a", "[a]\n", "b=1", "\0"s,  "\xEF\xBB\xBF", "\f",
-      "x ", "A",  ":", "[b]\n", "a=",  "\xFF",
+      "[",  "]",  "=", "#", ";",     " ",  "\t",   "\r", "\n", "\n", "a", "[a]\n", "b=1", "\0"s, "\xEF\xBB\xBF",
+      "\f", "x ", "A", ":", "[b]\n", "a=", "\xFF",
   };
   std::mt19937 random(20261124);
   std::uniform_int_distribution<std::size_t> piece(0, std::size(pieces) - 1);
@@ -163,25 +162,30 @@ TEST(FindingReport, QuotesTheLineAndMarksIt) {
   const Case cases[] = {
       {"plain", "threads 4", 0, 7, "threads 4", "^~~~~~~"},
       {"tabs before", "\ta\tb", 3, 1, "\ta\tb", "\t \t^"},
+      {"wide and combining",
+       "x=\xE4\xB8\xAD\xE6\x96\x87"
+       "e\xCC\x81 #",
+       12, 1,
+       "x=\xE4\xB8\xAD\xE6\x96\x87"
+       "e\xCC\x81 #",
+       std::string(8, ' ') + '^'},
+      {"a tab first", "=\t  ", 1, 3, "=\t  ", " ^~~"},
+      {"cut before a character", std::string(99, 'x') + "\xC3\xA4", 0, 1, std::string(99, 'x') + "...", "^"},
       {"tabs within", "ab\tcd", 0, 5, "ab\tcd", "^~"},
-      {"controls", "\x1b[m\x07x", 4, 1, "\\x1b[m\\x07x", "          ^"},
+      {"controls", "\x7f[m\x07x", 4, 1, "\\x7f[m\\x07x", "          ^"},
       {"marked controls", "a\r", 1, 1, "a\\x0d", " ^~~~"},
-      {"UTF-8", "\xC3\xA4 \xE2\x82\xAC x", 3, 3, "\xC3\xA4 \xE2\x82\xAC x",
-       "  ^"},
-      {"broken UTF-8", "\xC3(\xFF\xED\xA0\x80", 1, 1,
-       "\\xc3(\\xff\\xed\\xa0\\x80", "    ^"},
-      {"overlong and too large", "\xC0\xAF\xF4\x90\x80\x80", 0, 1,
-       "\\xc0\\xaf\\xf4\\x90\\x80\\x80", "^~~~"},
-      {"hidden controls", "\xC2\x9B\xE2\x80\xAE.", 5, 1,
-       "\\xc2\\x9b\\xe2\\x80\\xae.", std::string(20, ' ') + '^'},
+      {"UTF-8", "\xC3\xA4 \xE2\x82\xAC x", 3, 3, "\xC3\xA4 \xE2\x82\xAC x", "  ^"},
+      {"broken UTF-8", "\xC3(\xFF\xED\xA0\x80", 1, 1, "\\xc3(\\xff\\xed\\xa0\\x80", "    ^"},
+      {"overlong and too large", "\xC0\xAF\xE0\x80\xAF\xF4\x90\x80\x80", 0, 1,
+       "\\xc0\\xaf\\xe0\\x80\\xaf\\xf4\\x90\\x80\\x80", "^~~~"},
+      {"hidden controls", "\xC2\x9B\xE2\x80\xAE\xE2\x80\x8F\xE2\x81\xA6.", 11, 1,
+       "\\xc2\\x9b\\xe2\\x80\\xae\\xe2\\x80\\x8f\\xe2\\x81\\xa6.", std::string(44, ' ') + '^'},
       {"past the end", "ab", 2, 0, "ab", "  ^"},
-      {"long", many + "!" + many, 200, 1,
-       "..." + std::string(40, 'x') + "!" + std::string(59, 'x') + "...",
+      {"long", many + "!" + many, 200, 1, "..." + std::string(40, 'x') + "!" + std::string(59, 'x') + "...",
        std::string(43, ' ') + '^'},
-      {"long at its end", many, 199, 9, "..." + std::string(41, 'x'),
-       std::string(43, ' ') + '^'},
-      {"long in UTF-8", many + "\xC3\xA4" + std::string(39, 'x') + "!", 241, 1,
-       "...\xC3\xA4" + std::string(39, 'x') + "!", std::string(43, ' ') + '^'},
+      {"long at its end", many, 199, 9, "..." + std::string(41, 'x'), std::string(43, ' ') + '^'},
+      {"long in UTF-8", many + "\xF0\x9D\x84\x9E" + std::string(39, 'x') + "!", 243, 1,
+       "...\xF0\x9D\x84\x9E" + std::string(39, 'x') + "!", std::string(43, ' ') + '^'},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);

@@ -21,8 +21,7 @@ const std::string kName = "a name that is longer than a small string";
 const std::string kText = "a text that is longer than a small string";
 const std::string kBefore = "S(" + kText + "){o=" + kText + "(" + kText + ")}";
 const std::string kNewSection = kBefore + " " + kName + "{}";
-const std::string kNewOption =
-    "S(" + kText + "){" + kName + "= o=" + kText + "(" + kText + ")}";
+const std::string kNewOption = "S(" + kText + "){" + kName + "= o=" + kText + "(" + kText + ")}";
 const std::string kBoth = kBefore + " " + kName + "{" + kName + "=}";
 
 constexpr int kThrown = 1;
@@ -36,8 +35,7 @@ struct ExhaustionCase {
 
 // Runs the operation with its n-th allocation failing, on a model that `fill`
 // made, for n = 1, 2, ... until the operation does not need that many.
-void Sweep(const ExhaustionCase& c,
-           const std::function<void(DMConfig*)>& fill) {
+void Sweep(const ExhaustionCase& c, const std::function<void(DMConfig*)>& fill) {
   SCOPED_TRACE(c.name);
   const long faults_before = AllocationFaults();
   for (const bool persistent : {false, true}) {
@@ -57,13 +55,9 @@ void Sweep(const ExhaustionCase& c,
       if (!reached) continue;
 
       SCOPED_TRACE(n);
-      EXPECT_NE(std::find(c.results.begin(), c.results.end(), result),
-                c.results.end())
-          << "result " << result;
+      EXPECT_NE(std::find(c.results.begin(), c.results.end(), result), c.results.end()) << "result " << result;
       const std::string left = Render(&model);
-      EXPECT_NE(std::find(c.models.begin(), c.models.end(), left),
-                c.models.end())
-          << left;
+      EXPECT_NE(std::find(c.models.begin(), c.models.end(), left), c.models.end()) << left;
       // Map and list name the same sections, and all can be used again.
       const bool listed = left.find(kName + "{") != std::string::npos;
       EXPECT_EQ(model.HasSection(kName), listed ? 0 : -6);
@@ -72,8 +66,7 @@ void Sweep(const ExhaustionCase& c,
     }
   }
   EXPECT_GT(AllocationFaults(), faults_before);
-  std::cout << c.name << ": " << AllocationFaults() - faults_before
-            << " allocations failed\n";
+  std::cout << c.name << ": " << AllocationFaults() - faults_before << " allocations failed\n";
 }
 
 TEST(Exhaustion, LeavesTheModelWhole) {
@@ -86,10 +79,7 @@ TEST(Exhaustion, LeavesTheModelWhole) {
   };
   const std::string fresh = kText + kText;
   const ExhaustionCase cases[] = {
-      {"GetOptionMap",
-       [&](auto* m) { return m->GetOptionMap(kName) ? 0 : -5; },
-       {-5},
-       {kBefore}},
+      {"GetOptionMap", [&](auto* m) { return m->GetOptionMap(kName) ? 0 : -5; }, {-5}, {kBefore}},
       {"GetSectionList",
        [&](auto* m) {
          clear();
@@ -108,22 +98,13 @@ TEST(Exhaustion, LeavesTheModelWhole) {
        [&](auto* m) { return m->GetSectionComment(kName, &comment); },
        {-5},
        {kBefore}},
-      {"SetSectionComment",
-       [&](auto* m) { return m->SetSectionComment("S", fresh); },
-       {kThrown},
-       {kBefore}},
+      {"SetSectionComment", [&](auto* m) { return m->SetSectionComment("S", fresh); }, {kThrown}, {kBefore}},
       {"SetSectionComment of a new section",
        [&](auto* m) { return m->SetSectionComment(kName, fresh); },
        {-5, kThrown},
        {kBefore, kNewSection}},
-      {"DelSectionComment of a new section",
-       [&](auto* m) { return m->DelSectionComment(kName); },
-       {0},
-       {kBefore}},
-      {"SetOptionValue of three",
-       [&](auto* m) { return m->SetOptionValue("S", "o", fresh); },
-       {kThrown},
-       {kBefore}},
+      {"DelSectionComment of a new section", [&](auto* m) { return m->DelSectionComment(kName); }, {0}, {kBefore}},
+      {"SetOptionValue of three", [&](auto* m) { return m->SetOptionValue("S", "o", fresh); }, {kThrown}, {kBefore}},
       {"SetOptionValue of three, new option",
        [&](auto* m) { return m->SetOptionValue("S", kName, fresh); },
        {kThrown},
@@ -140,10 +121,7 @@ TEST(Exhaustion, LeavesTheModelWhole) {
        [&](auto* m) { return m->SetOptionValue("S", kName, fresh, fresh); },
        {kThrown},
        {kBefore, kNewOption}},
-      {"SetOptionComment",
-       [&](auto* m) { return m->SetOptionComment("S", "o", fresh); },
-       {kThrown},
-       {kBefore}},
+      {"SetOptionComment", [&](auto* m) { return m->SetOptionComment("S", "o", fresh); }, {kThrown}, {kBefore}},
       {"SetOptionComment, new option",
        [&](auto* m) { return m->SetOptionComment("S", kName, fresh); },
        {kThrown},
@@ -167,19 +145,11 @@ TEST(Exhaustion, LeavesTheModelWhole) {
        {kThrown},
        {kBefore}},
       {"GetSectionOptionList of a new section",
-       [&](auto* m) {
-         return m->GetSectionOptionList(kName, &comment, &names);
-       },
+       [&](auto* m) { return m->GetSectionOptionList(kName, &comment, &names); },
        {-5},
        {kBefore}},
-      {"DelOption of a new section",
-       [&](auto* m) { return m->DelOption(kName, "o"); },
-       {0},
-       {kBefore}},
-      {"DelOptionComment of a new section",
-       [&](auto* m) { return m->DelOptionComment(kName, "o"); },
-       {0},
-       {kBefore}},
+      {"DelOption of a new section", [&](auto* m) { return m->DelOption(kName, "o"); }, {0}, {kBefore}},
+      {"DelOptionComment of a new section", [&](auto* m) { return m->DelOptionComment(kName, "o"); }, {0}, {kBefore}},
   };
   for (const ExhaustionCase& c : cases) {
     Sweep(c, [](DMConfig* model) {
@@ -190,9 +160,8 @@ TEST(Exhaustion, LeavesTheModelWhole) {
 }
 
 TEST(Exhaustion, StopsTheReaderBetweenLines) {
-  const std::string text = "#" + kText + "\n[S]\n#" + kText + "\no=" + kText +
-                           "\n[" + kName + "]\n" + kName + "=" + kText + "\n" +
-                           kName + "=" + kText + kText + "\n";
+  const std::string text = "#" + kText + "\n[S]\n#" + kText + "\no=" + kText + "\n[" + kName + "]\n" + kName + "=" +
+                           kText + "\n" + kName + "=" + kText + kText + "\n";
   const std::string section = "S(\n#" + kText + "){";
   const std::string option = section + "o=" + kText + "(\n#" + kText + ")} ";
   const std::vector<std::string> models = {

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <fstream>
+#include <numeric>
 #include <set>
 #include <sstream>
 #include <thread>
@@ -15,14 +16,14 @@
 #include "platform/cr_runtime.h"
 #include "platform/local_metab.h"
 #include "platform/sealed_password.h"
+#include "tests/support.h"
 
 namespace quarry::platform {
 namespace {
 
 using std::string_literals::operator""s;
 
-const std::string kKeyLine =
-    "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8\n";
+const std::string kKeyLine = "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8\n";
 
 // Made by another implementation of both ciphers, with the key above and the
 // nonce 0x40, 0x41, ...
@@ -34,15 +35,8 @@ const std::string kKnown =
 class PlatformTest : public testing::Test {
  protected:
   PlatformTest() { Write("auth.key", kKeyLine); }
-  ~PlatformTest() override {
-    EXPECT_EQ(std::system(("rm -rf '" + folder_ + "'").c_str()), 0);
-  }
-
-  std::string Path(const std::string& name) const {
-    return folder_ + '/' + name;
-  }
-  void Write(const std::string& name, const std::string& text,
-             mode_t mode = 0600) {
+  std::string Path(const std::string& name) const { return folder_ / name; }
+  void Write(const std::string& name, const std::string& text, mode_t mode = 0600) {
     std::ofstream(Path(name)) << text;
     EXPECT_EQ(chmod(Path(name).c_str(), mode), 0);
   }
@@ -52,37 +46,28 @@ class PlatformTest : public testing::Test {
     return text.str();
   }
   // The password, or "RESULT" when there is none; the buffer is untouched then.
-  std::string Open(const std::string& stored,
-                   const std::string& key = "auth.key",
-                   std::size_t capacity = 255) {
+  std::string Open(const std::string& stored, const std::string& key = "auth.key", std::size_t capacity = 255) {
     std::string out(400, '~');
-    const int result = DecryptPasswdWithKey(Path(key).c_str(), stored.c_str(),
-                                            out.data(), capacity);
+    const int result = DecryptPasswdWithKey(Path(key).c_str(), stored.c_str(), out.data(), capacity);
     if (result != 0) {
       EXPECT_EQ(out, std::string(400, '~'));
       return "RESULT " + std::to_string(result);
     }
     EXPECT_EQ(out.substr(capacity), std::string(400 - capacity, '~'));
-    return out.c_str();
+    return out.substr(0, out.find('\0'));
   }
 
  private:
-  const std::string folder_ = [] {
-    std::string name = testing::TempDir() + "/quarry_platformXXXXXX";
-    mkdtemp(name.data());
-    chmod(name.c_str(), 0755);
-    return name;
-  }();
+  const TempFolder folder_;
 };
 
 TEST_F(PlatformTest, SealsAndOpensTheKnownAnswer) {
   unsigned char nonce[24];
-  for (unsigned char i = 0; i < sizeof nonce; ++i) nonce[i] = 0x40 + i;
+  std::iota(std::begin(nonce), std::end(nonce), static_cast<unsigned char>(0x40));
   SealingKey key;
   ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
   std::string stored;
-  EXPECT_EQ(SealPasswordWithNonce(key, nonce, "correct horse", &stored),
-            kDecryptDone);
+  EXPECT_EQ(SealPasswordWithNonce(key, nonce, "correct horse", &stored), kDecryptDone);
   EXPECT_EQ(stored, kKnown);
   EXPECT_EQ(Open(kKnown), "correct horse");
 }
@@ -100,8 +85,7 @@ TEST_F(PlatformTest, SealsEveryLengthAndHidesIt) {
     lengths.insert(stored.size());
     EXPECT_EQ(Open(stored), password);
     EXPECT_EQ(Open(stored, "auth.key", length + 1), password);
-    EXPECT_EQ(Open(stored, "auth.key", length),
-              length == 0 ? "RESULT 1" : "RESULT 8");
+    EXPECT_EQ(Open(stored, "auth.key", length), length == 0 ? "RESULT 1" : "RESULT 8");
   }
   EXPECT_EQ(lengths, (std::set<std::size_t>{154, 240, 325, 410}));
   for (const std::string& refused : {std::string(255, 'p'), "a\0b"s, "a\nb"s}) {
@@ -114,14 +98,11 @@ TEST_F(PlatformTest, RefusesEveryChangedForm) {
   ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
   std::string longest;
   ASSERT_EQ(SealPassword(key, std::string(254, 'p'), &longest), kDecryptDone);
-  const std::string alphabet =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_=+/ \n";
+  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_=+/ \n";
   int refused = 0;
   const auto expect_refused = [&](const std::string& form) {
     char out[255];
-    ASSERT_NE(OpenPasswordWithKey(key, form.c_str(), out, sizeof out),
-              kDecryptDone)
-        << form;
+    ASSERT_NE(OpenPasswordWithKey(key, form.c_str(), out, sizeof out), kDecryptDone) << form;
     ++refused;
   };
   for (const std::string& form : {kKnown, longest}) {
@@ -143,8 +124,7 @@ TEST_F(PlatformTest, RefusesEveryChangedForm) {
 }
 
 TEST_F(PlatformTest, TellsWhyAPasswordDoesNotOpen) {
-  Write("other.key",
-        "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh4\n");
+  Write("other.key", "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh4\n");
   std::string damaged = kKnown;
   damaged[40] = 'B';
   struct Case {
@@ -201,32 +181,21 @@ TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
     const char* outcome;
   };
   const Case cases[] = {
-      {kUser, kUser, kUser, 0600, "correct horse"},
-      {kUser, kUser, kUser, 0400, "correct horse"},
-      {kUser, kUser, kUser, 0700, "correct horse"},
-      {kUser, kUser, kUser, 0640, "RESULT 3"},
-      {kUser, kUser, kUser, 0620, "RESULT 3"},
-      {kUser, kUser, kUser, 0610, "RESULT 3"},
-      {kUser, kUser, kUser, 0604, "RESULT 3"},
-      {kUser, kUser, kUser, 0602, "RESULT 3"},
-      {kUser, kUser, kUser, 0601, "RESULT 3"},
-      {kUser, kOther, kUser, 0640, "RESULT 3"},
-      {kUser, kOther, kOther, 0604, "RESULT 3"},
-      {kUser, kRoot, kUser, 0440, "correct horse"},  // a mounted secret
-      {kUser, kRoot, kUser, 0460, "RESULT 3"},
-      {kUser, kRoot, kUser, 0450, "RESULT 3"},
-      {kUser, kRoot, kUser, 0444, "RESULT 3"},
-      {kUser, kRoot, kOther, 0444, "RESULT 3"},
-      {kUser, kRoot, kRoot, 0600, "RESULT 2"},
-      {kRoot, kOther, kOther, 0600, "correct horse"},
-      {kRoot, kRoot, kRoot, 0440, "RESULT 3"},
-      {kRoot, kRoot, kRoot, 0604, "RESULT 3"},
+      {kUser, kUser, kUser, 0600, "correct horse"}, {kUser, kUser, kUser, 0400, "correct horse"},
+      {kUser, kUser, kUser, 0700, "correct horse"}, {kUser, kUser, kUser, 0640, "RESULT 3"},
+      {kUser, kUser, kUser, 0620, "RESULT 3"},      {kUser, kUser, kUser, 0610, "RESULT 3"},
+      {kUser, kUser, kUser, 0604, "RESULT 3"},      {kUser, kUser, kUser, 0602, "RESULT 3"},
+      {kUser, kUser, kUser, 0601, "RESULT 3"},      {kUser, kOther, kUser, 0640, "RESULT 3"},
+      {kUser, kOther, kOther, 0604, "RESULT 3"},    {kUser, kRoot, kUser, 0440, "correct horse"},  // a mounted secret
+      {kUser, kRoot, kUser, 0460, "RESULT 3"},      {kUser, kRoot, kUser, 0450, "RESULT 3"},
+      {kUser, kRoot, kUser, 0444, "RESULT 3"},      {kUser, kRoot, kOther, 0444, "RESULT 3"},
+      {kUser, kRoot, kRoot, 0600, "RESULT 2"},      {kRoot, kOther, kOther, 0600, "correct horse"},
+      {kRoot, kRoot, kRoot, 0440, "RESULT 3"},      {kRoot, kRoot, kRoot, 0604, "RESULT 3"},
   };
   if (geteuid() != kRoot) GTEST_SKIP() << "only root can take these parts";
   for (const Case& c : cases) {
     std::ostringstream name;
-    name << "caller " << c.caller << " owner " << c.owner << " group "
-         << c.group << " mode " << std::oct << c.mode;
+    name << "caller " << c.caller << " owner " << c.owner << " group " << c.group << " mode " << std::oct << c.mode;
     SCOPED_TRACE(name.str());
     ASSERT_EQ(chown(Path("auth.key").c_str(), c.owner, c.group), 0);
     ASSERT_EQ(chmod(Path("auth.key").c_str(), c.mode), 0);
@@ -280,20 +249,14 @@ TEST_F(PlatformTest, CopiesTheRoutingTables) {
   ASSERT_EQ(mkdir(Path("out/folder").c_str(), 0700), 0);
   const std::string large(200000, 'r');
   Write("kept", "kept");
-  const auto fetch = [this](const std::string& url, const std::string& r,
-                            const std::string& c) {
-    return storage::utils::LocalMetab().GetRoutingTables(url, "l", "p", -1, "k",
-                                                         Path(r), Path(c));
+  const auto fetch = [this](const std::string& url, const std::string& r, const std::string& c) {
+    return ::storage::utils::LocalMetab().GetRoutingTables(url, "l", "p", -1, "k", Path(r), Path(c));
   };
   const std::string url = "file://" + Path("ledger");
-  const auto expect_no_change = [&](cr_status_t status, const std::string& from,
-                                    const std::string& c) {
+  const auto expect_no_change = [&](cr_status_t status, const std::string& from, const std::string& c) {
     EXPECT_EQ(fetch(from, "out/r", c), status);
     EXPECT_EQ(Read("out/r"), "old");
-    EXPECT_EQ(std::system(("test \"$(ls -A " + Path("out") +
-                           ")\" = \"$(printf 'folder\\nr')\"")
-                              .c_str()),
-              0);
+    EXPECT_EQ(std::system(("test \"$(ls -A " + Path("out") + ")\" = \"$(printf 'folder\\nr')\"").c_str()), 0);
   };
   Write("out/r", "old");
   expect_no_change(kLedgerUrlUnsupported, "https://ledger", "out/c");
@@ -326,10 +289,7 @@ TEST(CrErrnoException, CarriesItsTexts) {
   struct Case {
     const char *message, *detail, *what;
   };
-  const Case cases[] = {{"m", "d", "m: d"},
-                        {"m", nullptr, "m"},
-                        {nullptr, "d", "d"},
-                        {nullptr, nullptr, ""}};
+  const Case cases[] = {{"m", "d", "m: d"}, {"m", nullptr, "m"}, {nullptr, "d", "d"}, {nullptr, nullptr, ""}};
   for (const Case& c : cases) {
     Cr_ErrnoException copy(0, "", "");
     {
@@ -348,8 +308,7 @@ TEST(CrErrnoException, CarriesItsTexts) {
 
 TEST(CRStatusToStringA, HasATextForEveryNumber) {
   std::set<std::string> texts;
-  for (const cr_status_t status : {0, 4, 9, 101, 102, 103, 104, 105, 106, 107,
-                                   108, -1, INT_MIN, INT_MAX}) {
+  for (const cr_status_t status : {0, 4, 9, 101, 102, 103, 104, 105, 106, 107, 108, -1, INT_MIN, INT_MAX}) {
     ASSERT_NE(CRStatusToStringA(status), nullptr);
     texts.insert(CRStatusToStringA(status));
   }

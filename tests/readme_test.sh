@@ -1,13 +1,23 @@
 #!/usr/bin/env bash
-# readme_test.sh ROOT BUILD: README's C++ example compiles and does what README
-# says of it.
+# readme_test.sh ROOT BUILD: README's examples do what README says of them.
 set -euo pipefail
 root=$1 build=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-# shellcheck disable=SC2016 # backquotes, not a command
-sed -n '/^```cpp$/,/^```$/p' "$root/README.md" | sed '/^```/d' >"$work/example.cc"
-g++ -std=c++17 -Wall -Wextra -Werror -I "$root" "$work/example.cc" \
-  -o "$work/example" -L "$build" -lquarry_config -Wl,-rpath,"$build"
 cd "$root"
-[ "$("$work/example")" = 'retries: 5' ]
+
+# The block of README with that language.
+block() { awk -v fence="\`\`\`$1" '$0 == fence { on = 1; next } /^```$/ { on = 0 } on' README.md; }
+
+# The program compiles and runs.
+block cpp >"$work/example.cc"
+g++ -std=c++17 -Wall -Wextra -Werror -I . "$work/example.cc" \
+  -o "$work/example" -L "$build" -lquarry_config -Wl,-rpath,"$build"
+[ "$("$work/example")" = 'level: notice' ]
+
+# The command prints what stands under it.
+command=$(block text | sed -n '1s/^\$ //p')
+[ "$(PATH=$build:$PATH bash -c "$command" 2>&1)" = "$(block text | tail -n +2)" ]
+
+# The core of the agent is the example's, but for its indentation.
+[ "$(sed -n '/const auto metab/,/^  }$/s/^  //p' examples/agent_start.cc)" = "$(block c++)" ]

@@ -1,12 +1,14 @@
 #include "tests/support.h"
 
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
 #include <iostream>
 #include <list>
 
 std::string Render(quarry::storage::dmconfig::DMConfig* model) {
-  const auto comment = [](const std::string& text) {
-    return text.empty() ? text : "(" + text + ")";
-  };
+  const auto comment = [](const std::string& text) { return text.empty() ? text : "(" + text + ")"; };
   std::list<std::string> sections;
   model->GetSectionList(&sections);
   std::string all;
@@ -24,6 +26,13 @@ std::string Render(quarry::storage::dmconfig::DMConfig* model) {
   }
   return all;
 }
+
+TempFolder::TempFolder() : folder_(testing::TempDir() + "/quarry-XXXXXX") {
+  EXPECT_NE(mkdtemp(folder_.data()), nullptr);
+  EXPECT_EQ(chmod(folder_.c_str(), 0755), 0);  // some tests change the user
+}
+
+TempFolder::~TempFolder() { EXPECT_EQ(std::system(("rm -rf '" + folder_ + "'").c_str()), 0); }
 
 CerrCapture::CerrCapture() : original_(std::cerr.rdbuf(caught_.rdbuf())) {}
 CerrCapture::~CerrCapture() { std::cerr.rdbuf(original_); }

@@ -15,6 +15,20 @@
 // "Server(\n; x){path=/a threads=8(\n#y)} client{}". Changes nothing.
 std::string Render(quarry::storage::dmconfig::DMConfig* model);
 
+// A folder of its own for a test, gone with all in it at the end.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+  // The path of `name` in the folder.
+  std::string operator/(const std::string& name) const { return folder_ + '/' + name; }
+
+ private:
+  std::string folder_;
+};
+
 // Catches what is written to std::cerr during its life.
 class CerrCapture {
  public:

@@ -49,12 +49,9 @@ void* operator new(std::size_t size) {
 }
 void operator delete(void* memory) noexcept {
   if (memory != nullptr && !watched.empty() &&
-      memmem(memory, malloc_usable_size(memory), watched.data(),
-             watched.size()) != nullptr) {
+      memmem(memory, malloc_usable_size(memory), watched.data(), watched.size()) != nullptr) {
     ++freed_secrets;
   }
   std::free(memory);
 }
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
-  operator delete(memory);
-}
+void operator delete(void* memory, std::size_t /*size*/) noexcept { operator delete(memory); }

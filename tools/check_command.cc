@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "tools/check_agent.h"
 #include "tools/check_text.h"
 #include "tools/commands.h"
 #include "tools/errors.h"
@@ -15,7 +16,7 @@ struct Totals {
   std::size_t files = 0;
   std::size_t errors = 0;
   std::size_t warnings = 0;
-  bool unreadable = false;
+  std::size_t unreadable = 0;  // not among the files
 
   void Count(const std::vector<Finding>& findings) {
     const auto count = static_cast<std::size_t>(std::count_if(
@@ -37,12 +38,15 @@ std::string Summary(const Totals& totals) {
   std::string text =
       Counted(totals.files, "file") + ", " +
       (totals.errors == 0 ? "no errors" : Counted(totals.errors, "error"));
+  if (totals.unreadable > 0) {
+    text += ", " + std::to_string(totals.unreadable) + " not read";
+  }
   if (totals.warnings > 0) text += ", " + Counted(totals.warnings, "warning");
   return text + '\n';
 }
 
 int ExitStatusOf(const Totals& totals, bool strict) {
-  if (totals.unreadable) return kExitFailed;
+  if (totals.unreadable > 0) return kExitFailed;
   const bool refused = totals.errors > 0 || (strict && totals.warnings > 0);
   return refused ? kExitNo : kExitDone;
 }
@@ -70,29 +74,45 @@ nlohmann::ordered_json FindingsJson(const std::vector<Finding>& findings) {
   return array;
 }
 
+bool HasErrors(const std::vector<Finding>& findings) {
+  return std::any_of(findings.begin(), findings.end(), [](const Finding& one) {
+    return one.severity == Severity::kError;
+  });
+}
+
+std::vector<Finding> Check(const std::string& text, const std::string& file,
+                           const CheckRequest& request) {
+  std::vector<Finding> findings = CheckText(text, file);
+  // What an invalid file holds cannot be told.
+  if (request.as_agent && !HasErrors(findings)) {
+    const std::vector<Finding> more = CheckAgent(text, file);
+    findings.insert(findings.end(), more.begin(), more.end());
+    SortFindings(&findings);
+  }
+  return findings;
+}
+
 }  // namespace
 
 int RunCheck(const CheckRequest& request) {
   Totals totals;
   auto checked = nlohmann::ordered_json::array();
   for (const std::string& file : request.files) {
+    nlohmann::ordered_json entry;
+    AddText(&entry, "file", file);
     try {
       const std::string text = ReadInput(file);
-      const std::vector<Finding> findings = CheckText(text, file);
+      const std::vector<Finding> findings = Check(text, file, request);
       totals.Count(findings);
-      if (!request.json) {
-        PrintFindings(findings, file);
-        continue;
-      }
-      nlohmann::ordered_json entry;
-      AddText(&entry, "file", file);
-      entry["findings"] = FindingsJson(findings);
-      checked.push_back(std::move(entry));
+      if (!request.json) PrintFindings(findings, file);
+      if (request.json) entry["findings"] = FindingsJson(findings);
     } catch (const ToolError& error) {
       // One file that cannot be read does not keep the others unchecked.
       WriteStandardError(error.report());
-      totals.unreadable = true;
+      entry["error"] = error.message();
+      ++totals.unreadable;
     }
+    if (request.json) checked.push_back(std::move(entry));
   }
   if (request.json) {
     WriteStandardOutput(JsonText({{"schema", 1}, {"files", checked}}));

@@ -8,6 +8,7 @@
 #include "tools/display.h"
 #include "tools/files.h"
 #include "tools/scan.h"
+#include "tools/secrets.h"
 
 namespace quarry::tool {
 
@@ -28,8 +29,9 @@ std::string MissingEqualsHint(std::string_view line) {
   const std::size_t name_end = line.find_first_of(" \t:\r");
   const std::size_t value_begin = line.find_first_not_of(" \t:\r", name_end);
   std::string example = "NAME = VALUE";
-  if (value_begin != std::string_view::npos && name_end != 0 &&
-      line.size() <= kLongestExample) {
+  const bool shown = line.size() <= kLongestExample &&
+                     FindSecret(line) == std::string_view::npos;
+  if (shown && value_begin != std::string_view::npos && name_end != 0) {
     const std::size_t value_end = line.find_last_not_of(" \t\r") + 1;
     example = std::string(line.substr(0, name_end)) + " = " +
               std::string(line.substr(value_begin, value_end - value_begin));
@@ -61,7 +63,7 @@ class Checker {
   struct Section {
     std::size_t header_line = 0;
     std::size_t comment_line = 0;
-    OptionLines options;
+    std::map<std::string, std::size_t, StringCaseCmp> options;
   };
 
   void CheckLine(const ScannedLine& line);
@@ -70,6 +72,7 @@ class Checker {
   void CheckHeaderFault(const ScannedLine& line);
   void CheckOptionFault(const ScannedLine& line);
   void EnterSection(const ScannedLine& line);
+  void EnterNamelessSection();
   void WarnOfRepeatedOption(const ScannedLine& line);
   void WarnOfValue(const ScannedLine& line);
 
@@ -95,11 +98,7 @@ std::vector<Finding> Checker::Check(std::string_view text) {
         "file",
         "move it above the section or option that it is about");
   }
-  std::stable_sort(findings_.begin(), findings_.end(),
-                   [](const Finding& left, const Finding& right) {
-                     return std::tie(left.line, left.column) <
-                            std::tie(right.line, right.column);
-                   });
+  SortFindings(&findings_);
   return std::move(findings_);
 }
 
@@ -123,8 +122,7 @@ void Checker::CheckLine(const ScannedLine& line) {
 void Checker::CheckHeader(const ScannedLine& line) {
   CheckHeaderFault(line);
   if (line.header.name.empty()) {
-    nameless_ = {};
-    section_ = &nameless_;
+    EnterNamelessSection();
     return;
   }
   EnterSection(line);
@@ -166,6 +164,11 @@ void Checker::EnterSection(const ScannedLine& line) {
   section_->comment_line = pending_comment_.number;
 }
 
+void Checker::EnterNamelessSection() {
+  nameless_ = {};
+  section_ = &nameless_;
+}
+
 void Checker::CheckOption(const ScannedLine& line) {
   if (line.option.fault != LineFault::kNone) return CheckOptionFault(line);
   WarnOfRepeatedOption(line);
@@ -177,6 +180,7 @@ void Checker::CheckOptionFault(const ScannedLine& line) {
   const std::string_view text =
       line.text.substr(0, line.text.find_last_not_of(" \t\r") + 1);
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+    if (IsMarkedHeader(text)) EnterNamelessSection();
     return Add(Severity::kError, line, text.substr(0, kByteOrderMark.size()),
                "byte-order mark", "save the file without it");
   }
@@ -220,22 +224,50 @@ void Checker::WarnOfValue(const ScannedLine& line) {
     warned_of_carriage_return_ = true;
     Add(Severity::kWarning, line, value.substr(value.size() - 1),
         "value ends in a carriage return, which the agent sees",
-        "remove all of them: sed -i 's/\\r$//' " + Shown(file_));
+        "remove all of them: sed -i 's/\\r$//' " + file_);
   }
 }
 
 void Checker::Add(Severity severity, const ScannedLine& line,
                   std::string_view part, std::string message,
                   std::string hint) {
-  const auto offset = static_cast<std::size_t>(part.data() - line.raw.data());
-  findings_.push_back({severity, line.number, offset + 1, part.size(),
-                       std::move(message), std::move(hint), line.raw});
+  findings_.push_back(
+      FindingAt(severity, line, part, std::move(message), std::move(hint)));
+}
+
+std::string SafeLineOf(const Finding& finding) {
+  const std::size_t secret = FindSecret(finding.line_text);
+  if (secret == std::string_view::npos) return std::string(finding.line_text);
+  return std::string(finding.line_text.substr(0, secret)) + kMask;
 }
 
 }  // namespace
 
 std::vector<Finding> CheckText(std::string_view text, const std::string& file) {
-  return Checker(file == "-" ? "FILE" : ShellQuoted(file)).Check(text);
+  return Checker(file == "-" ? "FILE" : ShellQuotedFile(file)).Check(text);
+}
+
+Finding FindingAt(Severity severity, const ScannedLine& line,
+                  std::string_view part, std::string message,
+                  std::string hint) {
+  auto begin = static_cast<std::size_t>(part.data() - line.raw.data());
+  std::size_t end = begin + part.size();
+  // Of a password neither the text nor the length is told.
+  const std::size_t secret = FindSecret(line.raw);
+  if (secret < end) {
+    begin = std::min(begin, secret);
+    end = secret + sizeof kMask - 1;
+  }
+  return {severity,           line.number,     begin + 1, end - begin,
+          std::move(message), std::move(hint), line.raw};
+}
+
+void SortFindings(std::vector<Finding>* findings) {
+  std::stable_sort(findings->begin(), findings->end(),
+                   [](const Finding& left, const Finding& right) {
+                     return std::tie(left.line, left.column) <
+                            std::tie(right.line, right.column);
+                   });
 }
 
 std::string FindingReport(const Finding& finding, const std::string& file,
@@ -247,17 +279,21 @@ std::string FindingReport(const Finding& finding, const std::string& file,
   const bool warning = finding.severity == Severity::kWarning;
   const char* const colour = warning ? "1;35" : "1;31";  // magenta, red
   const std::string number = std::to_string(finding.line);
-  const Excerpt excerpt =
-      ExcerptOf(finding.line_text, finding.column - 1, finding.length);
-
-  const std::string place = DisplayName(file) + ':' + number + ':' +
-                            std::to_string(finding.column) + ": ";
+  std::string place = DisplayName(file) + ": ";
+  if (finding.line != 0) {
+    place.insert(place.size() - 1,
+                 number + ':' + std::to_string(finding.column) + ':');
+  }
   std::string report = "quarry-config: " + paint("1", place);
   if (warning) report += paint(colour, "warning: ");
-  report += warning ? finding.message : paint(colour, finding.message);
-  report += "\n  " + number + " | " + excerpt.line + "\n  " +
-            std::string(number.size(), ' ') + " | " +
-            paint(colour, excerpt.marks) + '\n';
+  report += (warning ? finding.message : paint(colour, finding.message)) + '\n';
+  if (finding.line != 0) {
+    const Excerpt excerpt =
+        ExcerptOf(SafeLineOf(finding), finding.column - 1, finding.length);
+    report += "  " + number + " | " + excerpt.line + "\n  " +
+              std::string(number.size(), ' ') + " | " +
+              paint(colour, excerpt.marks) + '\n';
+  }
   if (!finding.hint.empty()) report += "  hint: " + finding.hint + '\n';
   return report;
 }

@@ -7,19 +7,28 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/scan.h"
+
 namespace quarry::tool {
 
 enum class Severity { kError, kWarning };
 
 struct Finding {
   Severity severity = Severity::kError;
-  std::size_t line = 0;    // from 1
+  std::size_t line = 0;    // from 1; 0 when it is about no line
   std::size_t column = 0;  // in bytes, from 1; a tab counts one
   std::size_t length = 0;  // bytes that the finding is about
   std::string message;
   std::string hint;            // what to do; may be empty
   std::string_view line_text;  // into the text that was checked
 };
+
+// A finding about `part`, which is a view into the line.
+Finding FindingAt(Severity severity, const ScannedLine& line,
+                  std::string_view part, std::string message, std::string hint);
+
+// By lines, then columns.
+void SortFindings(std::vector<Finding>* findings);
 
 // Every finding in `text`, in order of lines. There is an error exactly when
 // the library refuses the text, and the first one is on the line where it
@@ -31,6 +40,7 @@ std::vector<Finding> CheckText(std::string_view text, const std::string& file);
 //     14 | threads 4
 //        | ^~~~~~~~~
 //     hint: write "threads = 4"
+// A line that sets a password is quoted without it.
 std::string FindingReport(const Finding& finding, const std::string& file,
                           bool coloured);
 

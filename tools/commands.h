@@ -14,6 +14,7 @@ struct CheckRequest {
   std::vector<std::string> files;
   bool strict = false;  // warnings count as errors
   bool json = false;
+  bool as_agent = false;  // also what an agent start would need
 };
 int RunCheck(const CheckRequest& request);
 
@@ -32,6 +33,20 @@ struct GetRequest {
   std::optional<std::string> default_text;
 };
 int RunGet(const GetRequest& request);
+
+// A real start of an agent, against the metabase on a folder.
+struct AgentRequest {
+  std::string file;
+  bool json = false;
+};
+int RunAgent(const AgentRequest& request);
+
+// Keys and sealed passwords. `folder` holds, or is to hold, the key file.
+struct KeyRequest {
+  std::string folder;
+};
+int RunKeygen(const KeyRequest& request);
+int RunSeal(const KeyRequest& request);
 
 }  // namespace quarry::tool
 

@@ -1,6 +1,8 @@
 #include "tools/display.h"
 
 #include <algorithm>
+#include <clocale>
+#include <cwchar>
 
 namespace quarry::tool {
 
@@ -70,6 +72,20 @@ std::string Escaped(char c) {
   return {'\\', 'x', kDigits[byte >> 4U], kDigits[byte & 0xFU]};
 }
 
+bool LoadCharacterTables() {
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): the program has one thread.
+  return std::setlocale(LC_CTYPE, "C.UTF-8") != nullptr;
+}
+
+// How many columns of a terminal a character takes: two for many of East Asia,
+// none for accents that combine with the one before.
+std::size_t ColumnsOf(char32_t code) {
+  if (code < 0x80) return 1;
+  static const bool tables_loaded = LoadCharacterTables();
+  const int columns = tables_loaded ? wcwidth(static_cast<wchar_t>(code)) : 1;
+  return columns < 0 ? 1 : static_cast<std::size_t>(columns);
+}
+
 // What is shown for the front of a text, the bytes of it that this stands for,
 // and the columns that it takes.
 struct Piece {
@@ -83,7 +99,8 @@ Piece FirstPiece(std::string_view text) {
   if (character.length == 0 || !IsHarmless(character.code)) {
     return {Escaped(text[0]), 1, 4};
   }
-  return {std::string(text.substr(0, character.length)), character.length, 1};
+  return {std::string(text.substr(0, character.length)), character.length,
+          ColumnsOf(character.code)};
 }
 
 }  // namespace
@@ -114,20 +131,27 @@ std::string Quoted(std::string_view name) {
 }
 
 std::string ShellQuoted(const std::string& word) {
-  const bool plain =
-      !word.empty() && word.find_first_not_of(
-                           "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXY"
-                           "Z0123456789_./:@%+,-") == std::string::npos;
-  if (plain) return word;
-  std::string quoted = "'";
+  constexpr std::string_view kPlain =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./:@%+,-";
+  if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) {
+    return word;
+  }
+  const bool escaped = Shown(word) != word;  // $'...' takes "\x1b"
+  std::string quoted = escaped ? "$'" : "'";
   for (const char c : word) {
     if (c == '\'') {
-      quoted += "'\\''";
+      quoted += escaped ? "\\'" : "'\\''";
+    } else if (escaped && c == '\\') {
+      quoted += "\\\\";
     } else {
       quoted += c;
     }
   }
-  return quoted + '\'';
+  return Shown(quoted) + '\'';
+}
+
+std::string ShellQuotedFile(const std::string& file) {
+  return ShellQuoted(file.substr(0, 1) == "-" ? "./" + file : file);
 }
 
 Excerpt ExcerptOf(std::string_view line, std::size_t offset,
@@ -152,7 +176,8 @@ Excerpt ExcerptOf(std::string_view line, std::size_t offset,
     if (at < offset) {
       excerpt.marks.append(piece.columns, line[at] == '\t' ? '\t' : ' ');
     } else if (at == offset) {
-      excerpt.marks += '^' + std::string(piece.columns - 1, '~');
+      excerpt.marks += '^';
+      if (piece.columns > 1) excerpt.marks.append(piece.columns - 1, '~');
     } else if (at < last) {
       excerpt.marks.append(piece.columns, '~');
     }

@@ -18,8 +18,10 @@ std::string Shown(std::string_view text);
 // A name for a message: shown, cut when it is long, in double quotes.
 std::string Quoted(std::string_view name);
 
-// The word as a shell takes it whole.
+// The word as a shell takes it whole, fit for a terminal; and the name of a
+// file, which no command takes for an option then.
 std::string ShellQuoted(const std::string& word);
+std::string ShellQuotedFile(const std::string& file);
 
 // A line of a text as two lines for a terminal: the line itself and a caret
 // line under it that marks `length` bytes (at least one) from `offset` on. Tabs

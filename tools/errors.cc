@@ -1,12 +1,23 @@
 #include "tools/errors.h"
 
 #include <cstdio>
+#include <string_view>
 #include <system_error>
 
 namespace quarry::tool {
 
+namespace {
+
+constexpr std::string_view kProgram = "quarry-config: ";
+
+}  // namespace
+
+std::string ToolError::message() const {
+  return report_.substr(kProgram.size(), report_.find('\n') - kProgram.size());
+}
+
 std::string ErrorReport(const std::string& message, const std::string& hint) {
-  std::string report = "quarry-config: " + message + '\n';
+  std::string report = std::string(kProgram) + message + '\n';
   if (!hint.empty()) report += "  hint: " + hint + '\n';
   return report;
 }

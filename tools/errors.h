@@ -23,6 +23,8 @@ class ToolError {
 
   ExitStatus exit_status() const { return exit_status_; }
   const std::string& report() const { return report_; }
+  // The first line, without the program's name.
+  std::string message() const;
 
  private:
   ExitStatus exit_status_;

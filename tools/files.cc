@@ -6,7 +6,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
+#include <stdexcept>
 
+#include "platform/file_descriptor.h"
 #include "tools/display.h"
 #include "tools/errors.h"
 
@@ -14,30 +17,33 @@ namespace quarry::tool {
 
 namespace {
 
-// An open file descriptor, closed at the end unless it is standard input.
-class InputDescriptor {
- public:
-  explicit InputDescriptor(const std::string& file)
-      : descriptor_(file == "-" ? STDIN_FILENO
-                                : open(file.c_str(), O_RDONLY | O_CLOEXEC)) {}
-  ~InputDescriptor() {
-    if (descriptor_ > STDERR_FILENO) close(descriptor_);
-  }
-  InputDescriptor(const InputDescriptor&) = delete;
-  InputDescriptor& operator=(const InputDescriptor&) = delete;
-
-  int get() const { return descriptor_; }
-
- private:
-  const int descriptor_;
-};
-
-// How much to ask for first: the size of a file, else a page.
+// Room for the file and one byte more, so that the read that finds the end
+// needs no growth. No more than a size that any machine has, for what is said
+// to be larger may be sparse or a mistake.
 std::size_t FirstReadSize(int descriptor) {
+  constexpr std::size_t kLargest = 64U << 20U;
   struct stat status {};
   const bool known = fstat(descriptor, &status) == 0 && status.st_size > 0;
-  // One byte more, so that the read that finds the end needs no growth.
-  return known ? static_cast<std::size_t>(status.st_size) + 1 : 4096;
+  return known
+             ? std::min(static_cast<std::size_t>(status.st_size) + 1, kLargest)
+             : 4096;
+}
+
+std::string ReadDescriptor(int descriptor, const std::string& name) {
+  std::string text;
+  std::size_t used = 0;
+  for (std::size_t more = FirstReadSize(descriptor);;
+       more = text.size()) {  // doubles
+    text.resize(used + more);
+    std::size_t count = 0;
+    if (!platform::ReadUpTo(descriptor, &text[used], more, &count)) {
+      throw SystemError("read", name, errno);
+    }
+    used += count;
+    if (count < more) break;
+  }
+  text.resize(used);
+  return text;
 }
 
 }  // namespace
@@ -58,31 +64,23 @@ std::string DisplayName(const std::string& file) {
 }
 
 std::string ReadInput(const std::string& file) {
-  const InputDescriptor input(file);
-  if (input.get() == -1) throw SystemError("open", DisplayName(file), errno);
-
-  std::string text(FirstReadSize(input.get()), '\0');
-  std::size_t used = 0;
-  for (;;) {
-    const ssize_t got = read(input.get(), &text[used], text.size() - used);
-    if (got == -1 && errno == EINTR) continue;
-    if (got == -1) throw SystemError("read", DisplayName(file), errno);
-    if (got == 0) break;
-    used += static_cast<std::size_t>(got);
-    if (used == text.size()) text.resize(text.size() * 2);
+  const std::string name = DisplayName(file);
+  try {
+    if (file == "-") return ReadDescriptor(STDIN_FILENO, name);
+    const platform::FileDescriptor input(
+        open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (input.get() == -1) throw SystemError("open", name, errno);
+    return ReadDescriptor(input.get(), name);
+  } catch (const std::bad_alloc&) {
+    throw SystemError("read", name, ENOMEM);
+  } catch (const std::length_error&) {
+    throw SystemError("read", name, ENOMEM);
   }
-  text.resize(used);
-  return text;
 }
 
 void WriteStandardOutput(const std::string& text) {
-  std::size_t written = 0;
-  while (written < text.size()) {
-    const ssize_t count =
-        write(STDOUT_FILENO, &text[written], text.size() - written);
-    if (count == -1 && errno == EINTR) continue;
-    if (count == -1) throw SystemError("write", "standard output", errno);
-    written += static_cast<std::size_t>(count);
+  if (!platform::WriteAll(STDOUT_FILENO, text.data(), text.size())) {
+    throw SystemError("write", "standard output", errno);
   }
   // Some file systems tell only now that there was no room.
   if (close(STDOUT_FILENO) == -1 && errno != EINTR) {

@@ -27,8 +27,8 @@ std::string OriginText(const std::list<std::string>& sections,
   for (const std::string& section : sections) {
     for (const auto& [name, stored] : model->Record(section).option_map) {
       text += DisplayName(model->file()) + ':' +
-              std::to_string(origins.at(section).at(name)) + ": [" +
-              Shown(section) + "] " + Shown(name) + " = " +
+              std::to_string(origins.at(section).options.at(name).number) +
+              ": [" + Shown(section) + "] " + Shown(name) + " = " +
               Shown(stored.value) + '\n';
     }
   }
@@ -36,7 +36,8 @@ std::string OriginText(const std::list<std::string>& sections,
 }
 
 nlohmann::ordered_json SectionJson(const std::string& name,
-                                   const OptionLines* lines, ModelFile* model) {
+                                   const SectionOrigin* origin,
+                                   ModelFile* model) {
   const auto& record = model->Record(name);
   nlohmann::ordered_json section;
   AddText(&section, "name", name);
@@ -47,7 +48,9 @@ nlohmann::ordered_json SectionJson(const std::string& name,
     AddText(&option, "name", option_name);
     AddText(&option, "value", stored.value);
     AddText(&option, "comment", stored.comment);
-    if (lines != nullptr) option["line"] = lines->at(option_name);
+    if (origin != nullptr) {
+      option["line"] = origin->options.at(option_name).number;
+    }
     section["options"].push_back(std::move(option));
   }
   return section;
@@ -63,8 +66,8 @@ std::string ModelJson(const ListRequest& request,
   AddText(&document, "file", model->file());
   document["sections"] = nlohmann::ordered_json::array();
   for (const std::string& name : sections) {
-    const OptionLines* lines = request.origin ? &origins.at(name) : nullptr;
-    document["sections"].push_back(SectionJson(name, lines, model));
+    const SectionOrigin* origin = request.origin ? &origins.at(name) : nullptr;
+    document["sections"].push_back(SectionJson(name, origin, model));
   }
   return JsonText(document);
 }

@@ -2,10 +2,13 @@
 // line and the way from any failure to an exit status.
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <functional>
 #include <list>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "tools/commands.h"
 #include "tools/display.h"
@@ -21,7 +24,7 @@ namespace {
 const char kFooter[] =
     "FILE may be \"-\" for standard input; \"--\" ends the options.\n"
     "Exit status: 0 done; 1 the answer is no (errors found, option absent);\n"
-    "2 wrong usage; 3 it could not be done (file unreadable or invalid).\n";
+    "2 wrong usage; 3 it could not be done (file unreadable or invalid).";
 
 // The command line and what it asked for.
 class CommandLine {
@@ -38,20 +41,25 @@ class CommandLine {
   void AddCheck();
   void AddList();
   void AddGet();
-  void DemandKnownCommand(int argc, char** argv) const;
+  void AddAgent();
+  void AddKeyCommands();
+  void DemandKnownCommand(const std::vector<std::string>& words) const;
+  std::string UsageHint(int argc, char** argv) const;
 
   CLI::App app_{"Checks and queries configuration files.", "quarry-config"};
   std::function<int()> command_;
   CheckRequest check_;
   ListRequest list_;
   GetRequest get_;
+  AgentRequest agent_;
+  KeyRequest keygen_;
+  KeyRequest seal_;
 };
 
 CommandLine::CommandLine() {
   app_.require_subcommand(1);
   app_.footer(kFooter);
   app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
-  app_.get_formatter()->label("Subcommands", "Commands");
   app_.get_formatter()->label("REQUIRED", "");
   app_.get_formatter()->label("TEXT", "");
   app_.set_help_flag("-h,--help", "Show this help and end");
@@ -61,6 +69,8 @@ CommandLine::CommandLine() {
   AddCheck();
   AddList();
   AddGet();
+  AddAgent();
+  AddKeyCommands();
 }
 
 template <typename Request>
@@ -69,6 +79,7 @@ CLI::App* CommandLine::AddCommand(const char* name, const char* description,
                                   int (*run)(const Request&)) {
   CLI::App* const command = app_.add_subcommand(name, description);
   command->footer(kFooter);
+  command->group("Commands");
   command->callback(
       [this, request, run] { command_ = [=] { return run(*request); }; });
   return command;
@@ -80,6 +91,11 @@ void CommandLine::AddCheck() {
   command->add_option("FILE", check_.files, "Files to check")->required();
   command->add_flag("--strict", check_.strict, "Let warnings count as errors");
   command->add_flag("--json", check_.json, "Print the findings as JSON");
+  command
+      ->add_option_function<std::string>(
+          "--as", [this](const std::string&) { check_.as_agent = true; },
+          "Check also what this program needs: agent")
+      ->check(CLI::IsMember({"agent"}));
 }
 
 void CommandLine::AddList() {
@@ -104,10 +120,65 @@ void CommandLine::AddGet() {
                       "Show this text when the option is absent");
 }
 
+void CommandLine::AddAgent() {
+  CLI::App* const command =
+      AddCommand("agent", "Start an agent for a trial and show its settings",
+                 &agent_, RunAgent);
+  command->add_option("FILE", agent_.file, "The agent's file")->required();
+  command->add_flag("--json", agent_.json, "Print the settings as JSON");
+}
+
+void CommandLine::AddKeyCommands() {
+  AddCommand("keygen", "Make a key file to seal passwords with", &keygen_,
+             RunKeygen)
+      ->add_option("DIR", keygen_.folder, "Folder for the key file auth.key")
+      ->required();
+  AddCommand("seal", "Seal the password on standard input with a key", &seal_,
+             RunSeal)
+      ->add_option("DIR", seal_.folder, "Folder with the key file auth.key")
+      ->required();
+}
+
+// CLI11 takes a word in brackets for a list of words where it expects several.
+// The mark in front of such a word, and of one that has it anyway, prevents it.
+constexpr char kLiteralMark = '\x01';
+
+std::string Marked(const std::string& word) {
+  const bool marks =
+      !word.empty() && (word[0] == '[' || word[0] == kLiteralMark);
+  return marks ? kLiteralMark + word : word;
+}
+
+std::string Unmarked(const std::string& word) {
+  return !word.empty() && word[0] == kLiteralMark ? word.substr(1) : word;
+}
+
+// The words of the command line as CLI11 understands what was meant. It finds
+// no text in "--default=", but in "--default" and an empty word.
+std::vector<std::string> WordsFor(int argc, char** argv) {
+  std::vector<std::string> words;
+  bool options = true;
+  for (int i = 1; i < argc; ++i) {
+    std::string word = argv[i];
+    options = options && word != "--";
+    const bool empty_value = options && word.size() > 3 &&
+                             word.substr(0, 2) == "--" && word.back() == '=';
+    if (empty_value) word.pop_back();
+    const bool several = !words.empty() && words[0] == "check";
+    words.push_back(several ? Marked(word) : word);
+    if (empty_value) words.emplace_back();
+  }
+  return words;
+}
+
 int CommandLine::Run(int argc, char** argv) {
+  std::vector<std::string> words = WordsFor(argc, argv);
   try {
-    DemandKnownCommand(argc, argv);
-    app_.parse(argc, argv);
+    DemandKnownCommand(words);
+    std::reverse(words.begin(), words.end());  // as CLI11 wants it
+    app_.parse(words);
+    std::transform(check_.files.begin(), check_.files.end(),
+                   check_.files.begin(), Unmarked);
   } catch (const CLI::CallForHelp&) {
     const auto commands = app_.get_subcommands();
     WriteStandardOutput(commands.empty()
@@ -118,23 +189,31 @@ int CommandLine::Run(int argc, char** argv) {
     WriteStandardOutput(version.what());
     return kExitDone;
   } catch (const CLI::ParseError& error) {
-    const auto commands = app_.get_subcommands();
-    const std::string command =
-        commands.empty() ? "" : commands.front()->get_name() + ' ';
-    throw ToolError(
-        kExitUsage,
-        ErrorReport(Shown(error.what()),
-                    "see: quarry-config " + command +
-                        "--help; put \"--\" before a name or value that begins "
-                        "with \"-\""));
+    throw ToolError(kExitUsage,
+                    ErrorReport(Shown(error.what()), UsageHint(argc, argv)));
   }
   return command_();
 }
 
+std::string CommandLine::UsageHint(int argc, char** argv) const {
+  const auto commands = app_.get_subcommands();
+  std::string hint = "see: quarry-config ";
+  if (!commands.empty()) hint += commands.front()->get_name() + ' ';
+  hint += "--help";
+  const bool dashes = std::any_of(argv + 1, argv + argc, [](const char* word) {
+    return word[0] == '-' && word[1] != '\0' && word[1] != '-';
+  });
+  if (dashes) {
+    hint += "; put \"--\" before a name or value that begins with \"-\"";
+  }
+  return hint;
+}
+
 // Before CLI11 parses: its own message would not say what is wrong.
-void CommandLine::DemandKnownCommand(int argc, char** argv) const {
+void CommandLine::DemandKnownCommand(
+    const std::vector<std::string>& words) const {
   const std::string help_hint = "see: quarry-config --help";
-  const std::string name = argc > 1 ? argv[1] : "";
+  const std::string name = words.empty() ? "" : words.front();
   if (name.empty()) {
     throw ToolError(kExitUsage, ErrorReport("no command is given", help_hint));
   }

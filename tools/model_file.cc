@@ -1,9 +1,9 @@
 #include "tools/model_file.h"
 
-#include <iostream>
 #include <istream>
 #include <new>
 #include <streambuf>
+#include <utility>
 
 #include "dmconfig/config_file.h"
 #include "dmconfig/status.h"
@@ -12,6 +12,7 @@
 #include "tools/errors.h"
 #include "tools/files.h"
 #include "tools/nearest.h"
+#include "tools/silent_cerr.h"
 #include "tools/terminal.h"
 
 namespace quarry::tool {
@@ -28,19 +29,6 @@ class TextBuffer : public std::streambuf {
     char* const begin = const_cast<char*>(text.data());  // never written
     setg(begin, begin, begin + text.size());
   }
-};
-
-// Keeps the library's own diagnostics off standard error: they quote the line
-// as it is, while our findings make it visible first.
-class SilentCerr {
- public:
-  SilentCerr() : original_(std::cerr.rdbuf(nullptr)) {}
-  ~SilentCerr() { std::cerr.rdbuf(original_); }
-  SilentCerr(const SilentCerr&) = delete;
-  SilentCerr& operator=(const SilentCerr&) = delete;
-
- private:
-  std::streambuf* const original_;
 };
 
 int Load(const std::string& text, DMConfig* model) {
@@ -70,14 +58,21 @@ std::string NearestHint(const std::string& wanted,
   return hint.empty() ? "see all names with: " + list_command : hint;
 }
 
-std::string ListCommand(const std::string& file) {
-  return "quarry-config list " + Shown(ShellQuoted(file));
+std::string ListCommand(const std::string& file,
+                        const std::string& section = "") {
+  std::string command = "quarry-config list ";
+  if (section.substr(0, 1) == "-") command += "-- ";
+  command += ShellQuotedFile(file);
+  return section.empty() ? command : command + ' ' + ShellQuoted(section);
 }
 
 }  // namespace
 
 ModelFile::ModelFile(const std::string& file)
-    : file_(file), text_(ReadInput(file)) {
+    : ModelFile(file, ReadInput(file)) {}
+
+ModelFile::ModelFile(std::string file, std::string text)
+    : file_(std::move(file)), text_(std::move(text)) {
   const int status = Load(text_, &model_);
   if (status == storage::dmconfig::kStatusOk) return;
   if (status == storage::dmconfig::kStatusInvalidLine) {
@@ -90,6 +85,10 @@ std::list<std::string> ModelFile::Sections() {
   std::list<std::string> sections;
   model_.GetSectionList(&sections);
   return sections;
+}
+
+bool ModelFile::HasSection(const std::string& section) {
+  return model_.HasSection(section) == storage::dmconfig::kStatusOk;
 }
 
 std::string ModelFile::StoredName(const std::string& section) {
@@ -110,7 +109,7 @@ std::list<std::string> ModelFile::Options(const std::string& section) {
 
 bool ModelFile::Has(const std::string& section, const std::string& option) {
   std::string value, comment;
-  return model_.HasSection(section) == storage::dmconfig::kStatusOk &&
+  return HasSection(section) &&
          model_.GetOptionValue(section, option, &value, &comment) ==
              storage::dmconfig::kStatusOk;
 }
@@ -130,7 +129,7 @@ const storage::dmconfig::SectionOptionMap& ModelFile::Record(
 }
 
 void ModelFile::DemandSection(const std::string& section) {
-  if (model_.HasSection(section) == storage::dmconfig::kStatusOk) return;
+  if (HasSection(section)) return;
   throw ToolError(
       kExitNo,
       ErrorReport(DisplayName(file_) + ": no section " + Quoted(section),
@@ -140,8 +139,7 @@ void ModelFile::DemandSection(const std::string& section) {
 void ModelFile::ThrowNoOption(const std::string& section,
                               const std::string& option) {
   std::string hint =
-      NearestHint(option, Options(section),
-                  ListCommand(file_) + ' ' + Shown(ShellQuoted(section)));
+      NearestHint(option, Options(section), ListCommand(file_, section));
   for (const std::string& other : Sections()) {
     if (!Has(other, option)) continue;
     hint = "section " + Quoted(other) + " has an option of this name";

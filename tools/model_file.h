@@ -14,12 +14,16 @@ class ModelFile {
   // Reads and loads the file, "-" being standard input. Throws ToolError: when
   // it cannot be read, and with all of check's errors when it is not valid.
   explicit ModelFile(const std::string& file);
+  // The same for a text that has been read already.
+  ModelFile(std::string file, std::string text);
 
   const std::string& file() const { return file_; }
   const std::string& text() const { return text_; }
 
   // All names, in order of creation.
   std::list<std::string> Sections();
+
+  bool HasSection(const std::string& section);
 
   // An absent section throws ToolError (kExitNo) that names the nearest ones;
   // so does GetValue for an absent option. StoredName is the section's name as

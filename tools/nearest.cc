@@ -9,6 +9,7 @@ namespace quarry::tool {
 namespace {
 
 constexpr std::size_t kMostNames = 3;
+constexpr std::size_t kLongestName = 100;  // longer ones were never typed
 
 std::string Folded(std::string text) {
   for (char& c : text) {
@@ -37,24 +38,35 @@ std::size_t EditDistance(const std::string& left, const std::string& right) {
   return row.back();
 }
 
-// How far apart two folded names are; a name that begins with the other one is
-// as near as one typing mistake.
-std::size_t Distance(const std::string& wanted, const std::string& name) {
-  const std::size_t shorter = std::min(wanted.size(), name.size());
-  const bool begins =
-      shorter >= 3 && wanted.compare(0, shorter, name, 0, shorter) == 0;
-  return begins ? 1 : EditDistance(wanted, name);
+// Whether one of two folded names begins with the other one: as near as one
+// typing mistake.
+bool OneBeginsTheOther(const std::string& left, const std::string& right) {
+  const std::size_t shorter = std::min(left.size(), right.size());
+  return shorter >= 3 && left.compare(0, shorter, right, 0, shorter) == 0;
+}
+
+// How far apart two folded names are; anything above `farthest` when they are
+// farther than that.
+std::size_t Distance(const std::string& left, const std::string& right,
+                     std::size_t farthest) {
+  if (OneBeginsTheOther(left, right)) return 1;
+  const std::size_t difference = left.size() > right.size()
+                                     ? left.size() - right.size()
+                                     : right.size() - left.size();
+  return difference > farthest ? difference : EditDistance(left, right);
 }
 
 }  // namespace
 
 std::vector<std::string> NearestNames(const std::string& wanted,
                                       const std::list<std::string>& names) {
+  if (wanted.size() > kLongestName) return {};
   const std::string folded = Folded(wanted);
   const std::size_t farthest = 1 + wanted.size() / 4;
   std::vector<std::pair<std::size_t, std::string>> near;
   for (const std::string& name : names) {
-    const std::size_t distance = Distance(folded, Folded(name));
+    if (name.size() > kLongestName) continue;
+    const std::size_t distance = Distance(folded, Folded(name), farthest);
     if (distance <= farthest) near.emplace_back(distance, name);
   }
   std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) {

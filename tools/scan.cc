@@ -8,16 +8,10 @@ using storage::dmconfig::ParseHeader;
 using storage::dmconfig::ParseOption;
 using storage::dmconfig::WithoutLeadingBlanks;
 
-namespace {
-
-// A header that only a byte-order mark hides. The mark is refused; that every
-// option after it stands in no section would be noise.
 bool IsMarkedHeader(std::string_view text) {
   return text.substr(0, kByteOrderMark.size()) == kByteOrderMark &&
          text.substr(kByteOrderMark.size(), 1) == "[";
 }
-
-}  // namespace
 
 bool TextScanner::Next(ScannedLine* line) {
   if (rest_.empty()) return false;
@@ -31,7 +25,8 @@ bool TextScanner::Next(ScannedLine* line) {
   line->kind = KindOf(line->text);
   if (line->kind == LineKind::kHeader) {
     line->header = ParseHeader(line->text);
-    in_section_ = true;  // also after a faulty one, for the same reason
+    in_section_ =
+        true;  // also after a faulty one: what follows is meant to be in it
   }
   if (line->kind == LineKind::kOption) {
     line->option = ParseOption(line->text, in_section_);
@@ -42,15 +37,16 @@ bool TextScanner::Next(ScannedLine* line) {
 
 OriginMap FindOrigins(std::string_view text) {
   OriginMap origins;
-  OptionLines before_any_section;  // stays empty: the text is valid
-  OptionLines* section = &before_any_section;
+  SectionOrigin before_any_section;  // stays empty: the text is valid
+  SectionOrigin* section = &before_any_section;
   TextScanner scanner(text);
   for (ScannedLine line; scanner.Next(&line);) {
     if (line.kind == LineKind::kHeader) {
       section = &origins[std::string(line.header.name)];
+      if (section->header.number == 0) section->header = line;
     }
     if (line.kind == LineKind::kOption) {
-      (*section)[std::string(line.option.name)] = line.number;
+      section->options[std::string(line.option.name)] = line;
     }
   }
   return origins;

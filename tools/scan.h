@@ -15,6 +15,10 @@ namespace quarry::tool {
 
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+// Whether the line is a header that only a byte-order mark hides. The mark is
+// refused; that every option after it stands in no section would be noise.
+bool IsMarkedHeader(std::string_view text);
+
 // All views are into the text.
 struct ScannedLine {
   std::size_t number = 0;  // from 1
@@ -39,12 +43,15 @@ class TextScanner {
   bool in_section_ = false;
 };
 
-// For every option of a valid text the number of the line that counts, which is
-// the last one that sets it; by section and option.
-using OptionLines =
-    std::map<std::string, std::size_t, storage::dmconfig::StringCaseCmp>;
+// Where a valid text has its sections, and its options by section: the first
+// header of each and the line that counts of each, which is the last one that
+// sets it.
+struct SectionOrigin {
+  ScannedLine header;
+  std::map<std::string, ScannedLine, storage::dmconfig::StringCaseCmp> options;
+};
 using OriginMap =
-    std::map<std::string, OptionLines, storage::dmconfig::StringCaseCmp>;
+    std::map<std::string, SectionOrigin, storage::dmconfig::StringCaseCmp>;
 OriginMap FindOrigins(std::string_view text);
 
 }  // namespace quarry::tool

@@ -8,16 +8,18 @@
 #include <cstring>
 
 #include "dmconfig/config.h"
+#include "platform/cr_runtime.h"
 
 namespace quarry::tool {
 
 namespace {
 
-// The file behind the SONAME; its name ends in the library's version.
-std::string ConfigLibraryFile() {
-  const auto member = &storage::dmconfig::DMConfig::Reset;
+// The file of the library that defines `function`. Behind the SONAME; the name
+// of ours ends in the library's version.
+template <typename Function>
+std::string LibraryFileOf(Function function) {
   void* address = nullptr;  // the first word of a pointer to a plain member
-  std::memcpy(&address, &member, sizeof address);
+  std::memcpy(&address, &function, sizeof address);
   Dl_info info = {};
   if (dladdr(address, &info) == 0) return "unknown";
   char path[PATH_MAX];
@@ -28,8 +30,10 @@ std::string ConfigLibraryFile() {
 
 std::string VersionText() {
   return std::string("quarry-config ") + QUARRY_VERSION +
-         "\nlibquarry_config: " + ConfigLibraryFile() + "\nlibsodium " +
-         sodium_version_string() + '\n';
+         "\nlibquarry_config: " +
+         LibraryFileOf(&storage::dmconfig::DMConfig::Reset) +
+         "\nlibquarry_platform: " + LibraryFileOf(&CRStatusToStringA) +
+         "\nlibsodium " + sodium_version_string() + '\n';
 }
 
 }  // namespace quarry::tool

@@ -5,7 +5,7 @@
 
 namespace quarry::tool {
 
-// The program's version, the library file that this process really uses, and
+// The program's version, the library files that this process really uses, and
 // the version of libsodium; a line each.
 std::string VersionText();
 

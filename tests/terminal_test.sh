@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# terminal_test.sh PROGRAM: colours and the closing count are for terminals only.
+# Exit status 77: there are no pseudo-terminals here.
+set -euo pipefail
+program=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+printf '[s]\nx=1 # y\n' >warn.conf
+printf '[s]\nx=1\n' >good.conf
+printf '[s]\n= 1\n[t\n' >bad.conf
+script -qec true /dev/null >/dev/null 2>&1 </dev/null || exit 77
+
+# What `check` shows on a terminal, with the given variables set.
+on_terminal() {
+  env -u NO_COLOR "$1" script -qec "'$program' check $2" /dev/null </dev/null | tr -d '\r' || true
+}
+expect() { # TEXT PATTERN
+  grep -qF -- "$2" <<<"$1" || { printf 'no "%s" in:\n%s\n' "$2" "$1"; exit 1; }
+}
+escape=$(printf '\033')
+
+plain=$(on_terminal TERM=dumb warn.conf)
+expect "$plain" 'warn.conf:2:5: warning: this is part of the value'
+expect "$plain" '1 file, no errors, 1 warning'
+[ "${plain/"$escape"/}" = "$plain" ]
+[ "$(TERM=xterm on_terminal NO_COLOR=1 warn.conf)" = "$plain" ]
+[ "$(on_terminal TERM= warn.conf)" = "$plain" ]
+[ "$(on_terminal TERM=dumb good.conf)" = '1 file, no errors' ]
+expect "$(on_terminal TERM=dumb 'bad.conf warn.conf none')" '2 files, 2 errors, 1 not read, 1 warning'
+
+coloured=$(on_terminal TERM=xterm warn.conf)
+expect "$coloured" "${escape}[1;35mwarning: ${escape}[0mthis is part"
+expect "$(on_terminal TERM=xterm bad.conf)" "${escape}[1;31moption name is empty${escape}[0m"
+
+# Standard output alone elsewhere: coloured still, but no count.
+aside=$(on_terminal TERM=xterm 'warn.conf >sum; cat sum')
+expect "$aside" "${escape}[1;35mwarning"
+[ "${aside/1 file/}" = "$aside" ]

@@ -1,0 +1,136 @@
+#include "tools/agent_settings.h"
+
+#include <unistd.h>
+
+#include "platform/config_names.h"
+#include "platform/cr_runtime.h"
+#include "platform/sealed_password.h"
+#include "tools/display.h"
+#include "tools/nearest.h"
+
+namespace quarry::tool {
+
+namespace names = ::storage::config;
+
+namespace {
+
+std::string SettingValue(const char* accessor, ModelFile* model) {
+  const AgentSetting& setting = AgentSettingOf(accessor);
+  return model->GetValue(setting.section, setting.option);
+}
+
+std::string KeyFolder(ModelFile* model) {
+  return SettingValue("ssl_key_dir", model);
+}
+
+std::string KeyFile(ModelFile* model) { return KeyFolder(model) + "/auth.key"; }
+
+std::string CommandOn(const char* command, const std::string& folder) {
+  return std::string("quarry-config ") + command + ' ' +
+         ShellQuotedFile(folder);
+}
+
+std::list<std::string> OptionsOf(const std::string& section, ModelFile* model) {
+  return model->HasSection(section) ? model->Options(section)
+                                    : std::list<std::string>();
+}
+
+}  // namespace
+
+const std::vector<AgentSetting>& AgentSettings() {
+  static const std::vector<AgentSetting> settings = [] {
+    struct Names {
+      const char* accessor;
+      std::size_t section, entry;
+    };
+    const Names all[] = {
+        {"cr_login", names::kSectionCr, names::kEntryLogin},
+        {"cr_password", names::kSectionCr, names::kEntryPassword},
+        {"ssl_key_dir", names::kSectionSsl, names::kEntryKeyDir},
+        {"ledger_url", names::kSectionLedger, names::kEntryUrl},
+        {"metabase_url", names::kSectionMetabase, names::kEntryUrl},
+        {"ctrl_address", names::kSectionControl, names::kEntryAddress},
+        {"numeric_option", names::kSectionAgent, names::kEntryNumericOption},
+    };
+    std::vector<AgentSetting> filled;
+    for (const Names& one : all) {
+      filled.push_back({one.accessor, names::SectionName(one.section),
+                        names::EntryName(one.entry),
+                        one.entry != names::kEntryNumericOption});
+    }
+    return filled;
+  }();
+  return settings;
+}
+
+const AgentSetting& AgentSettingOf(const std::string& accessor) {
+  for (const AgentSetting& setting : AgentSettings()) {
+    if (setting.accessor == accessor) return setting;
+  }
+  return AgentSettings().front();  // no caller asks for another name
+}
+
+Advice AbsentSettingAdvice(const AgentSetting& setting, ModelFile* model) {
+  std::string hint = "add \"" + setting.option + " = ...\" to section [" +
+                     setting.section + "]";
+  const auto near =
+      NearestNames(setting.option, OptionsOf(setting.section, model));
+  const auto near_sections = NearestNames(setting.section, model->Sections());
+  if (!near.empty()) {
+    hint += "; " + Quoted(near.front()) + " there looks like it";
+  } else if (!model->HasSection(setting.section) && !near_sections.empty()) {
+    hint += "; section " + Quoted(near_sections.front()) + " looks like it";
+  }
+  return {"an agent start needs option " + Quoted(setting.option) +
+              " in section " + Quoted(setting.section),
+          hint};
+}
+
+int TryPassword(ModelFile* model) {
+  platform::SecretBytes out(platform::kLongestPassword + 1);
+  if (out.data() == nullptr) return kDecryptNoCrypto;
+  const std::string stored = SettingValue("cr_password", model);
+  return DecryptPasswdWithKey(KeyFile(model).c_str(), stored.c_str(),
+                              out.text(), out.size());
+}
+
+Advice PasswordAdvice(int result, ModelFile* model) {
+  const std::string file = Quoted(KeyFile(model));
+  const std::string folder = KeyFolder(model);
+  const std::string seal =
+      "seal the password and set it again: " + CommandOn("seal", folder);
+  switch (result) {
+    case kDecryptNoKeyFile:
+      if (access(KeyFile(model).c_str(), F_OK) == 0) {
+        return {"key file " + file + " cannot be read",
+                "start as the user that the key file belongs to"};
+      }
+      return {"there is no key file " + file,
+              "set [" + AgentSettingOf("ssl_key_dir").section + "] " +
+                  AgentSettingOf("ssl_key_dir").option +
+                  " to the folder that has it, or make a key: " +
+                  CommandOn("keygen", folder)};
+    case kDecryptKeyTooOpen:
+      return {"key file " + file + " is open to others",
+              "let nobody but its user own and read it: chmod 600 " +
+                  ShellQuotedFile(KeyFile(model))};
+    case kDecryptNotAKeyFile:
+      return {file + " is not a key file",
+              "bring back the right one, or make a key in another folder: "
+              "quarry-config keygen FOLDER"};
+    case kDecryptNotSealed:
+      return {"the password is not sealed", seal};
+    case kDecryptOtherKey:
+      return {"the password is sealed with another key than " + file, seal};
+    case kDecryptDamaged:
+      return {"the sealed password is damaged", seal};
+    case kDecryptTooLong:
+      return {"the password is longer than an agent can take", seal};
+    default:
+      return {"the password cannot be decrypted (result " +
+                  std::to_string(result) + ")",
+              ""};
+  }
+}
+
+}  // namespace quarry::tool
