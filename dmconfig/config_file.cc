@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <iostream>
+#include <list>
 #include <string_view>
 
 #include "dmconfig/line.h"
@@ -116,6 +117,81 @@ int TextReader::ReadOption(std::string_view line) {
   return kStatusOk;
 }
 
+// Writes one model to one stream.
+class TextWriter {
+ public:
+  TextWriter(std::ostream* out, DMConfig* model) : out_(out), model_(model) {}
+
+  int WriteAll();
+
+ private:
+  int WriteSection(const std::string& name);
+  int WriteOptions(const SectionOptionMap& record);
+  void WriteComment(const std::string& comment);
+  void WriteLine();
+
+  std::ostream* const out_;
+  DMConfig* const model_;
+  std::string line_;  // being put together; kept for its memory
+};
+
+int TextWriter::WriteAll() {
+  std::list<std::string> sections;
+  int status = model_->GetSectionList(&sections);
+  for (const std::string& name : sections) {
+    if (name.empty()) {
+      std::cerr << "Failed to get option list for section: " << name
+                << std::endl;
+      return kStatusInvalidArgument;
+    }
+    const int section_status = WriteSection(name);
+    if (status == kStatusOk) status = section_status;
+    if (out_->fail()) return kStatusStreamFailed;
+  }
+  return status;
+}
+
+int TextWriter::WriteSection(const std::string& name) {
+  const SectionOptionMap& record = *model_->GetOptionMap(name);
+  WriteComment(record.comment);
+  line_.append(1, '[').append(name).append(1, ']');
+  WriteLine();
+  return WriteOptions(record);
+}
+
+int TextWriter::WriteOptions(const SectionOptionMap& record) {
+  for (const auto& [name, stored] : record.option_map) {
+    if (out_->fail()) return kStatusStreamFailed;
+    if (name.empty()) {
+      std::cerr << "Failed to get value for option: " << name << std::endl;
+      return kStatusInvalidArgument;
+    }
+    WriteComment(stored.comment);
+    line_.append(name).append(1, '=').append(stored.value);
+    WriteLine();
+  }
+  return kStatusOk;
+}
+
+// Only the first character decides; a later line may lack a marker.
+void TextWriter::WriteComment(const std::string& comment) {
+  if (comment.empty()) return;
+  if (KindOf(comment) != LineKind::kComment) line_ += '#';
+  line_ += comment;
+  WriteLine();
+}
+
+// Ends what was put together and writes it, a line of it at a time.
+void TextWriter::WriteLine() {
+  line_ += '\n';
+  for (std::string_view rest = line_; !rest.empty();) {
+    const std::size_t size = rest.find('\n') + 1;
+    out_->write(rest.data(), static_cast<std::streamsize>(size)).flush();
+    rest.remove_prefix(size);
+  }
+  line_.clear();
+}
+
 }  // namespace
 
 DMConfigFile::DMConfigFile(const std::string& input_file,
@@ -138,6 +214,26 @@ int DMConfigFile::LoadConfig(std::istream* in, DMConfig* config) {
     return kStatusStreamFailed;
   }
   return TextReader(in, config).ReadAll();
+}
+
+int DMConfigFile::DumpConfig(DMConfig* model) {
+  if (output_file_.empty() || model == nullptr) return kStatusInvalidArgument;
+  std::ofstream file(output_file_);
+  return DumpConfig(&file, model);
+}
+
+int DMConfigFile::DumpConfig(std::ostream* out, DMConfig* model) {
+  if (out == nullptr || model == nullptr) return kStatusInvalidArgument;
+  if (out->rdstate() != std::ios_base::goodbit) {
+    std::cerr << "Failed to open file: " << output_file_ << std::endl;
+    return kStatusStreamFailed;
+  }
+  const int status = TextWriter(out, model).WriteAll();
+  if (out->fail()) {
+    std::cerr << "Failed to write file: " << output_file_ << std::endl;
+    return kStatusStreamFailed;
+  }
+  return status;
 }
 
 }  // namespace quarry::storage::dmconfig

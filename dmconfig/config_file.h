@@ -1,4 +1,5 @@
-// DMConfigFile reads configuration text into a DMConfig (dmconfig/config.h).
+// DMConfigFile reads configuration text into a DMConfig (dmconfig/config.h) and
+// writes it.
 //
 //   DMConfig model;
 //   DMConfigFile file("/etc/quarry/agent.conf", "");
@@ -25,6 +26,13 @@
 // an option line. Any other byte is taken as it is; lines may be of any length.
 //
 // Reading stops at the first line that is none of these.
+//
+// Written text has the sections in order of creation and their options in order
+// of names, "[section]" and "name=value" without blanks, and nothing between.
+// A comment stands above what it belongs to; "#" is put in front of one whose
+// first character is neither "#" nor ";", so one that was read (it begins with
+// a line feed) gains the line "#" at its top. Texts are written as they are: it
+// is the caller's affair that names and values read back as they were.
 #ifndef QUARRY_DMCONFIG_CONFIG_FILE_H_
 #define QUARRY_DMCONFIG_CONFIG_FILE_H_
 
@@ -81,6 +89,35 @@ class QUARRY_EXPORT DMConfigFile {
   // Throws only what the stream (when its exception mask is set) or an
   // allocation throws; the model then holds what was stored before.
   int LoadConfig(std::istream* in, DMConfig* config);
+
+  // Writes the model to the file named `output_file`, which is emptied or
+  // created. Returns as the second form does, -4 when the file cannot be
+  // opened, and -1 also when the name is empty; on -1 no file is touched. The
+  // file is replaced in place: where it must never be half written, write to
+  // another one and rename that.
+  int DumpConfig(DMConfig* model);
+
+  // Writes the model to `*out` from where it stands, and flushes after every
+  // line. Both are borrowed; the model is not changed. A model that has many
+  // lines is written faster to a std::ostringstream first. Returns
+  //    0  everything was written
+  //   -1  a null pointer; nothing is written
+  //   -4  the stream was not good() at the start, and nothing is written, or it
+  //       failed meanwhile, and writing stopped there
+  //   -1  a section or option name is empty (such names come only by way of
+  //       GetOptionMap). At a section writing stops; of an option's section the
+  //       rest is left out, and the status is returned at the end
+  //
+  // Failures but for null pointers also write one line to std::cerr, each
+  // message followed by the name that it is about:
+  //   "Failed to open file: "                        the output file's name
+  //   "Failed to write file: "                       the output file's name
+  //   "Failed to get option list for section: "      the section's
+  //   "Failed to get value for option: "             the option's
+  //
+  // Throws only what the stream (when its exception mask is set) or an
+  // allocation throws.
+  int DumpConfig(std::ostream* out, DMConfig* model);
 
  private:
   std::string input_file_;

@@ -150,6 +150,13 @@ TEST(Exhaustion, LeavesTheModelWhole) {
        {kBefore}},
       {"DelOption of a new section", [&](auto* m) { return m->DelOption(kName, "o"); }, {0}, {kBefore}},
       {"DelOptionComment of a new section", [&](auto* m) { return m->DelOptionComment(kName, "o"); }, {0}, {kBefore}},
+      {"DumpConfig",
+       [&](auto* m) {
+         std::ostringstream out;
+         return DMConfigFile("", "").DumpConfig(&out, m);
+       },
+       {kThrown, -4},
+       {kBefore}},
   };
   for (const ExhaustionCase& c : cases) {
     Sweep(c, [](DMConfig* model) {
