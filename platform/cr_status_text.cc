@@ -18,7 +18,8 @@ extern "C" const char* CRStatusToStringA(cr_status_t status) {
     case kLedgerTableMissing:
       return "the ledger folder lacks r.rt or c.rt";
     case kLedgerTableUnreadable:
-      return "r.rt or c.rt in the ledger folder cannot be read";
+      return "r.rt or c.rt in the ledger folder cannot be read, or changed "
+             "meanwhile";
     case kRoutingTargetIsFolder:
       return "a folder stands where a routing table belongs";
     case kRoutingTargetFailed:

@@ -21,6 +21,12 @@ class FileDescriptor {
 
   int get() const { return descriptor_; }
 
+  // Closes what is open and owns another one.
+  void Reset(int descriptor) {
+    Close();
+    descriptor_ = descriptor;
+  }
+
   // Closes early; false with errno when the system reports that data was lost.
   bool Close() {
     if (descriptor_ == -1) return true;

@@ -22,6 +22,10 @@ namespace {
 
 constexpr std::string_view kScheme = "file://";
 
+bool SameTime(const timespec& left, const timespec& right) {
+  return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
 // A private copy of one routing table, waiting beside its target. Removed
 // unless it has been put in place.
 class PendingTable {
@@ -29,7 +33,10 @@ class PendingTable {
   explicit PendingTable(const std::string& target)
       : target_(target),
         folder_(target.substr(0, target.rfind('/') + 1)),
-        copy_(folder_ + ".quarry-table-XXXXXX") {}
+        copy_(folder_ + ".quarry-table-XXXXXX"),
+        folder_descriptor_(open(folder_.empty() ? "." : folder_.c_str(),
+                                O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+        out_(-1) {}
   ~PendingTable() {
     if (made_) unlink(copy_.c_str());
   }
@@ -40,11 +47,14 @@ class PendingTable {
   cr_status_t PutInPlace();
 
  private:
+  cr_status_t Make();
   cr_status_t Fill(int source);
 
   const std::string target_;
   const std::string folder_;  // ends in "/", or is empty
   std::string copy_;
+  FileDescriptor folder_descriptor_;
+  FileDescriptor out_;
   bool made_ = false;
 };
 
@@ -58,26 +68,39 @@ cr_status_t PendingTable::CopyFrom(const std::string& source) {
   if (fstat(in.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return kLedgerTableUnreadable;
   }
+  const cr_status_t made = Make();
+  if (made != 0) return made;
+  const cr_status_t filled = Fill(in.get());
+  if (filled != 0) return filled;
+  struct stat after {};
+  const bool unchanged = fstat(in.get(), &after) == 0 &&
+                         after.st_size == status.st_size &&
+                         SameTime(after.st_mtim, status.st_mtim) &&
+                         SameTime(after.st_ctim, status.st_ctim);
+  return unchanged ? 0 : kLedgerTableUnreadable;
+}
+
+cr_status_t PendingTable::Make() {
+  struct stat status {};
   if (lstat(target_.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
     return kRoutingTargetIsFolder;
   }
-  return Fill(in.get());
+  if (folder_descriptor_.get() == -1) return kRoutingTargetFailed;
+  // Opened exclusively with mode 0600.
+  out_.Reset(mkostemp(copy_.data(), O_CLOEXEC));
+  made_ = out_.get() != -1;
+  return made_ ? 0 : kRoutingTargetFailed;
 }
 
 cr_status_t PendingTable::Fill(int source) {
-  // Opened exclusively with mode 0600.
-  FileDescriptor out(mkostemp(copy_.data(), O_CLOEXEC));
-  if (out.get() == -1) return kRoutingTargetFailed;
-  made_ = true;
-
   std::array<char, 65536> bytes;
   for (std::size_t size = bytes.size(); size == bytes.size();) {
     if (!ReadUpTo(source, bytes.data(), bytes.size(), &size)) {
       return kLedgerTableUnreadable;
     }
-    if (!WriteAll(out.get(), bytes.data(), size)) return kRoutingTargetFailed;
+    if (!WriteAll(out_.get(), bytes.data(), size)) return kRoutingTargetFailed;
   }
-  const bool on_disk = fsync(out.get()) == 0 && out.Close();
+  const bool on_disk = fsync(out_.get()) == 0 && out_.Close();
   return on_disk ? 0 : kRoutingTargetFailed;
 }
 
@@ -86,9 +109,7 @@ cr_status_t PendingTable::PutInPlace() {
     return kRoutingTargetFailed;
   }
   made_ = false;
-  const FileDescriptor folder(open(folder_.empty() ? "." : folder_.c_str(),
-                                   O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  const bool on_disk = folder.get() != -1 && fsync(folder.get()) == 0;
+  const bool on_disk = fsync(folder_descriptor_.get()) == 0;
   return on_disk ? 0 : kRoutingTargetFailed;
 }
 

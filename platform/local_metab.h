@@ -32,7 +32,9 @@ class QUARRY_EXPORT LocalMetab : public LibMetabInterface {
   // whole. A symbolic link at a target is replaced, never followed. Neither
   // target is touched before both copies are complete; a failure between the
   // two renames leaves the first one new and returns kRoutingTargetFailed.
-  // A status other than 0 leaves no other file behind.
+  // A table that changes while it is copied is refused; exchange tables by
+  // rename. A status other than 0 leaves no other file behind; a process that
+  // is killed may leave ".quarry-table-" and six characters beside a target.
   cr_status_t GetRoutingTables(const std::string& ledger_url,
                                const std::string& cr_login,
                                const std::string& cr_password,

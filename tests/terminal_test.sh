@@ -37,3 +37,30 @@ expect "$(on_terminal TERM=xterm bad.conf)" "${escape}[1;31moption name is empty
 aside=$(on_terminal TERM=xterm 'warn.conf >sum; cat sum')
 expect "$aside" "${escape}[1;35mwarning"
 [ "${aside/1 file/}" = "$aside" ]
+
+# seal asks twice, shows nothing of what is typed, and leaves the echo on.
+mkdir -m 700 keys
+"$program" keygen keys 2>/dev/null
+# Types each line once the prompt for it is there.
+seal_on_terminal() { # FIRST SECOND
+  mkfifo typed
+  exec 5<>typed
+  rm -f session sealed
+  script -qefc "'$program' seal keys >sealed; stty -a | grep -o ' -*echo '" session <typed >/dev/null 2>&1 &
+  for prompt in 'Password to seal' 'The same again'; do
+    for _ in $(seq 100); do grep -qs -e "$prompt" -e refused session && break; sleep 0.1; done
+    printf '%s\n' "$1" >&5
+    shift
+  done
+  wait $! || true
+  exec 5>&-
+  rm typed
+}
+seal_on_terminal hunter2-secret hunter2-secret
+[ "$(wc -c <sealed)" = 155 ]
+! grep hunter session || exit 1
+grep -q ' echo ' session
+seal_on_terminal hunter2-secret hunter3-secret
+expect "$(cat session)" 'the two passwords differ'
+[ ! -s sealed ]
+grep -q ' echo ' session

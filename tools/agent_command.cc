@@ -1,4 +1,5 @@
 #include <sodium.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <memory>
@@ -111,6 +112,7 @@ std::unique_ptr<AgentCfg> StartAgent(const std::string& file) {
   const auto metab = std::make_shared<LocalMetab>();
   try {
     const SilentCerr silent;
+    const SignalsHeld held;
     return std::make_unique<AgentCfg>(metab, file);
   } catch (const Cr_ErrnoException& error) {
     ThrowStartFailed(error, file);
@@ -216,14 +218,23 @@ std::string SettingsJson(const AgentCfg& cfg,
   return JsonText(document);
 }
 
+// The file is read again to tell where the settings stand, which a pipe does
+// not allow. That there is no file is the start's affair.
+void DemandRegularFile(const std::string& file) {
+  struct stat status {};
+  const bool other =
+      stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+  if (file != "-" && !other) return;
+  throw ToolError(kExitUsage,
+                  ErrorReport("an agent starts from a regular file, not from " +
+                                  DisplayName(file),
+                              "save the text and give the file's name"));
+}
+
 }  // namespace
 
 int RunAgent(const AgentRequest& request) {
-  if (request.file == "-") {
-    throw ToolError(kExitUsage,
-                    ErrorReport("an agent starts from a file that has a name",
-                                "save the text and give the file's name"));
-  }
+  DemandRegularFile(request.file);
   ForbidCoreDumps();
   const std::unique_ptr<AgentCfg> cfg = StartAgent(request.file);
   ModelFile model(request.file);

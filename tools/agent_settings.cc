@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <list>
+
 #include "platform/config_names.h"
 #include "platform/cr_runtime.h"
 #include "platform/sealed_password.h"
@@ -23,7 +26,13 @@ std::string KeyFolder(ModelFile* model) {
   return SettingValue("ssl_key_dir", model);
 }
 
-std::string KeyFile(ModelFile* model) { return KeyFolder(model) + "/auth.key"; }
+// As a start forms it: up to a NUL, and cut.
+std::string KeyFile(ModelFile* model) {
+  constexpr std::size_t kLongestPath = 4094;
+  const std::string folder = KeyFolder(model);
+  return (folder.substr(0, folder.find('\0')) + "/auth.key")
+      .substr(0, kLongestPath);
+}
 
 std::string CommandOn(const char* command, const std::string& folder) {
   return std::string("quarry-config ") + command + ' ' +
@@ -86,40 +95,89 @@ Advice AbsentSettingAdvice(const AgentSetting& setting, ModelFile* model) {
           hint};
 }
 
-int TryPassword(ModelFile* model) {
+namespace {
+
+using Decrypt = int(const char* key_file, const char* stored, char* out,
+                    std::size_t capacity);
+
+int TryWith(Decrypt* decrypt, ModelFile* model) {
   platform::SecretBytes out(platform::kLongestPassword + 1);
   if (out.data() == nullptr) return kDecryptNoCrypto;
   const std::string stored = SettingValue("cr_password", model);
-  return DecryptPasswdWithKey(KeyFile(model).c_str(), stored.c_str(),
-                              out.text(), out.size());
+  return decrypt(KeyFile(model).c_str(), stored.c_str(), out.text(),
+                 out.size());
+}
+
+// With our own code. Only when the platform library gives the same result do
+// its numbers mean what ours do.
+int TryOwnPassword(ModelFile* model) {
+  return TryWith(
+      [](const char* key_file, const char* stored, char* out,
+         std::size_t capacity) -> int {
+        return platform::OpenPassword(key_file, stored, out, capacity);
+      },
+      model);
+}
+
+Advice NoKeyFileAdvice(ModelFile* model) {
+  const std::string file = KeyFile(model);
+  const std::string folder = KeyFolder(model);
+  const AgentSetting& key_dir = AgentSettingOf("ssl_key_dir");
+  const std::string setting = "[" + key_dir.section + "] " + key_dir.option;
+  if (access(file.c_str(), F_OK) == 0 ||
+      (errno != ENOENT && errno != ENOTDIR)) {
+    return {"key file " + Quoted(file) + " cannot be read",
+            "start as the user that the key file and its folder belong to"};
+  }
+  std::string hint = "set " + setting + " to the folder that has it";
+  if (!folder.empty()) {
+    hint += ", or make a key: ";
+    if (access(folder.c_str(), F_OK) != 0) {
+      hint += "mkdir -m 700 " + ShellQuotedFile(folder) + " && ";
+    }
+    hint += CommandOn("keygen", folder);
+  }
+  return {"there is no key file " + Quoted(file), hint};
+}
+
+}  // namespace
+
+int TryPassword(ModelFile* model) {
+  return TryWith(DecryptPasswdWithKey, model);
+}
+
+DecryptResult TryKey(ModelFile* model) {
+  return platform::SealingKey().Load(KeyFile(model).c_str());
+}
+
+std::string OpenKeyHint(const std::string& key_file) {
+  return "let only the agent's user own and read it: chown, and chmod 600 " +
+         ShellQuotedFile(key_file) + "; then try again as that user";
 }
 
 Advice PasswordAdvice(int result, ModelFile* model) {
+  if (result == TryOwnPassword(model)) return AdviceOn(result, model);
+  return {"the platform library cannot decrypt the password (result " +
+              std::to_string(result) + ")",
+          "see its documentation; quarry-config --version names the file"};
+}
+
+Advice AdviceOn(int result, ModelFile* model) {
   const std::string file = Quoted(KeyFile(model));
-  const std::string folder = KeyFolder(model);
-  const std::string seal =
-      "seal the password and set it again: " + CommandOn("seal", folder);
+  const std::string seal = "seal the password and set it again: " +
+                           CommandOn("seal", KeyFolder(model));
   switch (result) {
     case kDecryptNoKeyFile:
-      if (access(KeyFile(model).c_str(), F_OK) == 0) {
-        return {"key file " + file + " cannot be read",
-                "start as the user that the key file belongs to"};
-      }
-      return {"there is no key file " + file,
-              "set [" + AgentSettingOf("ssl_key_dir").section + "] " +
-                  AgentSettingOf("ssl_key_dir").option +
-                  " to the folder that has it, or make a key: " +
-                  CommandOn("keygen", folder)};
+      return NoKeyFileAdvice(model);
     case kDecryptKeyTooOpen:
       return {"key file " + file + " is open to others",
-              "let nobody but its user own and read it: chmod 600 " +
-                  ShellQuotedFile(KeyFile(model))};
+              OpenKeyHint(KeyFile(model))};
     case kDecryptNotAKeyFile:
       return {file + " is not a key file",
               "bring back the right one, or make a key in another folder: "
               "quarry-config keygen FOLDER"};
     case kDecryptNotSealed:
-      return {"the password is not sealed", seal};
+      return {"the password is not sealed in a known form", seal};
     case kDecryptOtherKey:
       return {"the password is sealed with another key than " + file, seal};
     case kDecryptDamaged:
@@ -127,9 +185,8 @@ Advice PasswordAdvice(int result, ModelFile* model) {
     case kDecryptTooLong:
       return {"the password is longer than an agent can take", seal};
     default:
-      return {"the password cannot be decrypted (result " +
-                  std::to_string(result) + ")",
-              ""};
+      return {"the password cannot be decrypted: no cryptography or memory",
+              "try again; quarry-config --version names the library"};
   }
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/cr_runtime.h"
 #include "tools/model_file.h"
 
 namespace quarry::tool {
@@ -34,8 +35,17 @@ Advice AbsentSettingAdvice(const AgentSetting& setting, ModelFile* model);
 // DecryptPasswdWithKey's. The settings must be there.
 int TryPassword(ModelFile* model);
 
+// Whether the file's key file is one that can be used.
+DecryptResult TryKey(ModelFile* model);
+
 // About the result of a failed TryPassword.
 Advice PasswordAdvice(int result, ModelFile* model);
+
+// About a failed DecryptResult of our own code, as TryKey's.
+Advice AdviceOn(int result, ModelFile* model);
+
+// What to do about a key file that others may read.
+std::string OpenKeyHint(const std::string& key_file);
 
 }  // namespace quarry::tool
 

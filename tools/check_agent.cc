@@ -31,6 +31,8 @@ class AgentChecker {
   void CheckUnknownOptions(const std::string& section);
   void CheckNumber();
   void CheckPassword();
+  // An error about the value of a setting that is there.
+  void Add(const char* accessor, const Advice& advice);
 
   bool Has(const AgentSetting& setting);
   const ScannedLine& LineOf(const char* accessor) const;
@@ -42,16 +44,17 @@ class AgentChecker {
 
 std::vector<Finding> AgentChecker::Check() {
   std::set<std::string> sections;
-  bool complete = true;
   for (const AgentSetting& setting : AgentSettings()) {
     CheckPresence(setting);
-    complete = complete && (Has(setting) || !setting.required);
     if (sections.insert(setting.section).second) {
       CheckUnknownOptions(setting.section);
     }
   }
   CheckNumber();
-  if (complete) CheckPassword();
+  if (Has(AgentSettingOf("cr_password")) &&
+      Has(AgentSettingOf("ssl_key_dir"))) {
+    CheckPassword();
+  }
   return std::move(findings_);
 }
 
@@ -122,8 +125,17 @@ void AgentChecker::CheckPassword() {
   const bool about_key = result == kDecryptNoKeyFile ||
                          result == kDecryptKeyTooOpen ||
                          result == kDecryptNotAKeyFile;
-  const Advice advice = PasswordAdvice(result, &model_);
-  const ScannedLine& line = LineOf(about_key ? "ssl_key_dir" : "cr_password");
+  Add(about_key ? "ssl_key_dir" : "cr_password",
+      PasswordAdvice(result, &model_));
+  // A password in another form is found before the key is looked at.
+  const DecryptResult key = TryKey(&model_);
+  if (result == kDecryptNotSealed && key != kDecryptDone) {
+    Add("ssl_key_dir", AdviceOn(key, &model_));
+  }
+}
+
+void AgentChecker::Add(const char* accessor, const Advice& advice) {
+  const ScannedLine& line = LineOf(accessor);
   findings_.push_back(FindingAt(Severity::kError, line, line.option.value,
                                 advice.message, advice.hint));
 }

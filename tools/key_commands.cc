@@ -11,6 +11,7 @@
 
 #include "platform/file_descriptor.h"
 #include "platform/sealed_password.h"
+#include "tools/agent_settings.h"
 #include "tools/commands.h"
 #include "tools/display.h"
 #include "tools/errors.h"
@@ -35,6 +36,9 @@ std::string KeyFileIn(const std::string& folder) {
   throw ToolError(kExitNo, ErrorReport(message, hint));
 }
 
+constexpr int kEndingSignals[] = {SIGINT,  SIGTERM, SIGHUP,
+                                  SIGQUIT, SIGPIPE, SIGALRM};
+
 // The terminal as it was, for the handler of signals.
 termios terminal_before;
 
@@ -56,9 +60,10 @@ class SilentTerminal {
     if (tcgetattr(STDIN_FILENO, &terminal_before) != 0) {
       throw SystemError("use", "the terminal", errno);
     }
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    for (const int number : kEndingSignals) {
       (void)std::signal(number, RestoreTerminalAndEnd);
     }
+    (void)std::signal(SIGTSTP, SIG_IGN);  // a shell would find it silent
     termios silent = terminal_before;
     silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     if (tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent) != 0) {
@@ -67,9 +72,10 @@ class SilentTerminal {
   }
   ~SilentTerminal() {
     RestoreTerminal();
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    for (const int number : kEndingSignals) {
       (void)std::signal(number, SIG_DFL);
     }
+    (void)std::signal(SIGTSTP, SIG_DFL);
   }
   SilentTerminal(const SilentTerminal&) = delete;
   SilentTerminal& operator=(const SilentTerminal&) = delete;
@@ -82,17 +88,20 @@ class PasswordInput {
     if (bytes_.data() == nullptr) throw std::bad_alloc();
   }
 
-  // The whole of standard input, or one line of a terminal.
+  // The whole of standard input, or one line of a terminal. What is too much is
+  // read and dropped, or the next reader would take it.
   void Read(bool line_only) {
     size_ = 0;
-    while (size_ < bytes_.size()) {
-      const ssize_t count =
-          read(STDIN_FILENO, bytes_.text() + size_, bytes_.size() - size_);
+    char* const last = bytes_.text() + bytes_.size() - 1;
+    for (bool line_ended = false; !line_ended;) {
+      char* const place = std::min(bytes_.text() + size_, last);
+      const auto room = static_cast<std::size_t>(last + 1 - place);
+      const ssize_t count = read(STDIN_FILENO, place, room);
       if (count == -1 && errno == EINTR) continue;
       if (count == -1) throw SystemError("read", "standard input", errno);
       if (count == 0) break;
-      size_ += static_cast<std::size_t>(count);
-      if (line_only && bytes_.text()[size_ - 1] == '\n') break;
+      line_ended = line_only && place[count - 1] == '\n';
+      size_ = static_cast<std::size_t>(place + count - bytes_.text());
     }
   }
 
@@ -109,19 +118,6 @@ class PasswordInput {
   SecretBytes bytes_;
   std::size_t size_ = 0;
 };
-
-void ReadTwiceFromTerminal(const std::string& folder, PasswordInput* input) {
-  const SilentTerminal silent;
-  WriteStandardError("Password to seal for " + Shown(KeyFileIn(folder)) + ": ");
-  input->Read(true);
-  WriteStandardError("\nThe same again: ");
-  PasswordInput again;
-  again.Read(true);
-  WriteStandardError("\n");
-  if (input->password() != again.password()) {
-    Refuse("the two passwords differ", "nothing was sealed; try again");
-  }
-}
 
 void DemandPassword(PasswordInput* input) {
   if (input->empty()) {
@@ -145,6 +141,21 @@ void DemandPassword(PasswordInput* input) {
   }
 }
 
+void ReadTwiceFromTerminal(const std::string& folder, PasswordInput* input) {
+  const SilentTerminal silent;
+  WriteStandardError("Password to seal for " + Shown(KeyFileIn(folder)) + ": ");
+  input->Read(true);
+  WriteStandardError("\n");
+  DemandPassword(input);
+  WriteStandardError("The same again: ");
+  PasswordInput again;
+  again.Read(true);
+  WriteStandardError("\n");
+  if (input->password() != again.password()) {
+    Refuse("the two passwords differ", "nothing was sealed; try again");
+  }
+}
+
 void LoadKey(const std::string& folder, SealingKey* key) {
   const std::string file = KeyFileIn(folder);
   errno = 0;
@@ -155,8 +166,7 @@ void LoadKey(const std::string& folder, SealingKey* key) {
       throw SystemError("read", "the key file " + Shown(file), errno);
     case kDecryptKeyTooOpen:
       Refuse("key file " + Quoted(file) + " is open to others",
-             "let nobody but its user own and read it: chmod 600 " +
-                 ShellQuotedFile(file));
+             OpenKeyHint(file));
     case kDecryptNotAKeyFile:
       Refuse(Quoted(file) + " is not a key file",
              "make one in another folder: quarry-config keygen FOLDER");
@@ -170,6 +180,7 @@ void LoadKey(const std::string& folder, SealingKey* key) {
 int RunKeygen(const KeyRequest& request) {
   ForbidCoreDumps();
   const std::string file = KeyFileIn(request.folder);
+  const SignalsHeld held;
   switch (const int error = platform::WriteNewKeyFile(request.folder)) {
     case 0:
       WriteStandardError("quarry-config: the key is in " + Shown(file) +
@@ -202,8 +213,8 @@ int RunSeal(const KeyRequest& request) {
     ReadTwiceFromTerminal(request.folder, &input);
   } else {
     input.Read(false);
+    DemandPassword(&input);
   }
-  DemandPassword(&input);
   std::string stored;
   if (platform::SealPassword(key, input.password(), &stored) != kDecryptDone) {
     throw std::bad_alloc();

@@ -3,39 +3,75 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 
+#include <algorithm>
+#include <cstring>
+
 #include "dmconfig/config.h"
-#include "dmconfig/line.h"
 #include "platform/config_names.h"
+#include "tools/nearest.h"
 
 namespace quarry::tool {
 
 namespace {
 
 constexpr std::size_t kShortest = 4;  // bytes of a secret that is searched for
+constexpr std::string_view kSeparators = " \t=:\"'";
 
-bool IsNamed(const std::string& name, const std::string& wanted) {
+std::string PasswordName() {
+  return ::storage::config::EntryName(::storage::config::kEntryPassword);
+}
+
+// The end of the first word that is the name of the password, in any letter
+// case, wherever it stands in the line; npos when there is none.
+std::size_t EndOfPasswordName(const std::string& line) {
+  const std::string name = PasswordName();
   const storage::dmconfig::StringCaseCmp before;
-  const bool differs = before(name, wanted) || before(wanted, name);
-  return !differs;
+  for (std::size_t at = 0; at + name.size() <= line.size(); ++at) {
+    const std::string part = line.substr(at, name.size());
+    const std::size_t end = at + name.size();
+    const bool whole =
+        end == line.size() || kSeparators.find(line[end]) != std::string::npos;
+    if (whole && !before(part, name) && !before(name, part)) return end;
+  }
+  return std::string::npos;
+}
+
+// The same for a first word that was meant to be the name.
+std::size_t EndOfNearName(const std::string& line) {
+  const std::size_t begin = line.find_first_not_of(" \t\r");
+  if (begin == std::string::npos) return begin;
+  const std::size_t end =
+      std::min(line.find_first_of(kSeparators, begin), line.size());
+  const bool near =
+      !NearestNames(line.substr(begin, end - begin), {PasswordName()}).empty();
+  return near ? end : std::string::npos;
 }
 
 }  // namespace
 
 std::size_t FindSecret(std::string_view line) {
-  const std::string_view text = storage::dmconfig::WithoutLeadingBlanks(line);
-  const std::size_t name_end = text.find_first_of(" \t=:");
-  const std::string name(text.substr(0, name_end));
-  if (!IsNamed(name, ::storage::config::EntryName(
-                         ::storage::config::kEntryPassword))) {
-    return std::string_view::npos;
+  constexpr std::size_t kSearched =
+      1000;  // the rest of a longer line is a value
+  const std::string searched(line.substr(0, kSearched));
+  std::size_t end = EndOfPasswordName(searched);
+  if (end == std::string::npos) end = EndOfNearName(searched);
+  return end == std::string::npos ? end
+                                  : line.find_first_not_of(kSeparators, end);
+}
+
+Masker::~Masker() {
+  for (std::string& secret : secrets_) {
+    explicit_bzero(secret.data(), secret.size());
   }
-  const std::size_t begin = text.find_first_not_of(" \t=:", name.size());
-  return begin == std::string_view::npos ? begin
-                                         : begin + line.size() - text.size();
 }
 
 void Masker::Hide(const std::string& secret) {
-  if (!secret.empty()) secrets_.push_back(secret);
+  if (secret.empty()) return;
+  // The longest first, for a shorter one may be a part of it.
+  const auto place = std::find_if(
+      secrets_.begin(), secrets_.end(),
+      [&](const std::string& other) { return other.size() < secret.size(); });
+  secrets_.insert(place, secret);
 }
 
 std::string Masker::Masked(std::string text) const {
@@ -48,6 +84,19 @@ std::string Masker::Masked(std::string text) const {
     }
   }
   return text;
+}
+
+SignalsHeld::SignalsHeld() {
+  sigset_t held;
+  sigemptyset(&held);
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    sigaddset(&held, number);
+  }
+  (void)pthread_sigmask(SIG_BLOCK, &held, &before_);
+}
+
+SignalsHeld::~SignalsHeld() {
+  (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
 void ForbidCoreDumps() {

@@ -2,22 +2,28 @@
 #ifndef QUARRY_TOOLS_SECRETS_H_
 #define QUARRY_TOOLS_SECRETS_H_
 
+#include <csignal>
 #include <cstddef>
+#include <list>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace quarry::tool {
 
 inline constexpr char kMask[] = "********";
 
-// Where in a line that sets a password, well-formed or not, the password
-// begins; npos in other lines and when there is none.
+// Where in a line that names the password, well-formed or not, in whatever
+// place and nearly spelled too, the password begins; npos in other lines.
 std::size_t FindSecret(std::string_view line);
 
 // The one place through which a command that knows passwords prints.
 class Masker {
  public:
+  Masker() = default;
+  ~Masker();  // wipes
+  Masker(const Masker&) = delete;
+  Masker& operator=(const Masker&) = delete;
+
   // The text will not be shown from now on; an empty one is no secret.
   void Hide(const std::string& secret);
 
@@ -26,7 +32,20 @@ class Masker {
   std::string Masked(std::string text) const;
 
  private:
-  std::vector<std::string> secrets_;
+  std::list<std::string> secrets_;  // its texts stay where they are
+};
+
+// Keeps the signals that end a program back for its life, so that what is done
+// meanwhile is not left half done.
+class SignalsHeld {
+ public:
+  SignalsHeld();
+  ~SignalsHeld();
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+ private:
+  sigset_t before_;
 };
 
 // From now on a crash leaves no image of this process's memory.
