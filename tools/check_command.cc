@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "tools/check_agent.h"
+#include "tools/check_client.h"
 #include "tools/check_text.h"
 #include "tools/commands.h"
 #include "tools/errors.h"
@@ -84,11 +85,11 @@ std::vector<Finding> Check(const std::string& text, const std::string& file,
                            const CheckRequest& request) {
   std::vector<Finding> findings = CheckText(text, file);
   // What an invalid file holds cannot be told.
-  if (request.as_agent && !HasErrors(findings)) {
-    const std::vector<Finding> more = CheckAgent(text, file);
-    findings.insert(findings.end(), more.begin(), more.end());
-    SortFindings(&findings);
-  }
+  if (request.as.empty() || HasErrors(findings)) return findings;
+  const std::vector<Finding> more =
+      request.as == "agent" ? CheckAgent(text, file) : CheckClient(text);
+  findings.insert(findings.end(), more.begin(), more.end());
+  SortFindings(&findings);
   return findings;
 }
 

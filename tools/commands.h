@@ -14,7 +14,7 @@ struct CheckRequest {
   std::vector<std::string> files;
   bool strict = false;  // warnings count as errors
   bool json = false;
-  bool as_agent = false;  // also what an agent start would need
+  std::string as;  // "agent", "client": also what that program would take
 };
 int RunCheck(const CheckRequest& request);
 
@@ -33,6 +33,24 @@ struct GetRequest {
   std::optional<std::string> default_text;
 };
 int RunGet(const GetRequest& request);
+
+struct DumpRequest {
+  std::string file;
+  bool json = false;
+};
+int RunDump(const DumpRequest& request);
+
+struct DiffRequest {
+  std::string left, right;
+  bool json = false;
+};
+int RunDiff(const DiffRequest& request);
+
+struct ClientRequest {
+  std::string file;
+  bool json = false;
+};
+int RunClient(const ClientRequest& request);
 
 // A real start of an agent, against the metabase on a folder.
 struct AgentRequest {

@@ -4,8 +4,8 @@
 #include "tools/display.h"
 #include "tools/errors.h"
 #include "tools/files.h"
-#include "tools/json_text.h"
 #include "tools/model_file.h"
+#include "tools/model_json.h"
 #include "tools/scan.h"
 
 namespace quarry::tool {
@@ -35,43 +35,6 @@ std::string OriginText(const std::list<std::string>& sections,
   return text;
 }
 
-nlohmann::ordered_json SectionJson(const std::string& name,
-                                   const SectionOrigin* origin,
-                                   ModelFile* model) {
-  const auto& record = model->Record(name);
-  nlohmann::ordered_json section;
-  AddText(&section, "name", name);
-  AddText(&section, "comment", record.comment);
-  section["options"] = nlohmann::ordered_json::array();
-  for (const auto& [option_name, stored] : record.option_map) {
-    nlohmann::ordered_json option;
-    AddText(&option, "name", option_name);
-    AddText(&option, "value", stored.value);
-    AddText(&option, "comment", stored.comment);
-    if (origin != nullptr) {
-      option["line"] = origin->options.at(option_name).number;
-    }
-    section["options"].push_back(std::move(option));
-  }
-  return section;
-}
-
-std::string ModelJson(const ListRequest& request,
-                      const std::list<std::string>& sections,
-                      ModelFile* model) {
-  OriginMap origins;
-  if (request.origin) origins = FindOrigins(model->text());
-  nlohmann::ordered_json document;
-  document["schema"] = 1;
-  AddText(&document, "file", model->file());
-  document["sections"] = nlohmann::ordered_json::array();
-  for (const std::string& name : sections) {
-    const SectionOrigin* origin = request.origin ? &origins.at(name) : nullptr;
-    document["sections"].push_back(SectionJson(name, origin, model));
-  }
-  return JsonText(document);
-}
-
 }  // namespace
 
 int RunList(const ListRequest& request) {
@@ -81,7 +44,7 @@ int RunList(const ListRequest& request) {
           ? std::list<std::string>{model.StoredName(*request.section)}
           : model.Sections();
   if (request.json) {
-    WriteStandardOutput(ModelJson(request, sections, &model));
+    WriteStandardOutput(ModelJson(sections, request.origin, &model));
   } else if (request.origin) {
     WriteStandardOutput(OriginText(sections, &model));
   } else {

@@ -41,6 +41,8 @@ class CommandLine {
   void AddCheck();
   void AddList();
   void AddGet();
+  void AddDumpAndDiff();
+  void AddClient();
   void AddAgent();
   void AddKeyCommands();
   void DemandKnownCommand(const std::vector<std::string>& words) const;
@@ -51,6 +53,9 @@ class CommandLine {
   CheckRequest check_;
   ListRequest list_;
   GetRequest get_;
+  DumpRequest dump_;
+  DiffRequest diff_;
+  ClientRequest client_;
   AgentRequest agent_;
   KeyRequest keygen_;
   KeyRequest seal_;
@@ -69,6 +74,8 @@ CommandLine::CommandLine() {
   AddCheck();
   AddList();
   AddGet();
+  AddDumpAndDiff();
+  AddClient();
   AddAgent();
   AddKeyCommands();
 }
@@ -92,10 +99,9 @@ void CommandLine::AddCheck() {
   command->add_flag("--strict", check_.strict, "Let warnings count as errors");
   command->add_flag("--json", check_.json, "Print the findings as JSON");
   command
-      ->add_option_function<std::string>(
-          "--as", [this](const std::string&) { check_.as_agent = true; },
-          "Check also what this program needs: agent")
-      ->check(CLI::IsMember({"agent"}));
+      ->add_option("--as", check_.as,
+                   "Check also what this program takes: agent or client")
+      ->check(CLI::IsMember({"agent", "client"}));
 }
 
 void CommandLine::AddList() {
@@ -118,6 +124,26 @@ void CommandLine::AddGet() {
   command->add_option("OPTION", get_.option, "Its option")->required();
   command->add_option("--default", get_.default_text,
                       "Show this text when the option is absent");
+}
+
+void CommandLine::AddDumpAndDiff() {
+  CLI::App* const dump = AddCommand(
+      "dump", "Show a file as a program would save it", &dump_, RunDump);
+  dump->add_option("FILE", dump_.file, "File to read")->required();
+  dump->add_flag("--json", dump_.json, "Print it as JSON");
+  CLI::App* const diff =
+      AddCommand("diff", "Show what differs between two files for programs",
+                 &diff_, RunDiff);
+  diff->add_option("A", diff_.left, "One file")->required();
+  diff->add_option("B", diff_.right, "The other file")->required();
+  diff->add_flag("--json", diff_.json, "Print the differences as JSON");
+}
+
+void CommandLine::AddClient() {
+  CLI::App* const command = AddCommand(
+      "client", "Show what a client takes from a file", &client_, RunClient);
+  command->add_option("FILE", client_.file, "The client's file")->required();
+  command->add_flag("--json", client_.json, "Print it as JSON");
 }
 
 void CommandLine::AddAgent() {

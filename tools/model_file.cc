@@ -2,6 +2,7 @@
 
 #include <istream>
 #include <new>
+#include <sstream>
 #include <streambuf>
 #include <utility>
 
@@ -121,6 +122,13 @@ std::string ModelFile::GetValue(const std::string& section,
   const int status = model_.GetOptionValue(section, option, &value, &comment);
   if (status != storage::dmconfig::kStatusOk) ThrowNoOption(section, option);
   return value;
+}
+
+std::string ModelFile::DumpText() {
+  std::ostringstream out;
+  const int status = DMConfigFile("", "").DumpConfig(&out, &model_);
+  if (status != storage::dmconfig::kStatusOk) throw std::bad_alloc();
+  return out.str();
 }
 
 const storage::dmconfig::SectionOptionMap& ModelFile::Record(

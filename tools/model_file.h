@@ -33,6 +33,9 @@ class ModelFile {
   std::string GetValue(const std::string& section, const std::string& option);
   bool Has(const std::string& section, const std::string& option);
 
+  // What the library's writer makes of the model.
+  std::string DumpText();
+
   // The records are the model's own; the section must exist.
   const storage::dmconfig::SectionOptionMap& Record(const std::string& section);
 
