@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <type_traits>
 
 #include "tests/support.h"
@@ -41,106 +40,83 @@ TEST(StringCaseCmp, OrdersByFoldedUnsignedBytesUpToNul) {
   }
 }
 
-// An operation of the model with outputs that start as "old".
-struct Outputs {
-  std::string value = "old", comment = "old";
-  std::list<std::string> names = {"old"};
-};
-using Operation = std::function<int(DMConfig*, Outputs*)>;
-
 TEST(DMConfig, RefusesEmptyNamesAndNullOutputs) {
-  const Operation operations[] = {
-      [](auto* m, auto*) { return m->HasSection(""); },
-      [](auto* m, auto*) { return m->GetSectionList(nullptr); },
-      [](auto* m, auto* o) { return m->GetSectionComment("", &o->comment); },
-      [](auto* m, auto*) { return m->GetSectionComment("s", nullptr); },
-      [](auto* m, auto*) { return m->SetSectionComment("", "c"); },
-      [](auto* m, auto*) { return m->DelSectionComment(""); },
-      [](auto* m, auto*) { return m->SetOptionValue("", "o", "v"); },
-      [](auto* m, auto*) { return m->SetOptionValue("s", "", "v"); },
-      [](auto* m, auto*) { return m->SetOptionValue("", "o", "v", "c"); },
-      [](auto* m, auto*) { return m->SetOptionValue("s", "", "v", "c"); },
-      [](auto* m, auto*) { return m->SetOptionComment("", "o", "c"); },
-      [](auto* m, auto*) { return m->SetOptionComment("s", "", "c"); },
-      [](auto* m, auto* o) { return m->GetOptionValue("", "o", &o->value, &o->comment); },
-      [](auto* m, auto* o) { return m->GetOptionValue("s", "", &o->value, &o->comment); },
-      [](auto* m, auto* o) { return m->GetOptionValue("s", "o", nullptr, &o->comment); },
-      [](auto* m, auto* o) { return m->GetOptionValue("s", "o", &o->value, nullptr); },
-      [](auto* m, auto* o) { return m->GetSectionOptionList("", &o->comment, &o->names); },
-      [](auto* m, auto* o) { return m->GetSectionOptionList("s", nullptr, &o->names); },
-      [](auto* m, auto* o) { return m->GetSectionOptionList("s", &o->comment, nullptr); },
-      [](auto* m, auto*) { return m->DelOption("", "o"); },
-      [](auto* m, auto*) { return m->DelOption("s", ""); },
-      [](auto* m, auto*) { return m->DelOptionComment("", "o"); },
-      [](auto* m, auto*) { return m->DelOptionComment("s", ""); },
-  };
-  int number = 0;
-  for (const Operation& operation : operations) {
-    SCOPED_TRACE(number++);
+  for (const char* words : {"HasSection ''",
+                            "GetSectionList null",
+                            "GetSectionComment ''",
+                            "GetSectionComment s null",
+                            "SetSectionComment '' c",
+                            "DelSectionComment ''",
+                            "SetOptionValue '' o v",
+                            "SetOptionValue s '' v",
+                            "SetOptionValue '' o v c",
+                            "SetOptionValue s '' v c",
+                            "SetOptionComment '' o c",
+                            "SetOptionComment s '' c",
+                            "GetOptionValue '' o",
+                            "GetOptionValue s ''",
+                            "GetOptionValue s o null -",
+                            "GetOptionValue s o - null",
+                            "GetSectionOptionList ''",
+                            "GetSectionOptionList s null -",
+                            "GetSectionOptionList s - null",
+                            "DelOption '' o",
+                            "DelOption s ''",
+                            "DelOptionComment '' o",
+                            "DelOptionComment s ''"}) {
+    SCOPED_TRACE(words);
     DMConfig model;
     Outputs outputs;
-    EXPECT_EQ(operation(&model, &outputs), -1);
+    EXPECT_EQ(Operation(words).Run(&model, &outputs), -1);
     EXPECT_EQ(Render(&model), "");
     EXPECT_EQ(outputs.value + outputs.comment + outputs.names.front(), "oldoldold");
   }
 }
 
-// Each operation once on a model with the section "S" and its option "o", and
-// once on names that are missing.
 TEST(DMConfig, OperatesOnWhatIsThereAndCreatesWhatIsMissing) {
   struct Case {
-    const char* name;
-    std::function<int(DMConfig*, Outputs*, const char* section, const char* option)> operation;
-    int present, missing;
-    const char* present_model;
-    const char* missing_model;
-    const char* outputs;  // value, comment and names when present
+    const char* operation;
+    int result;
+    const char* model;    // afterwards; before it is "S(c){o=v(d)}"
+    const char* outputs;  // value, comment and the first name
   };
-  const char* const kSame = "S(c){o=v(d)}";
   const Case cases[] = {
-      {"HasSection", [](auto* m, auto*, auto* s, auto*) { return m->HasSection(s); }, 0, -6, kSame, kSame,
-       "old old old"},
-      {"GetSectionComment", [](auto* m, auto* o, auto* s, auto*) { return m->GetSectionComment(s, &o->comment); }, 0, 0,
-       kSame, "S(c){o=v(d)} New{}", "old c old"},
-      {"SetSectionComment", [](auto* m, auto*, auto* s, auto*) { return m->SetSectionComment(s, "n"); }, 0, 0,
-       "S(n){o=v(d)}", "S(c){o=v(d)} New(n){}", "old old old"},
-      {"SetSectionComment to nothing", [](auto* m, auto*, auto* s, auto*) { return m->SetSectionComment(s, ""); }, 0, 0,
-       "S{o=v(d)}", "S(c){o=v(d)} New{}", "old old old"},
-      {"DelSectionComment", [](auto* m, auto*, auto* s, auto*) { return m->DelSectionComment(s); }, 0, 0, "S{o=v(d)}",
-       "S(c){o=v(d)} New{}", "old old old"},
-      {"SetOptionValue of three", [](auto* m, auto*, auto* s, auto* o) { return m->SetOptionValue(s, o, "n"); }, 0, 0,
-       "S(c){o=n(d)}", "S(c){o=v(d)} New{Fresh=n}", "old old old"},
-      {"SetOptionValue of four", [](auto* m, auto*, auto* s, auto* o) { return m->SetOptionValue(s, o, "n", "e"); }, 0,
-       0, "S(c){o=n(e)}", "S(c){o=v(d)} New{Fresh=n(e)}", "old old old"},
-      {"SetOptionValue without a comment",
-       [](auto* m, auto*, auto* s, auto* o) { return m->SetOptionValue(s, o, "", ""); }, 0, 0, "S(c){o=}",
-       "S(c){o=v(d)} New{Fresh=}", "old old old"},
-      {"SetOptionComment", [](auto* m, auto*, auto* s, auto* o) { return m->SetOptionComment(s, o, "e"); }, 0, 0,
-       "S(c){o=v(e)}", "S(c){o=v(d)} New{Fresh=(e)}", "old old old"},
-      {"GetOptionValue",
-       [](auto* m, auto* out, auto* s, auto* o) { return m->GetOptionValue(s, o, &out->value, &out->comment); }, 0, -7,
-       kSame, "S(c){o=v(d)} New{}", "v d old"},
-      {"GetSectionOptionList",
-       [](auto* m, auto* out, auto* s, auto*) { return m->GetSectionOptionList(s, &out->comment, &out->names); }, 0, 0,
-       kSame, "S(c){o=v(d)} New{}", "old c o"},
-      {"DelOption", [](auto* m, auto*, auto* s, auto* o) { return m->DelOption(s, o); }, 0, 0, "S(c){}",
-       "S(c){o=v(d)} New{}", "old old old"},
-      {"DelOptionComment", [](auto* m, auto*, auto* s, auto* o) { return m->DelOptionComment(s, o); }, 0, 0,
-       "S(c){o=v}", "S(c){o=v(d)} New{}", "old old old"},
+      {"HasSection s", 0, "S(c){o=v(d)}", "old old old"},
+      {"HasSection New", -6, "S(c){o=v(d)}", "old old old"},
+      {"GetSectionList", 0, "S(c){o=v(d)}", "old old S"},
+      {"GetSectionComment s", 0, "S(c){o=v(d)}", "old c old"},
+      {"GetSectionComment New", 0, "S(c){o=v(d)} New{}", "old  old"},
+      {"SetSectionComment s n", 0, "S(n){o=v(d)}", "old old old"},
+      {"SetSectionComment s ''", 0, "S{o=v(d)}", "old old old"},
+      {"SetSectionComment New n", 0, "S(c){o=v(d)} New(n){}", "old old old"},
+      {"DelSectionComment s", 0, "S{o=v(d)}", "old old old"},
+      {"DelSectionComment New", 0, "S(c){o=v(d)} New{}", "old old old"},
+      {"SetOptionValue s O n", 0, "S(c){o=n(d)}", "old old old"},
+      {"SetOptionValue New Fresh n", 0, "S(c){o=v(d)} New{Fresh=n}", "old old old"},
+      {"SetOptionValue s O n e", 0, "S(c){o=n(e)}", "old old old"},
+      {"SetOptionValue s O '' ''", 0, "S(c){o=}", "old old old"},
+      {"SetOptionValue New Fresh n e", 0, "S(c){o=v(d)} New{Fresh=n(e)}", "old old old"},
+      {"SetOptionComment s O e", 0, "S(c){o=v(e)}", "old old old"},
+      {"SetOptionComment New Fresh e", 0, "S(c){o=v(d)} New{Fresh=(e)}", "old old old"},
+      {"GetOptionValue s O", 0, "S(c){o=v(d)}", "v d old"},
+      {"GetOptionValue New Fresh", -7, "S(c){o=v(d)} New{}", "old old old"},
+      {"GetSectionOptionList s", 0, "S(c){o=v(d)}", "old c o"},
+      {"GetSectionOptionList New", 0, "S(c){o=v(d)} New{}", "old  "},
+      {"DelOption s O", 0, "S(c){}", "old old old"},
+      {"DelOption New Fresh", 0, "S(c){o=v(d)} New{}", "old old old"},
+      {"DelOptionComment s O", 0, "S(c){o=v}", "old old old"},
+      {"DelOptionComment New Fresh", 0, "S(c){o=v(d)} New{}", "old old old"},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    for (const bool present : {true, false}) {
-      DMConfig model;
-      model.SetOptionValue("S", "o", "v", "d");
-      model.SetSectionComment("S", "c");
-      Outputs out;
-      EXPECT_EQ(c.operation(&model, &out, present ? "s" : "New", present ? "O" : "Fresh"),
-                present ? c.present : c.missing);
-      EXPECT_EQ(Render(&model), present ? c.present_model : c.missing_model);
-      if (!present) continue;
-      EXPECT_EQ(out.value + ' ' + out.comment + ' ' + out.names.front(), c.outputs);
-    }
+    SCOPED_TRACE(c.operation);
+    DMConfig model;
+    model.SetOptionValue("S", "o", "v", "d");
+    model.SetSectionComment("S", "c");
+    Outputs out;
+    EXPECT_EQ(Operation(c.operation).Run(&model, &out), c.result);
+    EXPECT_EQ(Render(&model), c.model);
+    out.names.resize(1);
+    EXPECT_EQ(out.value + ' ' + out.comment + ' ' + out.names.front(), c.outputs);
   }
 }
 

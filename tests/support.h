@@ -3,6 +3,7 @@
 #define QUARRY_TESTS_SUPPORT_H_
 
 #include <algorithm>
+#include <list>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -14,6 +15,24 @@
 // order of names, a comment in parentheses behind what it belongs to:
 // "Server(\n; x){path=/a threads=8(\n#y)} client{}". Changes nothing.
 std::string Render(quarry::storage::dmconfig::DMConfig* model);
+
+// What operations of the model write to.
+struct Outputs {
+  std::string value = "old", comment = "old";
+  std::list<std::string> names = {"old"};
+};
+
+// An operation of the model in words, taken apart: "SetOptionValue s o v".
+// "''" is an empty text; "null" at the end stands for a null output, as the
+// first ("null -") or the last one ("- null" or "null").
+struct Operation {
+  explicit Operation(const std::string& words);
+
+  int Run(quarry::storage::dmconfig::DMConfig* model, Outputs* outputs) const;
+
+  std::string name, section, option, value, comment;
+  bool has_comment, first_null, last_null;
+};
 
 // A folder of its own for a test, gone with all in it at the end.
 class TempFolder {
