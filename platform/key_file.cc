@@ -1,4 +1,4 @@
-// Key files: reading, who may have access, making new ones.
+// Key files: their text, and who may have access.
 
 #include <fcntl.h>
 #include <sodium.h>
@@ -20,7 +20,7 @@ constexpr std::size_t kKeyBytes = crypto_aead_xchacha20poly1305_ietf_KEYBYTES;
 constexpr int kBase64 = sodium_base64_VARIANT_URLSAFE_NO_PADDING;
 constexpr std::size_t kEncodedBytes =
     sodium_base64_ENCODED_LEN(kKeyBytes, kBase64) - 1;  // counts a NUL
-constexpr std::size_t kFileBytes = kPrefix.size() + kEncodedBytes + 1;
+static_assert(kKeyFileBytes == kPrefix.size() + kEncodedBytes + 1);
 
 // Whether nobody but the caller and root can have read or written the key.
 bool IsPrivate(const struct stat& status) {
@@ -36,7 +36,7 @@ bool IsPrivate(const struct stat& status) {
 
 DecryptResult DecodeKey(const char* text, unsigned char* key) {
   if (std::memcmp(text, kPrefix.data(), kPrefix.size()) != 0 ||
-      text[kFileBytes - 1] != '\n') {
+      text[kKeyFileBytes - 1] != '\n') {
     return kDecryptNotAKeyFile;
   }
   std::size_t size = 0;
@@ -44,29 +44,6 @@ DecryptResult DecodeKey(const char* text, unsigned char* key) {
       sodium_base642bin(key, kKeyBytes, text + kPrefix.size(), kEncodedBytes,
                         nullptr, &size, nullptr, kBase64) == 0;
   return decoded && size == kKeyBytes ? kDecryptDone : kDecryptNotAKeyFile;
-}
-
-// The line of a key file, with its line feed.
-void EncodeKey(const SealingKey& key, SecretBytes* line) {
-  std::memcpy(line->data(), kPrefix.data(), kPrefix.size());
-  sodium_bin2base64(line->text() + kPrefix.size(), kEncodedBytes + 1,
-                    key.bytes(), kKeyBytes, kBase64);
-  line->data()[kFileBytes - 1] = '\n';
-}
-
-// Only the owner may write to the folder, or the key could be exchanged.
-int CheckFolder(const FileDescriptor& folder) {
-  struct stat status {};
-  if (fstat(folder.get(), &status) != 0) return errno;
-  return (status.st_mode & (S_IWGRP | S_IWOTH)) == 0 ? 0 : EPERM;
-}
-
-int FillKeyFile(const FileDescriptor& folder, FileDescriptor* file,
-                SecretBytes* line) {
-  if (!WriteAll(file->get(), line->text(), kFileBytes)) return errno;
-  if (fsync(file->get()) != 0) return errno;
-  if (!file->Close()) return errno;
-  return fsync(folder.get()) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -87,7 +64,7 @@ DecryptResult SealingKey::Randomise() {
 
 DecryptResult SealingKey::Load(const char* key_file) {
   // One byte more than a key file has, to see that it ends there.
-  SecretBytes text(kFileBytes + 1);
+  SecretBytes text(kKeyFileBytes + 1);
   if (bytes_.data() == nullptr || text.data() == nullptr) {
     return kDecryptNoCrypto;
   }
@@ -104,28 +81,16 @@ DecryptResult SealingKey::Load(const char* key_file) {
   if (!ReadUpTo(file.get(), text.text(), text.size(), &size)) {
     return kDecryptNoKeyFile;
   }
-  return size == kFileBytes ? DecodeKey(text.text(), bytes_.data())
-                            : kDecryptNotAKeyFile;
+  return size == kKeyFileBytes ? DecodeKey(text.text(), bytes_.data())
+                               : kDecryptNotAKeyFile;
 }
 
-int WriteNewKeyFile(const std::string& folder_name) {
-  SealingKey key;
-  SecretBytes line(kFileBytes + 1);
-  if (key.Randomise() != kDecryptDone || line.data() == nullptr) return ENOMEM;
-  EncodeKey(key, &line);
-
-  const FileDescriptor folder(
-      open(folder_name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (folder.get() == -1) return errno;
-  if (const int error = CheckFolder(folder)) return error;
-
-  FileDescriptor file(openat(
-      folder.get(), "auth.key",
-      O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-  if (file.get() == -1) return errno;
-  const int error = FillKeyFile(folder, &file, &line);
-  if (error != 0) unlinkat(folder.get(), "auth.key", 0);
-  return error;
+void EncodeKey(const SealingKey& key, SecretBytes* text) {
+  std::memcpy(text->data(), kPrefix.data(), kPrefix.size());
+  sodium_bin2base64(text->text() + kPrefix.size(), kEncodedBytes + 1,
+                    key.bytes(), kKeyBytes, kBase64);
+  text->data()[kKeyFileBytes - 1] = '\n';
+  text->data()[kKeyFileBytes] = '\0';
 }
 
 }  // namespace quarry::platform

@@ -76,12 +76,9 @@ class SealingKey {
   SecretBytes bytes_;
 };
 
-// Creates "auth.key" in `folder` with a new random key: mode 0600, flushed to
-// disk together with the folder. Returns 0, or an errno value, and leaves
-// nothing behind then. EEXIST: there is one, which is not touched. EPERM:
-// others than the owner may write to the folder. ENOMEM: libsodium cannot
-// start.
-int WriteNewKeyFile(const std::string& folder);
+// The text of the key's file, kKeyFileBytes long, and a NUL behind it.
+inline constexpr std::size_t kKeyFileBytes = 65;
+void EncodeKey(const SealingKey& key, SecretBytes* text);
 
 // Stores in `*stored` the sealed form of the password: at most kLongestPassword
 // bytes without NUL or line feed. kDecryptDone, kDecryptBadArgument or

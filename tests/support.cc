@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <list>
 #include <vector>
@@ -72,6 +73,14 @@ TempFolder::TempFolder() : folder_(testing::TempDir() + "/quarry-XXXXXX") {
 }
 
 TempFolder::~TempFolder() { EXPECT_EQ(std::system(("rm -rf '" + folder_ + "'").c_str()), 0); }
+
+void TempFolder::Write(const std::string& name, const std::string& text) const { std::ofstream(*this / name) << text; }
+
+std::string TempFolder::Read(const std::string& name) const {
+  std::ostringstream text;
+  text << std::ifstream(*this / name).rdbuf();
+  return text.str();
+}
 
 CerrCapture::CerrCapture() : original_(std::cerr.rdbuf(caught_.rdbuf())) {}
 CerrCapture::~CerrCapture() { std::cerr.rdbuf(original_); }

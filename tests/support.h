@@ -43,6 +43,8 @@ class TempFolder {
   TempFolder& operator=(const TempFolder&) = delete;
   // The path of `name` in the folder.
   std::string operator/(const std::string& name) const { return folder_ + '/' + name; }
+  void Write(const std::string& name, const std::string& text) const;
+  std::string Read(const std::string& name) const;
 
  private:
   std::string folder_;

@@ -18,6 +18,7 @@
 #include "tools/model_file.h"
 #include "tools/scan.h"
 #include "tools/secrets.h"
+#include "tools/signals.h"
 #include "tools/silent_cerr.h"
 
 namespace quarry::tool {

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "platform/file_descriptor.h"
 #include "tools/display.h"
@@ -29,7 +30,7 @@ std::size_t FirstReadSize(int descriptor) {
              : 4096;
 }
 
-std::string ReadDescriptor(int descriptor, const std::string& name) {
+std::string ReadToEnd(int descriptor, const std::string& name) {
   std::string text;
   std::size_t used = 0;
   for (std::size_t more = FirstReadSize(descriptor);;
@@ -63,19 +64,30 @@ std::string DisplayName(const std::string& file) {
   return file == "-" ? "<stdin>" : Shown(file);
 }
 
-std::string ReadInput(const std::string& file) {
-  const std::string name = DisplayName(file);
+std::string ReadAll(int descriptor, const std::string& name) {
   try {
-    if (file == "-") return ReadDescriptor(STDIN_FILENO, name);
-    const platform::FileDescriptor input(
-        open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (input.get() == -1) throw SystemError("open", name, errno);
-    return ReadDescriptor(input.get(), name);
+    return ReadToEnd(descriptor, name);
   } catch (const std::bad_alloc&) {
     throw SystemError("read", name, ENOMEM);
   } catch (const std::length_error&) {
     throw SystemError("read", name, ENOMEM);
   }
+}
+
+std::string ReadInput(const std::string& file) {
+  auto text = ReadIfPresent(file);
+  if (!text) throw SystemError("open", DisplayName(file), ENOENT);
+  return *std::move(text);
+}
+
+std::optional<std::string> ReadIfPresent(const std::string& file) {
+  const std::string name = DisplayName(file);
+  if (file == "-") return ReadAll(STDIN_FILENO, name);
+  const platform::FileDescriptor input(
+      open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (input.get() != -1) return ReadAll(input.get(), name);
+  if (errno == ENOENT) return std::nullopt;
+  throw SystemError("open", name, errno);
 }
 
 void WriteStandardOutput(const std::string& text) {

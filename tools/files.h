@@ -2,6 +2,7 @@
 #ifndef QUARRY_TOOLS_FILES_H_
 #define QUARRY_TOOLS_FILES_H_
 
+#include <optional>
 #include <string>
 
 namespace quarry::tool {
@@ -16,6 +17,13 @@ std::string DisplayName(const std::string& file);
 // The whole content of the file, or of standard input for "-"; a pipe will do.
 // Throws ToolError.
 std::string ReadInput(const std::string& file);
+
+// The same; nothing when there is no such file. Every other failure is one.
+std::optional<std::string> ReadIfPresent(const std::string& file);
+
+// All that an open file gives from here on. Throws ToolError; `name` is that of
+// the file in its message.
+std::string ReadAll(int descriptor, const std::string& name);
 
 // Writes a command's whole answer to standard output and closes it. Throws
 // ToolError when any of it did not get there.

@@ -15,6 +15,7 @@
 #include "tools/commands.h"
 #include "tools/display.h"
 #include "tools/errors.h"
+#include "tools/file_edit.h"
 #include "tools/files.h"
 #include "tools/secrets.h"
 
@@ -175,33 +176,44 @@ void LoadKey(const std::string& folder, SealingKey* key) {
   }
 }
 
+// Only the owner may write to it.
+void DemandPrivateFolder(const std::string& folder) {
+  struct stat status {};
+  if (stat(folder.c_str(), &status) != 0) {
+    throw SystemError("open", Shown(folder), errno);
+  }
+  if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return;
+  throw ToolError(
+      kExitFailed,
+      ErrorReport("others may write to the folder " + Quoted(folder),
+                  "a key there could be exchanged: chmod go-w " +
+                      ShellQuotedFile(folder)));
+}
+
 }  // namespace
 
 int RunKeygen(const KeyRequest& request) {
   ForbidCoreDumps();
+  DemandPrivateFolder(request.folder);
   const std::string file = KeyFileIn(request.folder);
-  const SignalsHeld held;
-  switch (const int error = platform::WriteNewKeyFile(request.folder)) {
-    case 0:
-      WriteStandardError("quarry-config: the key is in " + Shown(file) +
-                         "; only its owner can read it\n");
-      return kExitDone;
-    case EPERM:
-      throw ToolError(
-          kExitFailed,
-          ErrorReport("others may write to the folder " +
-                          Quoted(request.folder) + ", or it refuses new files",
-                      "a key there could be exchanged: chmod go-w " +
-                          ShellQuotedFile(request.folder)));
-    case EEXIST:
-      throw ToolError(
-          kExitFailed,
-          ErrorReport("there is a key already: " + Shown(file),
-                      "passwords may be sealed with it; make the new one in "
-                      "another folder"));
-    default:
-      throw SystemError("make", Shown(file), error);
+  FileEdit edit(file, WhenAbsent::kCreatePrivate);
+  if (edit.exists()) {
+    throw ToolError(
+        kExitFailed,
+        ErrorReport("there is a key already: " + Shown(file),
+                    "passwords may be sealed with it; make the new one in "
+                    "another folder"));
   }
+  SealingKey key;
+  SecretBytes text(platform::kKeyFileBytes + 1);
+  if (text.data() == nullptr || key.Randomise() != kDecryptDone) {
+    throw std::bad_alloc();
+  }
+  EncodeKey(key, &text);
+  edit.Replace({text.text(), platform::kKeyFileBytes});
+  WriteStandardError("quarry-config: the key is in " + Shown(file) +
+                     "; only its owner can read it\n");
+  return kExitDone;
 }
 
 int RunSeal(const KeyRequest& request) {

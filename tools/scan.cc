@@ -13,6 +13,11 @@ bool IsMarkedHeader(std::string_view text) {
          text.substr(kByteOrderMark.size(), 1) == "[";
 }
 
+bool SameName(const std::string& one, const std::string& other) {
+  const storage::dmconfig::StringCaseCmp before;
+  return !before(one, other) && !before(other, one);
+}
+
 bool TextScanner::Next(ScannedLine* line) {
   if (rest_.empty()) return false;
   *line = {};

@@ -19,6 +19,9 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 // refused; that every option after it stands in no section would be noise.
 bool IsMarkedHeader(std::string_view text);
 
+// Whether the two name the same section or option.
+bool SameName(const std::string& one, const std::string& other);
+
 // All views are into the text.
 struct ScannedLine {
   std::size_t number = 0;  // from 1

@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "dmconfig/config.h"
 #include "platform/config_names.h"
 #include "tools/nearest.h"
+#include "tools/scan.h"
 
 namespace quarry::tool {
 
@@ -25,13 +25,12 @@ std::string PasswordName() {
 // case, wherever it stands in the line; npos when there is none.
 std::size_t EndOfPasswordName(const std::string& line) {
   const std::string name = PasswordName();
-  const storage::dmconfig::StringCaseCmp before;
   for (std::size_t at = 0; at + name.size() <= line.size(); ++at) {
     const std::string part = line.substr(at, name.size());
     const std::size_t end = at + name.size();
     const bool whole =
         end == line.size() || kSeparators.find(line[end]) != std::string::npos;
-    if (whole && !before(part, name) && !before(name, part)) return end;
+    if (whole && SameName(part, name)) return end;
   }
   return std::string::npos;
 }
@@ -84,19 +83,6 @@ std::string Masker::Masked(std::string text) const {
     }
   }
   return text;
-}
-
-SignalsHeld::SignalsHeld() {
-  sigset_t held;
-  sigemptyset(&held);
-  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
-    sigaddset(&held, number);
-  }
-  (void)pthread_sigmask(SIG_BLOCK, &held, &before_);
-}
-
-SignalsHeld::~SignalsHeld() {
-  (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
 void ForbidCoreDumps() {

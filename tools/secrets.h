@@ -2,7 +2,6 @@
 #ifndef QUARRY_TOOLS_SECRETS_H_
 #define QUARRY_TOOLS_SECRETS_H_
 
-#include <csignal>
 #include <cstddef>
 #include <list>
 #include <string>
@@ -33,19 +32,6 @@ class Masker {
 
  private:
   std::list<std::string> secrets_;  // its texts stay where they are
-};
-
-// Keeps the signals that end a program back for its life, so that what is done
-// meanwhile is not left half done.
-class SignalsHeld {
- public:
-  SignalsHeld();
-  ~SignalsHeld();
-  SignalsHeld(const SignalsHeld&) = delete;
-  SignalsHeld& operator=(const SignalsHeld&) = delete;
-
- private:
-  sigset_t before_;
 };
 
 // From now on a crash leaves no image of this process's memory.

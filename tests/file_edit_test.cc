@@ -1,0 +1,191 @@
+#include "tools/file_edit.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
+
+#include "tests/support.h"
+#include "tools/errors.h"
+
+namespace quarry::tool {
+namespace {
+
+using std::string_literals::operator""s;
+
+class FileEditTest : public testing::Test {
+ protected:
+  std::string Path(const std::string& name) const { return folder_ / name; }
+  void Write(const std::string& name, const std::string& text) const { folder_.Write(name, text); }
+  std::string Read(const std::string& name) const { return folder_.Read(name); }
+  struct stat Status(const std::string& name) const {
+    struct stat status {};
+    EXPECT_EQ(lstat(Path(name).c_str(), &status), 0);
+    return status;
+  }
+  std::size_t CountFiles() const {
+    const std::filesystem::directory_iterator files(Path(""));
+    return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+  }
+  // An edit with something done in the middle of it; the message when it fails.
+  std::string Edit(
+      const std::string& name, const std::string& text, WhenAbsent when_absent = WhenAbsent::kRefuse,
+      const std::function<void()>& meanwhile = [] {}) const {
+    try {
+      FileEdit edit(Path(name), when_absent);
+      meanwhile();
+      edit.Replace(text);
+      return "";
+    } catch (const ToolError& error) {
+      EXPECT_EQ(error.exit_status(), kExitFailed);
+      std::string message = error.message();
+      for (std::size_t at; (at = message.find(Path(""))) != std::string::npos;) message.erase(at, Path("").size());
+      return message;
+    }
+  }
+
+  const TempFolder folder_;
+};
+
+TEST_F(FileEditTest, KeepsWhatTheFileIs) {
+  Write("f", "old");
+  chmod(Path("f").c_str(), 0640);
+  std::filesystem::create_directory(Path("links"));
+  symlink("../f", Path("links/l").c_str());
+  Write(".f.quarry-new", "left by a killed edit");
+  // Access for user 1234, with the mode's bits for the group as the mask.
+  const std::string acl =
+      "\2\0\0\0\1\0\6\0\xFF\xFF\xFF\xFF\2\0\4\0\xD2\4\0\0\4\0\0\0\xFF\xFF\xFF\xFF\x10\0\4\0\xFF\xFF\xFF\xFF\x20\0\0\0\xFF\xFF\xFF\xFF"s;
+  const std::string attributes[][2] = {{"user.origin", "hall B"}, {"system.posix_acl_access", acl}};
+  bool kept[] = {false, false};
+  for (int i : {0, 1}) {
+    kept[i] =
+        setxattr(Path("f").c_str(), attributes[i][0].c_str(), attributes[i][1].data(), attributes[i][1].size(), 0) == 0;
+    if (!kept[i]) std::cout << "this file system has no " << attributes[i][0] << '\n';
+  }
+  if (geteuid() == 0) {
+    EXPECT_EQ(chown(Path("f").c_str(), 1234, 2345), 0);
+  }
+  const struct stat before = Status("f");
+
+  EXPECT_EQ(Edit("links/l", "new"), "");
+  EXPECT_EQ(Read("f"), "new");
+  const struct stat after = Status("f");
+  EXPECT_NE(after.st_ino, before.st_ino);
+  EXPECT_EQ(after.st_mode, before.st_mode);
+  EXPECT_EQ(after.st_uid, before.st_uid);
+  EXPECT_EQ(after.st_gid, before.st_gid);
+  EXPECT_TRUE(S_ISLNK(Status("links/l").st_mode));
+  EXPECT_EQ(CountFiles(), 2U);
+  for (int i : {0, 1}) {
+    char value[64];
+    const ssize_t size = getxattr(Path("f").c_str(), attributes[i][0].c_str(), value, sizeof value);
+    if (!kept[i]) continue;
+    EXPECT_EQ(std::string(value, static_cast<std::size_t>(std::max<ssize_t>(size, 0))), attributes[i][1]);
+  }
+
+  EXPECT_EQ(Edit("f", "new"), "");
+  EXPECT_EQ(Status("f").st_ino, after.st_ino) << "the same text was written";
+}
+
+// What the folder gives to new files does not come to old ones.
+TEST_F(FileEditTest, AddsNoAccess) {
+  Write("f", "old");
+  chmod(Path("f").c_str(), 0600);
+  const std::string acl =
+      "\2\0\0\0\1\0\7\0\xFF\xFF\xFF\xFF\2\0\7\0\xD2\4\0\0\4\0\7\0\xFF\xFF\xFF\xFF\x10\0\7\0\xFF\xFF\xFF\xFF\x20\0\7\0\xFF\xFF\xFF\xFF"s;
+  if (setxattr(Path("").c_str(), "system.posix_acl_default", acl.data(), acl.size(), 0) != 0) {
+    GTEST_SKIP() << "this file system has no access control lists";
+  }
+  EXPECT_EQ(Edit("f", "new"), "");
+  EXPECT_EQ(getxattr(Path("f").c_str(), "system.posix_acl_access", nullptr, 0), -1);
+  EXPECT_EQ(Status("f").st_mode, static_cast<mode_t>(S_IFREG | 0600));
+}
+
+TEST_F(FileEditTest, RefusesWhatItWouldHarm) {
+  Write("two", "old");
+  link(Path("two").c_str(), Path("names").c_str());
+  mkfifo(Path("fifo").c_str(), 0666);
+  symlink("nowhere", Path("dangling").c_str());
+  struct Case {
+    const char* name;
+    WhenAbsent when_absent;
+    const char* message;
+  };
+  const auto refuse = WhenAbsent::kRefuse, create = WhenAbsent::kCreate;
+  const Case cases[] = {
+      {"two", refuse, "two has 2 names (hard links), which an edit would part"},
+      {"fifo", refuse, "fifo is not a regular file"},
+      {"", create, "cannot open  for writing: Is a directory"},
+      {"absent", refuse, "cannot open absent: No such file or directory"},
+      {"absent/f", create, "cannot open absent/f: No such file or directory"},
+      {"absent/", create, "cannot open absent/: No such file or directory"},
+      {"two/f", create, "cannot open two/f: Not a directory"},
+      {"dangling", create, "cannot open dangling: No such file or directory"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(Edit(c.name, "new", c.when_absent), c.message);
+  }
+  EXPECT_EQ(Read("two"), "old");
+  EXPECT_EQ(CountFiles(), 4U);
+}
+
+TEST_F(FileEditTest, RefusesWhatTheCallerMayNot) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
+  for (const char* name : {"readable", "writable"}) Write(name, "old");
+  chmod(Path("readable").c_str(), 0644);
+  chmod(Path("writable").c_str(), 0666);
+  chmod(Path("").c_str(), 0777);
+  ASSERT_EQ(seteuid(1234), 0);
+  EXPECT_EQ(Edit("readable", "new"), "cannot open readable for writing: Permission denied");
+  EXPECT_EQ(Edit("writable", "new"), "cannot keep the owner of writable: Operation not permitted");
+  chmod(Path("").c_str(), 0777);
+  ASSERT_EQ(seteuid(0), 0);
+  chmod(Path("").c_str(), 0755);
+  ASSERT_EQ(seteuid(1234), 0);
+  EXPECT_EQ(Edit("writable", "new"), "cannot create .writable.quarry-new beside writable: Permission denied");
+  EXPECT_EQ(Edit("absent", "new", WhenAbsent::kCreate),
+            "cannot create .absent.quarry-new beside absent: Permission denied");
+  ASSERT_EQ(seteuid(0), 0);
+  EXPECT_EQ(Read("readable") + Read("writable"), "oldold");
+  EXPECT_EQ(CountFiles(), 2U);
+}
+
+TEST_F(FileEditTest, OverwritesNoOtherProgramsWork) {
+  const std::string other = "another program changed f during this edit";
+  struct Case {
+    const char* name;
+    std::function<void()> meanwhile;
+    std::string text;
+  };
+  const Case cases[] = {
+      {"in place", [&] { Write("f", "other"); }, "other"},
+      {"replaced", [&] { Write("g", "old"), rename(Path("g").c_str(), Path("f").c_str()); }, "old"},
+      {"removed", [&] { unlink(Path("f").c_str()); }, ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Write("f", "old");
+    EXPECT_EQ(Edit("f", "new", WhenAbsent::kRefuse, c.meanwhile), other);
+    EXPECT_EQ(Read("f"), c.text);
+  }
+  EXPECT_EQ(Edit("f", "new", WhenAbsent::kCreate, [&] { Write("f", "other"); }), other);
+  EXPECT_EQ(Read("f"), "other");
+  EXPECT_EQ(CountFiles(), 1U);
+}
+
+TEST_F(FileEditTest, CreatesAFileAsOthersDo) {
+  const mode_t before = umask(027);
+  EXPECT_EQ(Edit("f", "new", WhenAbsent::kCreate), "");
+  umask(before);
+  EXPECT_EQ(Read("f"), "new");
+  EXPECT_EQ(Status("f").st_mode, static_cast<mode_t>(S_IFREG | 0640));
+  EXPECT_EQ(CountFiles(), 1U);
+}
+
+}  // namespace
+}  // namespace quarry::tool
