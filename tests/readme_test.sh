@@ -15,9 +15,11 @@ g++ -std=c++17 -Wall -Wextra -Werror -I . "$work/example.cc" \
   -o "$work/example" -L "$build" -lquarry_config -Wl,-rpath,"$build"
 [ "$("$work/example")" = 'level: notice' ]
 
-# The command prints what stands under it.
-command=$(block text | sed -n '1s/^\$ //p')
-[ "$(PATH=$build:$PATH bash -c "$command" 2>&1)" = "$(block text | tail -n +2)" ]
+# The commands print what stands under them.
+for language in text diff; do
+  command=$(block $language | sed -n '1s/^\$ //p')
+  [ "$(PATH=$build:$PATH bash -c "$command" 2>&1)" = "$(block $language | tail -n +2)" ]
+done
 
 # The core of the agent is the example's, but for its indentation.
 [ "$(sed -n '/const auto metab/,/^  }$/s/^  //p' examples/agent_start.cc)" = "$(block c++)" ]

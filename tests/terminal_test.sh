@@ -64,3 +64,17 @@ seal_on_terminal hunter2-secret hunter3-secret
 expect "$(cat session)" 'the two passwords differ'
 [ ! -s sealed ]
 grep -q ' echo ' session
+
+# edit asks what to do with an invalid text until it is answered.
+edit_on_terminal() { # ANSWERS
+  printf 'broken\n' >next
+  printf '[s]\nx=2\n' >after
+  printf '%b' "$1" | script -qec "EDITOR='f() { mv next \"\$1\"; [ ! -f after ] || mv after next; }; f' '$program' edit good.conf" /dev/null |
+    tr -d '\r' || true
+}
+expect "$(edit_on_terminal 'x\ne\n')" '(e)dit again or (d)iscard it? quarry-config: the edited text has errors'
+[ "$(cat good.conf)" = "$(printf '[s]\nx=2\n')" ]
+discarded=$(edit_on_terminal 'd\n')
+expect "$discarded" 'the edited text has errors; nothing was saved'
+[ "${discarded/kept in/}" = "$discarded" ]
+[ "$(cat good.conf)" = "$(printf '[s]\nx=2\n')" ]

@@ -1,8 +1,6 @@
 #include <algorithm>
 
-#include "tools/check_agent.h"
-#include "tools/check_client.h"
-#include "tools/check_text.h"
+#include "tools/check_as.h"
 #include "tools/commands.h"
 #include "tools/errors.h"
 #include "tools/files.h"
@@ -52,15 +50,6 @@ int ExitStatusOf(const Totals& totals, bool strict) {
   return refused ? kExitNo : kExitDone;
 }
 
-void PrintFindings(const std::vector<Finding>& findings,
-                   const std::string& file) {
-  std::string report;
-  for (const Finding& finding : findings) {
-    report += FindingReport(finding, file, ColoursOnStandardError());
-  }
-  WriteStandardError(report);
-}
-
 nlohmann::ordered_json FindingsJson(const std::vector<Finding>& findings) {
   auto array = nlohmann::ordered_json::array();
   for (const Finding& finding : findings) {
@@ -75,24 +64,6 @@ nlohmann::ordered_json FindingsJson(const std::vector<Finding>& findings) {
   return array;
 }
 
-bool HasErrors(const std::vector<Finding>& findings) {
-  return std::any_of(findings.begin(), findings.end(), [](const Finding& one) {
-    return one.severity == Severity::kError;
-  });
-}
-
-std::vector<Finding> Check(const std::string& text, const std::string& file,
-                           const CheckRequest& request) {
-  std::vector<Finding> findings = CheckText(text, file);
-  // What an invalid file holds cannot be told.
-  if (request.as.empty() || HasErrors(findings)) return findings;
-  const std::vector<Finding> more =
-      request.as == "agent" ? CheckAgent(text, file) : CheckClient(text);
-  findings.insert(findings.end(), more.begin(), more.end());
-  SortFindings(&findings);
-  return findings;
-}
-
 }  // namespace
 
 int RunCheck(const CheckRequest& request) {
@@ -103,9 +74,9 @@ int RunCheck(const CheckRequest& request) {
     AddText(&entry, "file", file);
     try {
       const std::string text = ReadInput(file);
-      const std::vector<Finding> findings = Check(text, file, request);
+      const std::vector<Finding> findings = CheckAs(text, file, request.as);
       totals.Count(findings);
-      if (!request.json) PrintFindings(findings, file);
+      if (!request.json) WriteFindings(findings, file);
       if (request.json) entry["findings"] = FindingsJson(findings);
     } catch (const ToolError& error) {
       // One file that cannot be read does not keep the others unchecked.

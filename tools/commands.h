@@ -34,9 +34,35 @@ struct GetRequest {
 };
 int RunGet(const GetRequest& request);
 
+// An option and its value, or the name of a text whose options are set.
+struct SetRequest {
+  std::string file;
+  std::optional<std::string> section, option, value;
+  std::optional<std::string> changes;
+  bool create = false;   // the file may be absent
+  bool dry_run = false;  // shows the edit and does not make it
+};
+int RunSet(const SetRequest& request);
+
+struct UnsetRequest {
+  std::string file;
+  std::string section;
+  std::string option;
+  bool with_comment = false;
+  bool dry_run = false;
+};
+int RunUnset(const UnsetRequest& request);
+
+struct EditRequest {
+  std::string file;
+  std::string as;  // as of CheckRequest
+};
+int RunEdit(const EditRequest& request);
+
 struct DumpRequest {
   std::string file;
   bool json = false;
+  std::optional<std::string> output;  // standard output when there is none
 };
 int RunDump(const DumpRequest& request);
 

@@ -1,5 +1,5 @@
-// quarry-config: checks and queries configuration files. Here stand the command
-// line and the way from any failure to an exit status.
+// quarry-config: checks, queries and edits configuration files. Here stand the
+// command line and the way from any failure to an exit status.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -41,6 +41,8 @@ class CommandLine {
   void AddCheck();
   void AddList();
   void AddGet();
+  void AddSetAndUnset();
+  void AddEdit();
   void AddDumpAndDiff();
   void AddClient();
   void AddAgent();
@@ -48,11 +50,15 @@ class CommandLine {
   void DemandKnownCommand(const std::vector<std::string>& words) const;
   std::string UsageHint(int argc, char** argv) const;
 
-  CLI::App app_{"Checks and queries configuration files.", "quarry-config"};
+  CLI::App app_{"Checks, queries and edits configuration files.",
+                "quarry-config"};
   std::function<int()> command_;
   CheckRequest check_;
   ListRequest list_;
   GetRequest get_;
+  SetRequest set_;
+  UnsetRequest unset_;
+  EditRequest edit_;
   DumpRequest dump_;
   DiffRequest diff_;
   ClientRequest client_;
@@ -74,6 +80,8 @@ CommandLine::CommandLine() {
   AddCheck();
   AddList();
   AddGet();
+  AddSetAndUnset();
+  AddEdit();
   AddDumpAndDiff();
   AddClient();
   AddAgent();
@@ -92,16 +100,21 @@ CLI::App* CommandLine::AddCommand(const char* name, const char* description,
   return command;
 }
 
+void AddAs(std::string* as, CLI::App* command) {
+  command
+      ->add_option("--as", *as,
+                   "Check also what this program takes: agent or client")
+      ->type_name("PROGRAM")
+      ->check(CLI::IsMember({"agent", "client"}));
+}
+
 void CommandLine::AddCheck() {
   CLI::App* const command = AddCommand(
       "check", "Show every error and warning in files", &check_, RunCheck);
   command->add_option("FILE", check_.files, "Files to check")->required();
   command->add_flag("--strict", check_.strict, "Let warnings count as errors");
   command->add_flag("--json", check_.json, "Print the findings as JSON");
-  command
-      ->add_option("--as", check_.as,
-                   "Check also what this program takes: agent or client")
-      ->check(CLI::IsMember({"agent", "client"}));
+  AddAs(&check_.as, command);
 }
 
 void CommandLine::AddList() {
@@ -122,8 +135,44 @@ void CommandLine::AddGet() {
   command->add_option("FILE", get_.file, "File to read")->required();
   command->add_option("SECTION", get_.section, "Its section")->required();
   command->add_option("OPTION", get_.option, "Its option")->required();
-  command->add_option("--default", get_.default_text,
-                      "Show this text when the option is absent");
+  command
+      ->add_option("--default", get_.default_text,
+                   "Show this text when the option is absent")
+      ->type_name("VALUE");
+}
+
+void CommandLine::AddSetAndUnset() {
+  const char* const kDryRun = "Show the edit as a unified diff, do not make it";
+  CLI::App* const set = AddCommand(
+      "set", "Set options, leaving every other line as it is", &set_, RunSet);
+  set->add_option("FILE", set_.file, "File to edit")->required();
+  set->add_option("SECTION", set_.section, "The section");
+  set->add_option("OPTION", set_.option, "Its option");
+  set->add_option("VALUE", set_.value, "The option's new value");
+  set->add_option("--from", set_.changes,
+                  "Set all options of this file, or none")
+      ->type_name("CHANGES");
+  set->add_flag("--create", set_.create, "Make a new file when there is none");
+  set->add_flag("--dry-run", set_.dry_run, kDryRun);
+  CLI::App* const unset =
+      AddCommand("unset", "Remove an option, leaving every other line as it is",
+                 &unset_, RunUnset);
+  unset->add_option("FILE", unset_.file, "File to edit")->required();
+  unset->add_option("SECTION", unset_.section, "Its section")->required();
+  unset->add_option("OPTION", unset_.option, "The option")->required();
+  unset->add_flag("--with-comment", unset_.with_comment,
+                  "Remove also the comment lines directly above it");
+  unset->add_flag("--dry-run", unset_.dry_run, kDryRun);
+}
+
+void CommandLine::AddEdit() {
+  CLI::App* const command = AddCommand(
+      "edit",
+      "Edit a file with $VISUAL or $EDITOR and check it before it is "
+      "saved",
+      &edit_, RunEdit);
+  command->add_option("FILE", edit_.file, "File to edit")->required();
+  AddAs(&edit_.as, command);
 }
 
 void CommandLine::AddDumpAndDiff() {
@@ -131,6 +180,8 @@ void CommandLine::AddDumpAndDiff() {
       "dump", "Show a file as a program would save it", &dump_, RunDump);
   dump->add_option("FILE", dump_.file, "File to read")->required();
   dump->add_flag("--json", dump_.json, "Print it as JSON");
+  dump->add_option("-o", dump_.output, "Write it to this file")
+      ->type_name("OUT");
   CLI::App* const diff =
       AddCommand("diff", "Show what differs between two files for programs",
                  &diff_, RunDiff);

@@ -36,6 +36,9 @@ class ModelFile {
   // What the library's writer makes of the model.
   std::string DumpText();
 
+  // The model itself, for what is not asked above.
+  storage::dmconfig::DMConfig* model() { return &model_; }
+
   // The records are the model's own; the section must exist.
   const storage::dmconfig::SectionOptionMap& Record(const std::string& section);
 

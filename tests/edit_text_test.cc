@@ -1,0 +1,301 @@
+#include "tools/edit_text.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <sstream>
+
+#include "dmconfig/config_file.h"
+#include "tests/support.h"
+#include "tools/checked_edit.h"
+#include "tools/display.h"
+#include "tools/errors.h"
+#include "tools/unified_diff.h"
+
+namespace quarry::tool {
+namespace {
+
+using storage::dmconfig::DMConfig;
+using storage::dmconfig::DMConfigFile;
+using std::string_literals::operator""s;
+
+std::string Set(const std::string& text, const std::vector<Setting>& settings) {
+  return WithSettings("f", text, settings).text;
+}
+
+TEST(EditText, SetsAndLeavesTheRest) {
+  struct Case {
+    const char* name;
+    std::string text;
+    std::vector<Setting> settings;
+    std::string edited;
+  };
+  const Case cases[] = {
+      {"the value's stretch alone", "[a]\n\t x =\t1 2  \n", {{"A", "X", "3"}}, "[a]\n\t x =\t3  \n"},
+      {"the line that counts",
+       "[a]\nx=1\nx=2\n[b]\nx=3\n[A]\nX=4\ny=1\n",
+       {{"a", "x", "5"}},
+       "[a]\nx=1\nx=2\n[b]\nx=3\n[A]\nX=5\ny=1\n"},
+      {"to empty", "[a]\nx = 1 \ny=1\r\n", {{"a", "x", ""}, {"a", "y", ""}}, "[a]\nx =\ny=\n"},
+      {"from empty", "[a]\nx =\ny=\n", {{"a", "x", "1"}, {"a", "y", "1"}}, "[a]\nx = 1\ny=1\n"},
+      {"to blanks", "[a]\nx = 1 \n", {{"a", "x", "\t "}}, "[a]\nx =\t \n"},
+      {"from blanks", "[a]\nx =\t \n", {{"a", "x", "1"}}, "[a]\nx = 1\n"},
+      {"a carriage return goes", "[a]\r\nx = 1\r\ny=1\r\n", {{"a", "x", "2"}}, "[a]\r\nx = 2\ny=1\r\n"},
+      {"a carriage return comes", "[a]\nx = 1\n", {{"a", "x", "2\r"}}, "[a]\nx = 2\r\n"},
+      {"equals signs in values", "[a]\nx = a=b\n", {{"a", "x", "=="}}, "[a]\nx = ==\n"},
+      {"a new option after the last part",
+       "[a]\n x =1\n#c\n\n[b]\n[A] \ny=2\n#d\n\n[b]\n",
+       {{"a", "z", "3"}},
+       "[a]\n x =1\n#c\n\n[b]\n[A] \ny=2\nz=3\n#d\n\n[b]\n"},
+      {"a new option after a header looks like the first one",
+       "[a]\n  x =1\n[b]\n#c\n",
+       {{"b", "z", "3"}},
+       "[a]\n  x =1\n[b]\n  z =3\n#c\n"},
+      {"a new option after one without a value",
+       "[a]\nx =\n[b]\ny=\r\n",
+       {{"a", "z", "3"}, {"b", "z", ""}},
+       "[a]\nx =\nz = 3\n[b]\ny=\r\nz=\n"},
+      {"a new option after a mixed indentation", "[a]\n \r x=1\n", {{"a", "z", "3"}}, "[a]\n \r x=1\nz=3\n"},
+      {"a new option with blanks as its value", "[a]\n", {{"a", "z", "  "}}, "[a]\nz =  \n"},
+      {"a new section", "[a]\nx=1\n# c\n", {{"b", "z", "3"}}, "[a]\nx=1\n# c\n\n[b]\nz=3\n"},
+      {"a new section after a blank line", "[a]\n \t\n", {{"b", "z", "3"}}, "[a]\n \t\n[b]\nz = 3\n"},
+      {"two new sections, in their order",
+       "",
+       {{"b", "z", "3"}, {"A", "x", "1"}, {"B", "y", "2"}},
+       "[b]\nz = 3\ny = 2\n\n[A]\nx = 1\n"},
+      {"the line feed at the end stays missing", "[a]\nx=1", {{"a", "x", "2"}}, "[a]\nx=2"},
+      {"a new line takes over the missing line feed",
+       "[a]\nx=",
+       {{"a", "x", "1"}, {"a", "z", "3"}, {"b", "y", "4"}},
+       "[a]\nx=1\nz=3\n\n[b]\ny=4"},
+      {"the same values", "[a]\nx = 1\r\n[b]\n", {{"a", "X", "1\r"}}, "[a]\nx = 1\r\n[b]\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(Set(c.text, c.settings), c.edited);
+  }
+}
+
+TEST(EditText, RemovesEveryLineOfAnOption) {
+  struct Case {
+    const char* name;
+    std::string text, without, without_comment;
+  };
+  const Case cases[] = {
+      {"all parts", "[a]\nx=0\nO=1\n#c\n[b]\no=1\n[A]\no = 2\n o=3\n", "[a]\nx=0\n#c\n[b]\no=1\n[A]\n", "="},
+      {"comments directly above", "[a]\n;b\n\n #c\n;d\no=1\n#e\n", "[a]\n;b\n\n #c\n;d\n#e\n", "[a]\n;b\n\n#e\n"},
+      {"a comment above a header", "#c\n[a]\no=1\n", "#c\n[a]\n", "="},
+      {"the line feed at the end stays missing", "[a]\nx=0\no=1\no=2", "[a]\nx=0", "="},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(WithoutOption("f", c.text, "a", "o", false).text, c.without);
+    EXPECT_EQ(WithoutOption("f", c.text, "a", "o", true).text,
+              c.without_comment == "=" ? c.without : c.without_comment);
+  }
+}
+
+TEST(EditText, RefusesANulByte) {
+  for (const Setting& setting : {Setting{"a\0"s, "x", ""}, Setting{"a", "x\0"s, ""}, Setting{"a", "x", "1\0"s}}) {
+    EXPECT_THROW(DemandReadable(setting), ToolError);
+  }
+}
+
+TEST(IsSameModel, SeesWhatProgramsSee) {
+  struct Case {
+    const char* name;
+    std::string text;
+    bool same, same_but_comments;
+  };
+  const Case cases[] = {
+      {"other lines", "#c\n[A]\n\n y=2 \n #d\nx =1\n[b]\n", true, true},
+      {"an option less", "#c\n[A]\n#d\nx=1\n[b]\n", false, false},
+      {"an option more", "#c\n[A]\n#d\nx=1\ny=2\n[b]\nx=1\n", false, false},
+      {"another name", "#c\n[A]\n#d\nX=1\ny=2\n[b]\n", false, false},
+      {"another value", "#c\n[A]\n#d\nx=1\ny=3\n[b]\n", false, false},
+      {"a comment of an option", "#c\n[A]\n#d\nx=1\n#\ny=2\n[b]\n", false, true},
+      {"the comment of a section", "#c\n#c\n[A]\n#d\nx=1\ny=2\n[b]\n", false, true},
+      {"the comment of a section beyond the old ones", "#c\n[A]\n#d\nx=1\ny=2\n#\n[b]\n", true, true},
+      {"another section name", "#c\n[A]\n#d\nx=1\ny=2\n[B]\n", false, false},
+      {"another order", "[b]\n#c\n[A]\n#d\nx=1\ny=2\n", false, false},
+      {"a section less", "#c\n[A]\n#d\nx=1\ny=2\n", false, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    ModelFile wanted("f", "#c\n[A]\n#d\nx=1\ny=2\n[b]\n"), found("f", c.text);
+    EXPECT_EQ(IsSameModel(&wanted, &found, Comments::kCompared, 1), c.same);
+    EXPECT_EQ(IsSameModel(&wanted, &found, Comments::kIgnored, 1), c.same_but_comments);
+  }
+}
+
+TEST(UnifiedDiff, ShowsWhatPatchTakes) {
+  struct Case {
+    const char* name;
+    std::string text;
+    TextEdit edit;
+    std::string hunks;
+  };
+  const Case cases[] = {
+      {"nothing", "1\n", {}, ""},
+      {"the first line of a text", "", {{1, 0, {"a"}}}, "@@ -0,0 +1 @@\n+a\n"},
+      {"all lines", "1\n2\n", {{1, 2, {}}}, "@@ -1,2 +0,0 @@\n-1\n-2\n"},
+      {"three lines around",
+       "1\n2\n3\n4\n5\n6\n7\n8\n9\n",
+       {{5, 1, {"a", "b"}}},
+       "@@ -2,7 +2,8 @@\n 2\n 3\n 4\n-5\n+a\n+b\n 6\n 7\n 8\n"},
+      {"a gap of six lines is shown",
+       "1\n2\n3\n4\n5\n6\n7\n8\n",
+       {{1, 1, {"a"}}, {8, 1, {}}},
+       "@@ -1,8 +1,7 @@\n-1\n+a\n 2\n 3\n 4\n 5\n 6\n 7\n-8\n"},
+      {"a gap of seven is not",
+       "1\n2\n3\n4\n5\n6\n7\n8\n9\n",
+       {{1, 0, {"a"}}, {8, 1, {}}},
+       "@@ -1,3 +1,4 @@\n+a\n 1\n 2\n 3\n@@ -5,5 +6,4 @@\n 5\n 6\n 7\n-8\n 9\n"},
+      {"no line feed at the end", "1\n2", {{1, 1, {}}}, "@@ -1,2 +1 @@\n-1\n 2\n\\ No newline at end of file\n"},
+      {"another end",
+       "1\n2",
+       {{2, 1, {"a"}}, {3, 0, {"b"}}},
+       "@@ -1,2 +1,3 @@\n 1\n-2\n\\ No newline at end of file\n+a\n+b\n\\ No newline at end of file\n"},
+      {"a longer end",
+       "1\n2",
+       {{3, 0, {"a"}}},
+       "@@ -1,2 +1,3 @@\n 1\n-2\n\\ No newline at end of file\n+2\n+a\n\\ No newline at end of file\n"},
+      {"a shorter end",
+       "1\n2",
+       {{2, 1, {}}},
+       "@@ -1,2 +1 @@\n-1\n-2\n\\ No newline at end of file\n+1\n\\ No newline at end of file\n"},
+      {"no end", "1", {{1, 1, {}}}, "@@ -1 +0,0 @@\n-1\n\\ No newline at end of file\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(UnifiedDiff("f", c.text, c.edit), c.hunks.empty() ? "" : "--- f\n+++ f\n" + c.hunks);
+  }
+}
+
+int Load(const std::string& text, DMConfig* model) {
+  std::istringstream in(text);
+  return DMConfigFile("", "").LoadConfig(&in, model);
+}
+
+// Whether a program that saves the setting gets it back.
+bool ComesBack(const Setting& setting) {
+  DMConfig written, read;
+  std::ostringstream out;
+  std::string value, comment;
+  return written.SetOptionValue(setting.section, setting.option, setting.value) == 0 &&
+         DMConfigFile("", "").DumpConfig(&out, &written) == 0 && Load(out.str(), &read) == 0 &&
+         read.HasSection(setting.section) == 0 &&
+         read.GetOptionValue(setting.section, setting.option, &value, &comment) == 0 && value == setting.value;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+// How many of the old lines did not stay, from the both ends towards the edit.
+std::size_t CountTouched(std::vector<std::string> before, std::vector<std::string> after) {
+  while (!before.empty() && !after.empty() && before.back() == after.back()) before.pop_back(), after.pop_back();
+  std::size_t same = 0;
+  while (same < before.size() && same < after.size() && before[same] == after[same]) ++same;
+  return before.size() - same;
+}
+
+class RandomEdits : public testing::Test {
+ protected:
+  std::size_t Below(std::size_t end) { return std::uniform_int_distribution<std::size_t>(0, end - 1)(random_); }
+  template <std::size_t kSize>
+  std::string Any(const char* const (&words)[kSize]) {
+    return words[Below(kSize)];
+  }
+  std::string Text() {
+    std::string text = Any({"[a]\n", "[b]\n#c\n", "\r[new]\r\n", ""});
+    for (std::size_t n = Below(12); n > 0; --n) {
+      text += Any({"[a]", "[b]", "[A]", " [b ]", "[a]\r", "x=1", "X = 2 ", "\ty =3\r", "z=", "x =\t", " y= a = b", "#c",
+                   "; d", "", "\r", "x\r=1", "w 1=", "w 1"});
+      if (n > 1 || Below(4) > 0) text += '\n';
+    }
+    return text;
+  }
+  Setting AnySetting() {
+    return {Any({"a", "B", "b ", "new", "", "a]", "c\n", "[", "\rd"}),
+            Any({"x", "Y", "z", "new", "w 1", "a.b", "", " x", "x\t", "\rx", "x\r", "#x", ";", "[x", "x=", "y\n"}),
+            Any({"", "1", "2", "a = b", " ", "\t", " 1", "1 ", "1\r", "\r", "# 1", "1\n", "[a]"})};
+  }
+  std::mt19937 random_{20261125};
+};
+
+TEST_F(RandomEdits, SetWhatIsAskedAndNothingElse) {
+  CerrCapture cerr;
+  int edits = 0, refused = 0, invalid = 0;
+  for (int i = 0; i < 100000; ++i) {
+    const std::string text = Text();
+    const Setting setting = AnySetting();
+    SCOPED_TRACE(Shown(text) + " <- [" + Shown(setting.section) + "] " + Shown(setting.option) + " = " +
+                 Shown(setting.value));
+    DMConfig wanted, found;
+    const bool valid = Load(text, &wanted) == 0;
+    if (!valid || !ComesBack(setting)) {
+      ASSERT_THROW(Set(text, {setting}), ToolError);
+      ++(valid ? refused : invalid);
+      continue;
+    }
+    const bool new_section = wanted.HasSection(setting.section) != 0;
+    std::string value, comment;
+    const bool new_option =
+        new_section || wanted.GetOptionValue(setting.section, setting.option, &value, &comment) != 0;
+    const std::string edited = Set(text, {setting});
+    ASSERT_EQ(Load(edited, &found), 0);
+    wanted.SetOptionValue(setting.section, setting.option, setting.value);
+    if (new_section) {  // what stood at the end of the text is above it now
+      found.GetSectionComment(setting.section, &comment);
+      wanted.SetSectionComment(setting.section, comment);
+    }
+    ASSERT_EQ(Render(&found), Render(&wanted));
+    ASSERT_LE(CountTouched(Lines(text), Lines(edited)), new_option || value == setting.value ? 0U : 1U);
+    ASSERT_EQ(text.empty() || text.back() == '\n', edited.back() == '\n');
+    ASSERT_EQ(Set(edited, {setting}), edited);
+    if (new_option && !new_section) {
+      ASSERT_EQ(WithoutOption("f", edited, setting.section, setting.option, false).text, text);
+    }
+    ++edits;
+  }
+  EXPECT_GT(edits, 10000);
+  EXPECT_GT(refused, 10000);
+  EXPECT_GT(invalid, 10000);
+  RecordProperty("edits", edits);
+}
+
+TEST_F(RandomEdits, UnsetWhatIsAskedAndNothingElse) {
+  CerrCapture cerr;
+  int edits = 0;
+  for (int i = 0; i < 50000; ++i) {
+    const std::string text = Text();
+    const Setting setting = {Any({"a", "B", "b "}), Any({"x", "Y", "z", "W 1"}), ""};
+    SCOPED_TRACE(Shown(text) + " without [" + Shown(setting.section) + "] " + Shown(setting.option));
+    DMConfig wanted, found;
+    std::string value, comment;
+    if (Load(text, &wanted) != 0 || wanted.GetOptionValue(setting.section, setting.option, &value, &comment) != 0) {
+      continue;
+    }
+    const std::string edited = WithoutOption("f", text, setting.section, setting.option, false).text;
+    ASSERT_EQ(Load(edited, &found), 0);
+    wanted.DelOption(setting.section, setting.option);
+    for (DMConfig* model : {&wanted, &found}) {  // comments may change owner
+      std::list<std::string> sections;
+      model->GetSectionList(&sections);
+      for (const std::string& section : sections) {
+        model->DelSectionComment(section);
+        for (auto& option : model->GetOptionMap(section)->option_map) option.second.comment.clear();
+      }
+    }
+    ASSERT_EQ(Render(&found), Render(&wanted));
+    ++edits;
+  }
+  EXPECT_GT(edits, 2000);
+}
+
+}  // namespace
+}  // namespace quarry::tool

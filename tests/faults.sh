@@ -1,0 +1,181 @@
+#!/usr/bin/env bash
+# faults.sh PROGRAM: makes every system call of an edit fail in turn, with every
+# error, and kills the program at each; fills the disk; edits from many processes at
+# once. Demands the old file or the new one, whole, an exit status that tells which,
+# and no other file beside it. Prints how often it did. Needs strace and root.
+set -euo pipefail
+program=$(realpath "$1")
+export LC_ALL=C.UTF-8
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+
+calls='getcwd|readlink|lstat|stat|newfstatat|fstat|openat|lseek|flock|read|write|unlinkat|fchown|flistxattr|fgetxattr|fsetxattr|fremovexattr|fchmod|fsync|close|renameat|renameat2'
+declare -A count=()
+fail() {
+  printf 'faults: %s\n' "$*" >&2
+  [ ! -e err ] || cat err >&2
+  exit 1
+}
+tally() { count[$1]=$((${count[$1]:-0} + 1)); }
+
+# Each run begins in a new folder "here", with or without the file.
+prepare() {
+  rm -rf here
+  mkdir -m 700 here
+  if [ -n "$old" ]; then
+    cp "$old" "$target"
+    setfattr -n user.a -v b "$target" 2>/dev/null || true
+  fi
+}
+
+# A key is another one each time.
+view() { sed 's/^\(quarry-config-key:v1:\).\{43\}$/\1/' "$1"; }
+
+state() {
+  if [ ! -e "$target" ]; then
+    [ -n "$old" ] && echo torn || echo old
+  elif [ -n "$old" ] && cmp -s "$old" "$target"; then
+    echo old
+  elif [ "$(view "$target")" = "$(cat new)" ] && [ -s "$target" ]; then
+    echo new
+  else
+    echo torn
+  fi
+}
+leftovers() { find here -mindepth 1 ! -path "$target" | wc -l; }
+
+# Runs the command with a fault in the N-th call of that name.
+inject() { # NAME N FAULT
+  prepare
+  status=0
+  { # the shell tells of every program that was killed
+    strace -qq -o /dev/null -e trace="$1" -e inject="$1:$3:when=$2" "$program" "${command[@]}" >out 2>err || status=$?
+  } 2>/dev/null
+  now=$(state)
+  what="${command[*]}: $3 at $1 number $2: the file is $now, exit $status"
+  [ "$now" != torn ] || fail "$what"
+}
+
+# A call whose failure changes nothing: one that is made again, the look at a size
+# to read it in one piece, and giving back a file that was only read.
+is_harmless() { # NAME ERROR LINE
+  case $1 in
+    read | write | flock) [ "$2" = EINTR ] ;;
+    newfstatat | fstat) [[ $3 != *quarry-new* ]] ;;
+    close) [ "$2" = EINTR ] || [[ $3 != *quarry-new* ]] ;;
+    *) false ;;
+  esac
+}
+
+fail_each_call() { # NAME N LINE
+  local error
+  for error in EIO ENOSPC EINTR EACCES; do
+    inject "$1" "$2" "error=$error"
+    [ "$(leftovers)" = 0 ] || fail "$what, and left a file"
+    case $now,$status in
+      old,3) tally 'failed, old file' ;;
+      new,3)
+        grep -q 'is in place' err || fail "$what"
+        tally 'failed, said that the new file is in place'
+        ;;
+      new,0)
+        is_harmless "$1" "$error" "$3" || fail "$what"
+        tally 'harmless, new file'
+        ;;
+      *) fail "$what" ;;
+    esac
+  done
+}
+
+end_at_each_call() { # NAME N
+  inject "$1" "$2" signal=TERM
+  [ "$status,$(leftovers)" = 143,0 ] || fail "$what, and left $(leftovers) files"
+  tally "terminated, $now file"
+
+  inject "$1" "$2" signal=KILL
+  [ "$status" = 137 ] || fail "$what"
+  tally "killed, $now file, $(leftovers) files left"
+  if [ "$now" = old ]; then
+    "$program" "${command[@]}" 2>err || fail "$what, and the next edit failed"
+    [ "$(state)" = new ] || fail "$what, and the next edit was not made"
+  fi
+  [ "$(leftovers)" = 0 ] || fail "$what, and the next edit cleaned nothing"
+}
+
+# What is on the disk before the new file has its name, and before exit.
+demand_order() {
+  local order
+  order=$(grep -oE '^(write|fsync|renameat2?)\([0-9]+<[^>]*>' trace | sed "s|$work/||; s|([0-9]*|(|" | grep -v '^write(<err>' | uniq | tr '\n' ' ')
+  [[ $order =~ ^write\(\<here/\.[a-z.]+\.quarry-new\>\ fsync\(\<here/\.[a-z.]+\.quarry-new\>\ renameat2?\(\<here\>\ fsync\(\<here\>\ $ ]] ||
+    fail "${command[*]}: the order of writing is $order"
+}
+
+sweep() { # OLD TARGET COMMAND...
+  old=$1 target=$2 command=("${@:3}")
+  local line name on=0
+  local -A seen=()
+  prepare
+  strace -qq -y -o trace "$program" "${command[@]}" 2>err || fail "${command[*]} fails"
+  view "$target" >new
+  [ -s new ] || fail "${command[*]} writes nothing"
+  demand_order
+  while IFS= read -r line; do
+    name=${line%%(*}
+    seen[$name]=$((${seen[$name]:-0} + 1))
+    [[ $name != execve && $line == *here* ]] && on=1
+    [[ $on = 0 || ! $name =~ ^($calls)$ || $line == 'write(2'* ]] && continue
+    tally 'calls'
+    fail_each_call "$name" "${seen[$name]}" "$line"
+    end_at_each_call "$name" "${seen[$name]}"
+  done <trace
+}
+
+printf '; c\n[s]\nx = 1\n' >text
+printf '[s]\nx=2\n[t]\ny=3\n' >changes
+[ "$(id -u)" = 0 ] || fail 'not run: only root can fill a disk of its own'
+strace -qq -o /dev/null true || fail 'not run: nothing can be traced here'
+for edit in 'set here/f s x 2' 'set here/f new x 2' 'unset here/f s x' 'set here/f --from changes' 'dump changes -o here/f'; do
+  # shellcheck disable=SC2086 # these are words
+  sweep text here/f $edit
+done
+sweep '' here/f set --create here/f s x 2
+sweep '' here/auth.key keygen here
+
+# A full disk: there is room for the file once, not twice.
+# shellcheck disable=SC2016 # for the inner shell
+unshare -m sh -c '
+  mount -t tmpfs -o size=32k none here && cp text here/f && head -c 20000 /dev/zero | tr "\0" "#" >>here/f
+  cp here/f full; status=0; "$1" set here/f s x 2 2>err || status=$?
+  cmp full here/f && [ "$status" = 3 ] && grep -q "No space left" err && [ "$(ls -A here)" = f ]' sh "$program" ||
+  fail 'a full disk'
+tally 'full disk, old file'
+
+# Edits at once are all kept, and every reader finds a whole file.
+cp text many
+edit_often() {
+  for i in $(seq 50); do "$program" set many "s$1" "x$i" "$i" || return 1; done
+}
+editors=()
+for i in $(seq 8); do
+  edit_often "$i" 2>err &
+  editors+=($!)
+done
+while kill -0 "${editors[@]}" 2>/dev/null; do
+  "$program" get many s x >/dev/null || fail 'a reader found a broken file'
+  tally 'reads meanwhile'
+done
+wait "${editors[@]}" || fail 'an edit among many failed'
+for i in $(seq 8); do
+  for j in $(seq 50); do [ "$("$program" get many "s$i" "x$j")" = "$j" ] || fail "an edit was lost"; done
+done
+tally '400 edits by 8 processes, all kept'
+
+# Who does not get the lock gives up.
+flock many sleep 12 &
+sleep 0.5
+"$program" set many s x 2 2>err && fail 'an edit did not wait for the lock'
+grep -q 'another edit of many is running' err || fail 'an edit without the lock'
+tally 'no lock within 10 s, refused'
+
+for name in "${!count[@]}"; do printf '%6d  %s\n' "${count[$name]}" "$name"; done | sort -k 2

@@ -1,0 +1,121 @@
+#include "tools/editor.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/file_descriptor.h"
+#include "tools/display.h"
+#include "tools/errors.h"
+#include "tools/files.h"
+
+namespace quarry::tool {
+
+namespace {
+
+std::string EditorCommand() {
+  for (const char* variable : {"VISUAL", "EDITOR"}) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
+    const char* const command = std::getenv(variable);
+    if (command != nullptr && *command != '\0') return command;
+  }
+  return "vi";
+}
+
+// The keys that end a program mean something else to an editor; the signals
+// that they send do not end us while it runs.
+class TerminalSignalsIgnored {
+ public:
+  TerminalSignalsIgnored() {
+    struct sigaction ignore {};
+    ignore.sa_handler = SIG_IGN;
+    (void)sigaction(SIGINT, &ignore, &interrupt_before_);
+    (void)sigaction(SIGQUIT, &ignore, &quit_before_);
+  }
+  ~TerminalSignalsIgnored() {
+    (void)sigaction(SIGINT, &interrupt_before_, nullptr);
+    (void)sigaction(SIGQUIT, &quit_before_, nullptr);
+  }
+  TerminalSignalsIgnored(const TerminalSignalsIgnored&) = delete;
+  TerminalSignalsIgnored& operator=(const TerminalSignalsIgnored&) = delete;
+
+ private:
+  struct sigaction interrupt_before_ {
+  }, quit_before_{};
+};
+
+// Starts `command` with the path as its argument; the shell takes it apart.
+// Returns an errno value.
+int Spawn(const std::string& command, const std::string& path, pid_t* child) {
+  posix_spawnattr_t attributes;
+  if (const int error = posix_spawnattr_init(&attributes)) return error;
+  sigset_t terminal_signals;
+  sigemptyset(&terminal_signals);
+  sigaddset(&terminal_signals, SIGINT);
+  sigaddset(&terminal_signals, SIGQUIT);
+  posix_spawnattr_setsigdefault(&attributes, &terminal_signals);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+  std::string words[] = {"sh", "-c", command + " \"$@\"", command, path};
+  char* arguments[] = {words[0].data(), words[1].data(), words[2].data(),
+                       words[3].data(), words[4].data(), nullptr};
+  const int error =
+      posix_spawn(child, "/bin/sh", nullptr, &attributes, arguments, environ);
+  posix_spawnattr_destroy(&attributes);
+  return error;
+}
+
+}  // namespace
+
+EditorCopy::EditorCopy(const std::string& name, const std::string& text)
+    : folder_("/tmp/quarry-config-XXXXXX") {
+  if (mkdtemp(folder_.data()) == nullptr) {
+    throw SystemError("make a folder in", "/tmp", errno);
+  }
+  path_ = folder_ + '/' + name;
+  platform::FileDescriptor file(open(path_.c_str(),
+                                     O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                                     S_IRUSR | S_IWUSR));
+  if (file.get() != -1 &&
+      platform::WriteAll(file.get(), text.data(), text.size()) &&
+      file.Close()) {
+    return;
+  }
+  const int error = errno;
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
+  throw SystemError("write", Shown(path_), error);
+}
+
+EditorCopy::~EditorCopy() {
+  std::error_code ignored;
+  if (!kept_) std::filesystem::remove_all(folder_, ignored);
+}
+
+bool EditorCopy::Edit() const {
+  const TerminalSignalsIgnored ignored;
+  pid_t child = 0;
+  const int error = Spawn(EditorCommand(), path_, &child);
+  if (error != 0) throw SystemError("run", "/bin/sh", error);
+  int status = 0;
+  while (waitpid(child, &status, 0) == -1) {
+    if (errno != EINTR) throw SystemError("wait for", "the editor", errno);
+  }
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::string EditorCopy::Read() const { return ReadInput(path_); }
+
+std::string EditorCopy::Keep() {
+  kept_ = true;
+  return "the edited text is kept in " + Shown(path_);
+}
+
+}  // namespace quarry::tool
