@@ -48,12 +48,13 @@ struct StringCaseCmp {
                   const std::string& right) const noexcept {
     const char* l = left.c_str();
     const char* r = right.c_str();
-    while (Fold(*l) == Fold(*r)) {
-      if (*l == '\0') return false;
-      ++l;
-      ++r;
+    for (;; ++l, ++r) {
+      if (*l != *r) {  // most bytes are the same unfolded
+        if (Fold(*l) != Fold(*r)) return Fold(*l) < Fold(*r);
+      } else if (*l == '\0') {
+        return false;
+      }
     }
-    return Fold(*l) < Fold(*r);
   }
 
  private:

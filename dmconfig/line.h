@@ -74,10 +74,12 @@ inline HeaderLine ParseHeader(std::string_view line) {
 // Removes spaces and tabs at both ends, but leaves a text of nothing else
 // whole.
 inline std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return text;
-  const std::size_t last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
+  const auto is_blank = [](char c) { return c == ' ' || c == '\t'; };
+  std::size_t begin = 0, end = text.size();
+  while (begin < end && is_blank(text[begin])) ++begin;
+  if (begin == end) return text;
+  while (is_blank(text[end - 1])) --end;
+  return text.substr(begin, end - begin);
 }
 
 // `in_section` says whether a header came before; its absence is the first

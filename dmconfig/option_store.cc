@@ -14,7 +14,6 @@ OptionValue& FindOrAddOption(SectionOptionMap* record,
   auto at = options.end();
   if (!options.empty() && !before(std::prev(at)->first, option)) {
     at = options.lower_bound(option);
-    if (!before(option, at->first)) return at->second;
   }
   return options.try_emplace(at, option)->second;
 }
