@@ -5,8 +5,10 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
+#include <thread>
 
 #include "tests/support.h"
 #include "tools/errors.h"
@@ -32,10 +34,10 @@ class FileEditTest : public testing::Test {
   }
   // An edit with something done in the middle of it; the message when it fails.
   std::string Edit(
-      const std::string& name, const std::string& text, WhenAbsent when_absent = WhenAbsent::kRefuse,
+      const std::string& name, const std::string& text, std::optional<mode_t> new_mode = std::nullopt,
       const std::function<void()>& meanwhile = [] {}) const {
     try {
-      FileEdit edit(Path(name), when_absent);
+      FileEdit edit(Path(name), new_mode);
       meanwhile();
       edit.Replace(text);
       return "";
@@ -52,7 +54,6 @@ class FileEditTest : public testing::Test {
 
 TEST_F(FileEditTest, KeepsWhatTheFileIs) {
   Write("f", "old");
-  chmod(Path("f").c_str(), 0640);
   std::filesystem::create_directory(Path("links"));
   symlink("../f", Path("links/l").c_str());
   Write(".f.quarry-new", "left by a killed edit");
@@ -67,8 +68,9 @@ TEST_F(FileEditTest, KeepsWhatTheFileIs) {
     if (!kept[i]) std::cout << "this file system has no " << attributes[i][0] << '\n';
   }
   if (geteuid() == 0) {
-    EXPECT_EQ(chown(Path("f").c_str(), 1234, 2345), 0);
+    EXPECT_EQ(chown(Path("f").c_str(), static_cast<uid_t>(-1), 2345), 0);
   }
+  chmod(Path("f").c_str(), 02640);
   const struct stat before = Status("f");
 
   EXPECT_EQ(Edit("links/l", "new"), "");
@@ -112,10 +114,10 @@ TEST_F(FileEditTest, RefusesWhatItWouldHarm) {
   symlink("nowhere", Path("dangling").c_str());
   struct Case {
     const char* name;
-    WhenAbsent when_absent;
+    std::optional<mode_t> new_mode;
     const char* message;
   };
-  const auto refuse = WhenAbsent::kRefuse, create = WhenAbsent::kCreate;
+  const std::optional<mode_t> refuse, create = kUsualMode;
   const Case cases[] = {
       {"two", refuse, "two has 2 names (hard links), which an edit would part"},
       {"fifo", refuse, "fifo is not a regular file"},
@@ -128,7 +130,7 @@ TEST_F(FileEditTest, RefusesWhatItWouldHarm) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    EXPECT_EQ(Edit(c.name, "new", c.when_absent), c.message);
+    EXPECT_EQ(Edit(c.name, "new", c.new_mode), c.message);
   }
   EXPECT_EQ(Read("two"), "old");
   EXPECT_EQ(CountFiles(), 4U);
@@ -148,8 +150,7 @@ TEST_F(FileEditTest, RefusesWhatTheCallerMayNot) {
   chmod(Path("").c_str(), 0755);
   ASSERT_EQ(seteuid(1234), 0);
   EXPECT_EQ(Edit("writable", "new"), "cannot create .writable.quarry-new beside writable: Permission denied");
-  EXPECT_EQ(Edit("absent", "new", WhenAbsent::kCreate),
-            "cannot create .absent.quarry-new beside absent: Permission denied");
+  EXPECT_EQ(Edit("absent", "new", kUsualMode), "cannot create .absent.quarry-new beside absent: Permission denied");
   ASSERT_EQ(seteuid(0), 0);
   EXPECT_EQ(Read("readable") + Read("writable"), "oldold");
   EXPECT_EQ(CountFiles(), 2U);
@@ -166,21 +167,40 @@ TEST_F(FileEditTest, OverwritesNoOtherProgramsWork) {
       {"in place", [&] { Write("f", "other"); }, "other"},
       {"replaced", [&] { Write("g", "old"), rename(Path("g").c_str(), Path("f").c_str()); }, "old"},
       {"removed", [&] { unlink(Path("f").c_str()); }, ""},
+      {"made private", [&] { chmod(Path("f").c_str(), 0600); }, "old"},
+      {"linked", [&] { link(Path("f").c_str(), Path("g").c_str()); }, "old"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
+    unlink(Path("f").c_str());
     Write("f", "old");
-    EXPECT_EQ(Edit("f", "new", WhenAbsent::kRefuse, c.meanwhile), other);
+    EXPECT_EQ(Edit("f", "new", std::nullopt, c.meanwhile), other);
     EXPECT_EQ(Read("f"), c.text);
+    unlink(Path("g").c_str());
   }
-  EXPECT_EQ(Edit("f", "new", WhenAbsent::kCreate, [&] { Write("f", "other"); }), other);
+  unlink(Path("f").c_str());
+  EXPECT_EQ(Edit("f", "new", kUsualMode, [&] { Write("f", "other"); }), other);
   EXPECT_EQ(Read("f"), "other");
+  EXPECT_EQ(CountFiles(), 1U);
+}
+
+// The second waits for the first and finds what it made.
+TEST_F(FileEditTest, MakesAFileOnce) {
+  const auto add = [this](const std::string& text) {
+    FileEdit edit(Path("f"), kUsualMode);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    edit.Replace(edit.text() + text);
+  };
+  std::thread other(add, "a");
+  add("a");
+  other.join();
+  EXPECT_EQ(Read("f"), "aa");
   EXPECT_EQ(CountFiles(), 1U);
 }
 
 TEST_F(FileEditTest, CreatesAFileAsOthersDo) {
   const mode_t before = umask(027);
-  EXPECT_EQ(Edit("f", "new", WhenAbsent::kCreate), "");
+  EXPECT_EQ(Edit("f", "new", kUsualMode), "");
   umask(before);
   EXPECT_EQ(Read("f"), "new");
   EXPECT_EQ(Status("f").st_mode, static_cast<mode_t>(S_IFREG | 0640));

@@ -72,7 +72,7 @@ edit_on_terminal() { # ANSWERS
   printf '%b' "$1" | script -qec "EDITOR='f() { mv next \"\$1\"; [ ! -f after ] || mv after next; }; f' '$program' edit good.conf" /dev/null |
     tr -d '\r' || true
 }
-expect "$(edit_on_terminal 'x\ne\n')" '(e)dit again or (d)iscard it? quarry-config: the edited text has errors'
+expect "$(edit_on_terminal 'x\n\ne\n')" '): (e)dit again or (d)iscard it? quarry-config: the edited text has errors (/tmp/'
 [ "$(cat good.conf)" = "$(printf '[s]\nx=2\n')" ]
 discarded=$(edit_on_terminal 'd\n')
 expect "$discarded" 'the edited text has errors; nothing was saved'

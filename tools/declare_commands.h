@@ -13,6 +13,7 @@ namespace quarry::tool {
 struct Command {
   const char* name;
   const char* description;
+  bool takes_input;  // "-" stands for standard input
   // Declares the words that the command takes and returns what carries it out,
   // to be called once they are there. It returns the exit status.
   std::function<int()> (*declare)(CLI::App* command);

@@ -1,3 +1,8 @@
+#include <sys/stat.h>
+
+#include <optional>
+#include <string>
+
 #include "tools/commands.h"
 #include "tools/errors.h"
 #include "tools/file_edit.h"
@@ -15,6 +20,13 @@ std::string DumpOf(const DumpRequest& request) {
                       : model.DumpText();
 }
 
+// A copy of what others may not read they may not read either.
+mode_t ModeLike(const std::string& file) {
+  struct stat status {};
+  const bool found = file != "-" && stat(file.c_str(), &status) == 0;
+  return found ? status.st_mode & kUsualMode : kUsualMode;
+}
+
 }  // namespace
 
 int RunDump(const DumpRequest& request) {
@@ -22,9 +34,12 @@ int RunDump(const DumpRequest& request) {
     WriteStandardOutput(DumpOf(request));
     return kExitDone;
   }
-  // Held before the file is read, for it may be the same one.
-  FileEdit output(*request.output, WhenAbsent::kCreate);
-  output.Replace(DumpOf(request));
+  // A pipe may take its time; a file may be the output, which is held before it
+  // is read.
+  std::optional<std::string> text;
+  if (request.file == "-") text = DumpOf(request);
+  FileEdit output(*request.output, ModeLike(request.file));
+  output.Replace(text ? *text : DumpOf(request));
   return kExitDone;
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <tuple>
 #include <utility>
 
 #include "dmconfig/config.h"
@@ -174,8 +173,7 @@ TextEdit SettingEditor::Edit(std::string_view text) {
   AddLines();
   std::stable_sort(edit_.begin(), edit_.end(),
                    [](const LineEdit& left, const LineEdit& right) {
-                     return std::tie(left.line, left.removed) <
-                            std::tie(right.line, right.removed);
+                     return left.line < right.line;
                    });
   return std::move(edit_);
 }
@@ -234,6 +232,11 @@ void SettingEditor::AddSection(const EditedSection& section,
   end->insert(end->end(), section.added.begin(), section.added.end());
 }
 
+// Such a line without its line feed would be no line.
+bool EndsInBlankLine(std::string_view text) {
+  return text.size() < 2 || text[text.size() - 2] == '\n';
+}
+
 }  // namespace
 
 std::string Applied(std::string_view text, const TextEdit& edit) {
@@ -255,9 +258,11 @@ std::string Applied(std::string_view text, const TextEdit& edit) {
     for (std::size_t i = 0; i < one.removed; ++i) take_line();
     for (const std::string& added : one.added) put_line(added);
   }
-  const bool unterminated = !text.empty() && text.back() != '\n';
   result.append(rest);
-  if (unterminated && rest.empty() && !result.empty()) result.pop_back();
+  const bool unterminated = !text.empty() && text.back() != '\n';
+  if (unterminated && rest.empty() && !EndsInBlankLine(result)) {
+    result.pop_back();
+  }
   return result;
 }
 

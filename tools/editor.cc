@@ -16,6 +16,7 @@
 #include "tools/display.h"
 #include "tools/errors.h"
 #include "tools/files.h"
+#include "tools/signals.h"
 
 namespace quarry::tool {
 
@@ -25,7 +26,9 @@ std::string EditorCommand() {
   for (const char* variable : {"VISUAL", "EDITOR"}) {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
     const char* const command = std::getenv(variable);
-    if (command != nullptr && *command != '\0') return command;
+    if (command == nullptr) continue;
+    const std::string words = command;
+    if (words.find_first_not_of(" \t") != std::string::npos) return words;
   }
   return "vi";
 }
@@ -52,9 +55,10 @@ class TerminalSignalsIgnored {
   }, quit_before_{};
 };
 
-// Starts `command` with the path as its argument; the shell takes it apart.
-// Returns an errno value.
-int Spawn(const std::string& command, const std::string& path, pid_t* child) {
+// Starts `command` with the path as its argument; the shell takes it apart. The
+// child holds back what `mask` says. Returns an errno value.
+int Spawn(const std::string& command, const std::string& path,
+          const sigset_t& mask, pid_t* child) {
   posix_spawnattr_t attributes;
   if (const int error = posix_spawnattr_init(&attributes)) return error;
   sigset_t terminal_signals;
@@ -62,7 +66,9 @@ int Spawn(const std::string& command, const std::string& path, pid_t* child) {
   sigaddset(&terminal_signals, SIGINT);
   sigaddset(&terminal_signals, SIGQUIT);
   posix_spawnattr_setsigdefault(&attributes, &terminal_signals);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+  posix_spawnattr_setsigmask(&attributes, &mask);
+  posix_spawnattr_setflags(&attributes,
+                           POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
   std::string words[] = {"sh", "-c", command + " \"$@\"", command, path};
   char* arguments[] = {words[0].data(), words[1].data(), words[2].data(),
                        words[3].data(), words[4].data(), nullptr};
@@ -70,6 +76,15 @@ int Spawn(const std::string& command, const std::string& path, pid_t* child) {
       posix_spawn(child, "/bin/sh", nullptr, &attributes, arguments, environ);
   posix_spawnattr_destroy(&attributes);
   return error;
+}
+
+// Whether a signal waits that ends us once it is let through.
+bool IsAboutToEnd() {
+  sigset_t waiting;
+  sigemptyset(&waiting);
+  (void)sigpending(&waiting);
+  return sigismember(&waiting, SIGTERM) == 1 ||
+         sigismember(&waiting, SIGHUP) == 1;
 }
 
 }  // namespace
@@ -94,28 +109,31 @@ EditorCopy::EditorCopy(const std::string& name, const std::string& text)
   throw SystemError("write", Shown(path_), error);
 }
 
-EditorCopy::~EditorCopy() {
-  std::error_code ignored;
-  if (!kept_) std::filesystem::remove_all(folder_, ignored);
-}
-
 bool EditorCopy::Edit() const {
   const TerminalSignalsIgnored ignored;
+  const SignalsHeld held;
   pid_t child = 0;
-  const int error = Spawn(EditorCommand(), path_, &child);
+  const int error = Spawn(EditorCommand(), path_, held.before(), &child);
   if (error != 0) throw SystemError("run", "/bin/sh", error);
   int status = 0;
   while (waitpid(child, &status, 0) == -1) {
     if (errno != EINTR) throw SystemError("wait for", "the editor", errno);
+  }
+  if (IsAboutToEnd()) {
+    WriteStandardError(ErrorReport("ended by a signal; nothing was saved",
+                                   "the edited text is kept in " + Place()));
   }
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 std::string EditorCopy::Read() const { return ReadInput(path_); }
 
-std::string EditorCopy::Keep() {
-  kept_ = true;
-  return "the edited text is kept in " + Shown(path_);
+void EditorCopy::Discard() {
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
+  discarded_ = true;
 }
+
+std::string EditorCopy::Place() const { return Shown(path_); }
 
 }  // namespace quarry::tool

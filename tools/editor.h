@@ -6,30 +6,34 @@
 
 namespace quarry::tool {
 
-// A copy of a text that only the user can read, in a folder of its own. It goes
-// with this object unless it is kept.
+// A copy of a text that only the user can read, in a folder of its own. It may
+// hold work, so it stays until it is discarded.
 class EditorCopy {
  public:
   // `name` is that of the copy; editors choose their mode by it. Throws
   // ToolError.
   EditorCopy(const std::string& name, const std::string& text);
-  ~EditorCopy();
   EditorCopy(const EditorCopy&) = delete;
   EditorCopy& operator=(const EditorCopy&) = delete;
 
   // Runs $VISUAL, $EDITOR or vi on the copy and waits for its end; false when
-  // the editor fails. Throws ToolError.
+  // the editor fails. Throws ToolError. A signal that ends this program waits
+  // for the editor; where the copy is is said then.
   bool Edit() const;
 
   std::string Read() const;
 
-  // Leaves the copy where it is, and returns the remark that says so.
-  std::string Keep();
+  // Removes the copy and its folder.
+  void Discard();
+  bool is_discarded() const { return discarded_; }
+
+  // The path, for messages.
+  std::string Place() const;
 
  private:
   std::string folder_;
   std::string path_;
-  bool kept_ = false;
+  bool discarded_ = false;
 };
 
 }  // namespace quarry::tool

@@ -1,21 +1,19 @@
 #include "tools/file_edit.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
-#include "tools/display.h"
 #include "tools/errors.h"
 #include "tools/file_attributes.h"
 #include "tools/file_lock.h"
 #include "tools/files.h"
 #include "tools/signals.h"
+#include "tools/temporary_file.h"
 
 namespace quarry::tool {
 
@@ -25,64 +23,96 @@ bool IsSameFile(const struct stat& left, const struct stat& right) {
   return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
+// Every change of a file, of its text or of what else belongs to it, changes
+// this time, and nobody can set it.
 bool IsSameVersion(const struct stat& left, const struct stat& right) {
-  return IsSameFile(left, right) && left.st_size == right.st_size &&
-         left.st_mtim.tv_sec == right.st_mtim.tv_sec &&
-         left.st_mtim.tv_nsec == right.st_mtim.tv_nsec;
+  return IsSameFile(left, right) &&
+         left.st_ctim.tv_sec == right.st_ctim.tv_sec &&
+         left.st_ctim.tv_nsec == right.st_ctim.tv_nsec;
+}
+
+// "/dev/stdout" names what some other program has opened.
+bool IsOpenFile(const std::filesystem::path& folder,
+                const std::filesystem::path& path) {
+  const auto in_proc = [](const std::filesystem::path& place) {
+    return place.string().compare(0, 6, "/proc/") == 0;
+  };
+  std::error_code error;
+  return in_proc(folder) || in_proc(std::filesystem::read_symlink(path, error));
 }
 
 // The path without links. The file itself may be absent, but then nothing may
 // stand in its place.
 std::filesystem::path Resolved(const std::string& file) {
-  std::error_code error;
   const std::filesystem::path path(file);
-  auto resolved = std::filesystem::canonical(path, error);
-  if (!error) return resolved;
+  std::error_code error;
+  const auto given = path.parent_path();
+  const auto folder =
+      std::filesystem::canonical(given.empty() ? "." : given, error);
+  if (!error && IsOpenFile(folder, path)) {
+    throw ToolError(kExitFailed,
+                    ErrorReport(DisplayName(file) + " is no file of its own",
+                                "\"-\" stands for standard input and output"));
+  }
+  if (!error) {
+    auto resolved = std::filesystem::canonical(path, error);
+    if (!error) return resolved;
+  }
   struct stat status {};
   const bool is_absent = error.value() == ENOENT && path.has_filename() &&
-                         lstat(file.c_str(), &status) != 0 && errno == ENOENT;
-  if (is_absent) {
-    const auto folder = path.parent_path();
-    const auto parent =
-        std::filesystem::canonical(folder.empty() ? "." : folder, error);
-    if (!error) return parent / path.filename();
-  }
+                         !folder.empty() && lstat(file.c_str(), &status) != 0;
+  if (is_absent && errno == ENOENT) return folder / path.filename();
   throw SystemError("open", DisplayName(file), error.value());
 }
 
 }  // namespace
 
-ToolError AbsentError(const std::string& name) {
-  return {kExitFailed,
-          ErrorReport("cannot open " + name + ": No such file or directory",
-                      "quarry-config set --create makes a new file")};
-}
-
-FileEdit::FileEdit(const std::string& file, WhenAbsent when_absent)
-    : when_absent_(when_absent), name_(DisplayName(file)) {
+FileEdit::FileEdit(const std::string& file, std::optional<mode_t> new_mode,
+                   Purpose purpose)
+    : purpose_(purpose), name_(DisplayName(file)) {
   const std::filesystem::path path = Resolved(file);
   entry_ = path.filename();
-  temporary_ = '.' + entry_ + ".quarry-new";
   folder_.Reset(
       open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (folder_.get() == -1)
+  if (folder_.get() == -1) {
     throw SystemError("open", "the folder of " + name_, errno);
+  }
   if (OpenOld()) return;
-  if (when_absent == WhenAbsent::kRefuse) throw AbsentError(name_);
-  // There is no file to lock against others that would create it.
-  LockForEdit(folder_.get(), name_);
-  if (OpenOld()) (void)flock(folder_.get(), LOCK_UN);
+  if (!new_mode) {
+    throw ToolError(
+        kExitFailed,
+        ErrorReport("cannot open " + name_ + ": No such file or directory",
+                    "quarry-config set --create makes a new file"));
+  }
+  if (purpose == Purpose::kEdit) PrepareNew(*new_mode);
+}
+
+// Others that would make the file too wait for our temporary one, and then find
+// what we made.
+void FileEdit::PrepareNew(mode_t mode) {
+  struct stat status {};
+  held_.emplace();
+  do {
+    new_.emplace(folder_.get(), entry_, mode, name_);
+    if (!FindInPlace(&status)) return;
+    new_.reset();
+  } while (!OpenOld());
+  held_.reset();
 }
 
 // False when there is no such file.
 bool FileEdit::OpenOld() {
+  const bool edits = purpose_ == Purpose::kEdit;
   struct stat in_place {};
   do {
     old_.Reset(openat(folder_.get(), entry_.c_str(),
-                      O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+                      (edits ? O_RDWR : O_RDONLY) | O_NOFOLLOW | O_NONBLOCK |
+                          O_NOCTTY | O_CLOEXEC));
     if (!exists() && errno == ENOENT) return false;
-    if (!exists()) throw SystemError("open", name_ + " for writing", errno);
-    LockForEdit(old_.get(), name_);
+    if (!exists()) {
+      throw SystemError("open", name_ + (edits ? " for writing" : ""), errno);
+    }
+    if (edits) LockForEdit(old_.get(), name_);
     if (fstat(old_.get(), &status_) != 0) {
       throw SystemError("read", name_, errno);
     }
@@ -122,13 +152,11 @@ const std::string& FileEdit::text() {
 
 void FileEdit::Replace(std::string_view text) {
   if (exists() && text == this->text()) return;
-  const SignalsHeld held;
-  // One that a killed edit left; nobody else works on it while we hold the
-  // lock.
-  if (unlinkat(folder_.get(), temporary_.c_str(), 0) != 0 && errno != ENOENT) {
-    throw SystemError("remove", Shown(temporary_) + " beside " + name_, errno);
+  if (exists()) {
+    held_.emplace();
+    new_.emplace(folder_.get(), entry_, kPrivateMode, name_);
   }
-  WriteTemporary(text);
+  WriteAndPublish(text);
   if (fsync(folder_.get()) == 0) return;
   throw ToolError(
       kExitFailed,
@@ -137,53 +165,23 @@ void FileEdit::Replace(std::string_view text) {
                   std::generic_category().message(errno)));
 }
 
-void FileEdit::WriteTemporary(std::string_view text) {
-  constexpr mode_t kPrivate = S_IRUSR | S_IWUSR;
-  constexpr mode_t kUsual = kPrivate | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
-  const bool is_new = !exists() && when_absent_ == WhenAbsent::kCreate;
-  platform::FileDescriptor file(
-      openat(folder_.get(), temporary_.c_str(),
-             O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-             is_new ? kUsual : kPrivate));
-  if (file.get() == -1) {
-    throw SystemError("create", Shown(temporary_) + " beside " + name_, errno);
+void FileEdit::WriteAndPublish(std::string_view text) {
+  if (!platform::WriteAll(new_->get(), text.data(), text.size())) {
+    throw SystemError("save", name_, errno);
   }
-  try {
-    if (!platform::WriteAll(file.get(), text.data(), text.size())) {
-      throw SystemError("save", name_, errno);
-    }
-    if (exists()) KeepAttributes(old_.get(), file.get(), name_);
-    if (fsync(file.get()) != 0 || !file.Close())
-      throw SystemError("save", name_, errno);
-    Publish();
-  } catch (...) {
-    unlinkat(folder_.get(), temporary_.c_str(), 0);
-    throw;
-  }
-}
-
-// The temporary file takes the name.
-void FileEdit::Publish() {
+  if (exists()) KeepAttributes(old_.get(), new_->get(), name_);
+  if (fsync(new_->get()) != 0) throw SystemError("save", name_, errno);
   if (!IsUntouched()) {
     throw ToolError(
         kExitFailed,
         ErrorReport("another program changed " + name_ + " during this edit",
                     "nothing was written; do it again"));
   }
-  const unsigned flags = exists() ? 0 : RENAME_NOREPLACE;
-  if (renameat2(folder_.get(), temporary_.c_str(), folder_.get(),
-                entry_.c_str(), flags) == 0) {
-    return;
-  }
-  // Not every file system knows the flag.
-  if (errno == EINVAL && renameat(folder_.get(), temporary_.c_str(),
-                                  folder_.get(), entry_.c_str()) == 0) {
-    return;
-  }
-  throw SystemError("save", name_, errno);
+  new_->Publish(exists());
 }
 
-// Whether the file is as it was read. Not every program locks what it changes.
+// Whether the file is as it was locked. Not every program locks what it
+// changes.
 bool FileEdit::IsUntouched() const {
   struct stat now {};
   const bool present = FindInPlace(&now);

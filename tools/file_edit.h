@@ -10,24 +10,27 @@
 #include <string_view>
 
 #include "platform/file_descriptor.h"
-#include "tools/errors.h"
+#include "tools/signals.h"
+#include "tools/temporary_file.h"
 
 namespace quarry::tool {
 
-// That there is no file to edit; `name` as it is shown.
-ToolError AbsentError(const std::string& name);
-
-// What becomes of an absent file. A new one has the mode that new files have,
-// or only its owner may read it.
-enum class WhenAbsent { kRefuse, kCreate, kCreatePrivate };
+// The modes of new files, of which the umask leaves its part.
+inline constexpr mode_t kPrivateMode = S_IRUSR | S_IWUSR;
+inline constexpr mode_t kUsualMode =
+    kPrivateMode | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
 // A file that is held for an edit. Another edit of it waits for this one's end,
 // up to ten seconds. Links are followed to the file.
 class FileEdit {
  public:
+  enum class Purpose { kEdit, kLook };
+
   // Opens and locks the file; it must be writable, regular and have one name.
-  // Throws ToolError, for an absent file too unless it may be created.
-  FileEdit(const std::string& file, WhenAbsent when_absent);
+  // Throws ToolError, for an absent file too unless it may be made, with
+  // `new_mode`. One only looked at is not locked and may be read-only.
+  FileEdit(const std::string& file, std::optional<mode_t> new_mode,
+           Purpose purpose = Purpose::kEdit);
 
   // False when it is to be created.
   bool exists() const { return old_.get() != -1; }
@@ -45,20 +48,21 @@ class FileEdit {
 
  private:
   bool OpenOld();
+  void PrepareNew(mode_t mode);
   bool FindInPlace(struct stat* status) const;
   bool IsUntouched() const;
   void DemandEditable() const;
-  void WriteTemporary(std::string_view text);
-  void Publish();
+  void WriteAndPublish(std::string_view text);
 
-  const WhenAbsent when_absent_;
+  const Purpose purpose_;
   const std::string name_;  // for messages
   std::string entry_;       // its name in its folder
-  std::string temporary_;
   platform::FileDescriptor folder_{-1};
   platform::FileDescriptor old_{-1};  // -1 when it is to be created
   struct stat status_ {};             // of the old file when it was locked
   std::optional<std::string> text_;
+  std::optional<SignalsHeld> held_;  // while there is a temporary file
+  std::optional<TemporaryFile> new_;
 };
 
 }  // namespace quarry::tool

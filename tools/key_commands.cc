@@ -196,7 +196,7 @@ int RunKeygen(const KeyRequest& request) {
   ForbidCoreDumps();
   DemandPrivateFolder(request.folder);
   const std::string file = KeyFileIn(request.folder);
-  FileEdit edit(file, WhenAbsent::kCreatePrivate);
+  FileEdit edit(file, kPrivateMode);
   if (edit.exists()) {
     throw ToolError(
         kExitFailed,

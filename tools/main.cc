@@ -22,10 +22,13 @@ namespace quarry::tool {
 
 namespace {
 
-const char kFooter[] =
-    "FILE may be \"-\" for standard input; \"--\" ends the options.\n"
-    "Exit status: 0 done; 1 the answer is no (errors found, option absent);\n"
-    "2 wrong usage; 3 it could not be done (file unreadable or invalid).";
+const char kInput[] = "FILE may be \"-\" for standard input.\n";
+const char kStatuses[] =
+    "\"--\" ends the options.\n"
+    "Exit status: 0 done; 1 the answer is no (errors found, option absent, a\n"
+    "value that would not be read back); 2 wrong usage; 3 it could not be "
+    "done\n"
+    "(a file unreadable, invalid, locked or not written).";
 
 // The command line and what it asked for. Only the command that is wanted is
 // declared, or all of them when it is none of them: to declare them takes
@@ -53,7 +56,7 @@ class CommandLine {
 CommandLine::CommandLine(std::vector<std::string> words)
     : words_(std::move(words)) {
   app_.require_subcommand(1);
-  app_.footer(kFooter);
+  app_.footer(std::string(kInput) + kStatuses);
   app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
   app_.get_formatter()->label("REQUIRED", "");
   app_.get_formatter()->label("TEXT", "");
@@ -72,7 +75,7 @@ bool CommandLine::Declare(const std::string& wanted) {
     if (!wanted.empty() && wanted != command.name) continue;
     CLI::App* const app =
         app_.add_subcommand(command.name, command.description);
-    app->footer(kFooter);
+    app->footer((command.takes_input ? kInput : "") + std::string(kStatuses));
     app->group("Commands");
     const auto action = command.declare(app);
     app->callback([this, action] { action_ = action; });
@@ -122,11 +125,12 @@ std::string CommandLine::UsageHint() const {
   std::string hint = "see: quarry-config ";
   if (!commands.empty()) hint += commands.front()->get_name() + ' ';
   hint += "--help";
-  const bool dashes =
-      std::any_of(words_.begin(), words_.end(), [](const std::string& word) {
-        return word.size() > 1 && word[0] == '-' && word[1] != '-';
-      });
-  if (dashes) {
+  const auto is_unknown = [&commands](const std::string& word) {
+    if (word.size() < 2 || word[0] != '-' || commands.empty()) return false;
+    const std::string name = word.substr(0, word.find('='));
+    return commands.front()->get_option_no_throw(name) == nullptr;
+  };
+  if (std::any_of(words_.begin(), words_.end(), is_unknown)) {
     hint += "; put \"--\" before a name or value that begins with \"-\"";
   }
   return hint;

@@ -30,36 +30,34 @@ namespace {
 // Where an edit takes its text from and what becomes of the result.
 struct Target {
   std::string file;
-  WhenAbsent when_absent;
+  bool create;
   bool dry_run;
 };
 
 using Editor = std::function<EditedText(std::string text)>;
 
-std::string TextToTry(const Target& target) {
-  auto text = ReadIfPresent(target.file);
-  if (!text && target.when_absent == WhenAbsent::kRefuse) {
-    throw AbsentError(DisplayName(target.file));
-  }
-  return std::move(text).value_or("");
+std::string DiffOf(const std::string& file, const EditedText& edited) {
+  return UnifiedDiff(DisplayName(file), edited.before, edited.edit);
 }
 
 // The result is for warnings.
 EditedText MakeEdit(const Target& target, const Editor& edit) {
-  if (target.dry_run) {
-    EditedText edited = edit(TextToTry(target));
-    WriteStandardOutput(
-        UnifiedDiff(DisplayName(target.file), edited.before, edited.edit));
-    return edited;
-  }
   if (target.file == "-") {
     EditedText edited = edit(ReadInput(target.file));
-    WriteStandardOutput(edited.text);
+    WriteStandardOutput(target.dry_run ? DiffOf(target.file, edited)
+                                       : edited.text);
     return edited;
   }
-  FileEdit file(target.file, target.when_absent);
+  FileEdit file(
+      target.file,
+      target.create ? std::optional<mode_t>(kUsualMode) : std::nullopt,
+      target.dry_run ? FileEdit::Purpose::kLook : FileEdit::Purpose::kEdit);
   EditedText edited = edit(file.text());
-  file.Replace(edited.text);
+  if (target.dry_run) {
+    WriteStandardOutput(DiffOf(target.file, edited));
+  } else {
+    file.Replace(edited.text);
+  }
   return edited;
 }
 
@@ -67,23 +65,31 @@ void Warn(const std::string& message, const std::string& hint) {
   WriteStandardError(ErrorReport("warning: " + message, hint));
 }
 
+bool EndsInCarriageReturn(std::string_view value) {
+  return !value.empty() && value.back() == '\r';
+}
+
 std::size_t CountCarriageReturns(const std::string& text) {
   std::size_t count = 0;
   TextScanner scanner(text);
   for (ScannedLine line; scanner.Next(&line);) {
-    const std::string_view value = line.option.value;
-    if (!value.empty() && value.back() == '\r') ++count;
+    if (EndsInCarriageReturn(line.option.value)) ++count;
   }
   return count;
 }
 
-void WarnOfCarriageReturns(const std::string& file, const EditedText& edited) {
+void WarnOfCarriageReturns(const std::string& file, const EditedText& edited,
+                           const std::vector<Setting>& settings) {
   if (edited.edit.empty()) return;
+  const auto wanted = static_cast<std::size_t>(std::count_if(
+      settings.begin(), settings.end(), [](const Setting& setting) {
+        return EndsInCarriageReturn(setting.value);
+      }));
   const std::size_t count = CountCarriageReturns(edited.text);
-  if (count == 0) return;
-  Warn(DisplayName(file) +
-           " has carriage returns at its line ends: " + std::to_string(count) +
-           (count == 1 ? " value ends" : " values end") +
+  if (count <= wanted) return;
+  Warn(DisplayName(file) + " has carriage returns at its line ends: " +
+           std::to_string(count - wanted) +
+           (count - wanted == 1 ? " value ends" : " values end") +
            " in one, which programs see",
        "remove all of them: sed -i 's/\\r$//' " +
            (file == "-" ? "FILE" : ShellQuotedFile(file)));
@@ -98,7 +104,7 @@ void WarnOfPlainPassword(const std::vector<Setting>& settings) {
                platform::kSealedPrefix;
   };
   if (std::none_of(settings.begin(), settings.end(), is_plain)) return;
-  Warn("the agent's password was set to a text that is not sealed",
+  Warn("the value for the agent's password is not sealed",
        "set what this prints: quarry-config seal DIR");
 }
 
@@ -148,24 +154,20 @@ std::vector<Setting> SettingsFor(const SetRequest& request) {
 
 int RunSet(const SetRequest& request) {
   const std::vector<Setting> settings = SettingsFor(request);
-  const WhenAbsent when_absent =
-      request.create ? WhenAbsent::kCreate : WhenAbsent::kRefuse;
   const EditedText edited = MakeEdit(
-      {request.file, when_absent, request.dry_run}, [&](std::string text) {
+      {request.file, request.create, request.dry_run}, [&](std::string text) {
         return WithSettings(request.file, std::move(text), settings);
       });
-  WarnOfCarriageReturns(request.file, edited);
+  WarnOfCarriageReturns(request.file, edited, settings);
   WarnOfPlainPassword(settings);
   return kExitDone;
 }
 
 int RunUnset(const UnsetRequest& request) {
-  MakeEdit({request.file, WhenAbsent::kRefuse, request.dry_run},
-           [&](std::string text) {
-             return WithoutOption(request.file, std::move(text),
-                                  request.section, request.option,
-                                  request.with_comment);
-           });
+  MakeEdit({request.file, false, request.dry_run}, [&](std::string text) {
+    return WithoutOption(request.file, std::move(text), request.section,
+                         request.option, request.with_comment);
+  });
   return kExitDone;
 }
 

@@ -6,9 +6,12 @@ namespace quarry::tool {
 
 SignalsHeld::SignalsHeld() {
   sigset_t held;
-  sigemptyset(&held);
-  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
-    sigaddset(&held, number);
+  sigfillset(&held);
+  // Those of our own faults cannot wait, those that stop us may stop us, and
+  // the one of a file that grows too large is ignored instead.
+  for (const int number : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP, SIGABRT,
+                           SIGSYS, SIGXFSZ, SIGTSTP, SIGTTIN, SIGTTOU}) {
+    sigdelset(&held, number);
   }
   (void)pthread_sigmask(SIG_BLOCK, &held, &before_);
   struct sigaction ignore {};

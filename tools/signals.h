@@ -5,15 +5,18 @@
 
 namespace quarry::tool {
 
-// Keeps the signals that end a program back for its life, so that what is done
-// meanwhile is not left half done. A file that grows beyond the limit for files
-// is an error of the write, not the end of the program.
+// Keeps the signals that end a program back for its life, so that what is
+// done meanwhile is not left half done. A file that grows beyond the limit for
+// files is an error of the write, not the end of the program.
 class SignalsHeld {
  public:
   SignalsHeld();
   ~SignalsHeld();
   SignalsHeld(const SignalsHeld&) = delete;
   SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+  // The signals that were held back before, for a child.
+  const sigset_t& before() const { return before_; }
 
  private:
   sigset_t before_;

@@ -86,10 +86,11 @@ TextEdit Differ::Prepared(const TextEdit& edit) const {
   LineEdit& last = prepared.back();
   const bool replaces = last.removed > 0 && !last.added.empty();
   if (EndOf(last) != end() || replaces || last.line == 1) return prepared;
+  if (last.added.empty() && lines_[last.line - 2].empty()) return prepared;
   --last.line;
   ++last.removed;
   last.added.insert(last.added.begin(), std::string(lines_[last.line - 1]));
-  return Joined(prepared);
+  return prepared;
 }
 
 void Differ::AddHunk(Iterator first, Iterator last) {
