@@ -50,7 +50,8 @@ struct StringCaseCmp {
     const char* r = right.c_str();
     for (;; ++l, ++r) {
       if (*l != *r) {  // most bytes are the same unfolded
-        if (Fold(*l) != Fold(*r)) return Fold(*l) < Fold(*r);
+        const unsigned char left_byte = Folded(*l), right_byte = Folded(*r);
+        if (left_byte != right_byte) return left_byte < right_byte;
       } else if (*l == '\0') {
         return false;
       }
@@ -58,10 +59,18 @@ struct StringCaseCmp {
   }
 
  private:
-  static unsigned Fold(char c) noexcept {
-    const unsigned byte = static_cast<unsigned char>(c);
-    constexpr unsigned kUpperA = 'A';
-    return byte - kUpperA < 26 ? byte + ('a' - kUpperA) : byte;
+  struct FoldTable {
+    constexpr FoldTable() {
+      for (unsigned i = 0; i < sizeof byte; ++i) {
+        const bool is_upper = i >= 'A' && i <= 'Z';
+        byte[i] = static_cast<unsigned char>(is_upper ? i - 'A' + 'a' : i);
+      }
+    }
+    unsigned char byte[256] = {};
+  };
+  static unsigned char Folded(char c) noexcept {
+    static constexpr FoldTable kTable;
+    return kTable.byte[static_cast<unsigned char>(c)];
   }
 };
 

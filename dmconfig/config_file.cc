@@ -106,8 +106,7 @@ int TextReader::ReadOption(std::string_view line) {
   const OptionLine option = ParseOption(line, section_ != nullptr);
   if (option.fault != LineFault::kNone) return Refuse(option.fault, line);
 
-  name_ = option.name;
-  OptionValue& stored = FindOrAddOption(section_, name_);
+  OptionValue& stored = FindOrAddOption(section_, std::string(option.name));
   if (pending_comment_.empty()) {
     stored.value = option.value;
     return kStatusOk;

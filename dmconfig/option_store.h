@@ -4,16 +4,29 @@
 #ifndef QUARRY_DMCONFIG_OPTION_STORE_H_
 #define QUARRY_DMCONFIG_OPTION_STORE_H_
 
+#include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "dmconfig/config.h"
 
 namespace quarry::storage::dmconfig {
 
 // Returns the option of that name, added with empty texts when it is missing.
-OptionValue& FindOrAddOption(SectionOptionMap* record,
-                             const std::string& option);
+// The name may be given away.
+template <typename Name>
+OptionValue& FindOrAddOption(SectionOptionMap* record, Name&& option) {
+  auto& options = record->option_map;
+  const StringCaseCmp before;
+
+  // Saved texts hold their options in order, so most belong at the end.
+  auto at = options.end();
+  if (!options.empty() && !before(std::prev(at)->first, option)) {
+    at = options.lower_bound(option);
+  }
+  return options.try_emplace(at, std::forward<Name>(option))->second;
+}
 
 // Replaces value and comment together, or neither.
 void StoreValueAndComment(OptionValue* stored, std::string_view value,
