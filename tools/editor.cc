@@ -27,7 +27,7 @@ std::string EditorCommand() {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
     const char* const command = std::getenv(variable);
     if (command == nullptr) continue;
-    const std::string words = command;
+    std::string words = command;
     if (words.find_first_not_of(" \t") != std::string::npos) return words;
   }
   return "vi";
