@@ -11,15 +11,14 @@ trap 'rm -rf "$work"' EXIT
 cd "$work"
 
 calls='getcwd|readlink|lstat|stat|newfstatat|fstat|openat|lseek|flock|read|write|unlinkat|fchown|flistxattr|fgetxattr|fsetxattr|fremovexattr|fchmod|fsync|close|renameat|renameat2'
-declare -A count=()
 fail() {
   printf 'faults: %s\n' "$*" >&2
   [ ! -e err ] || cat err >&2
   exit 1
 }
-tally() { count[$1]=$((${count[$1]:-0} + 1)); }
+tally() { echo "$1" >>"$work/counts"; }
 
-# Each run begins in a new folder "here", with or without the file.
+# Each run begins in a new folder "here" of its sweep, with or without the file.
 prepare() {
   rm -rf here
   mkdir -m 700 here
@@ -107,13 +106,13 @@ end_at_each_call() { # NAME N
 # What is on the disk before the new file has its name, and before exit.
 demand_order() {
   local order
-  order=$(grep -oE '^(write|fsync|renameat2?)\([0-9]+<[^>]*>' trace | sed "s|$work/||; s|([0-9]*|(|" | grep -v '^write(<err>' | uniq | tr '\n' ' ')
+  order=$(grep -oE '^(write|fsync|renameat2?)\([0-9]+<[^>]*>' trace | sed "s|$PWD/||; s|([0-9]*|(|" | grep -v '^write(<err>' | uniq | tr '\n' ' ')
   [[ $order =~ ^write\(\<here/\.[a-z.]+\.quarry-new\>\ fsync\(\<here/\.[a-z.]+\.quarry-new\>\ renameat2?\(\<here\>\ fsync\(\<here\>\ $ ]] ||
     fail "${command[*]}: the order of writing is $order"
 }
 
 sweep() { # OLD TARGET COMMAND...
-  old=$1 target=$2 command=("${@:3}")
+  local old=$1 target=$2 command=("${@:3}") status now what
   local line name on=0
   local -A seen=()
   prepare
@@ -139,13 +138,23 @@ setfattr -n user.a -v b text 2>/dev/null || attributes=no
 [ $attributes = yes ] || echo 'this file system has no attributes to keep; those calls are not run'
 [ "$(id -u)" = 0 ] || fail 'not run: only root can fill a disk of its own'
 strace -qq -o /dev/null true || fail 'not run: nothing can be traced here'
+sweeps=0
+start_sweep() { # as sweep
+  sweeps=$((sweeps + 1))
+  mkdir "sweep-$sweeps"
+  cp text changes "sweep-$sweeps"
+  [ "$sweeps" -le "$(nproc)" ] || wait -n
+  (cd "sweep-$sweeps" && sweep "$@") &
+}
 for edit in 'set here/f s x 2' 'set here/f new x 2' 'unset here/f s x' 'set here/f --from changes' 'dump changes -o here/f'; do
   # shellcheck disable=SC2086 # these are words
-  sweep text here/f $edit
+  start_sweep text here/f $edit
 done
-sweep '' here/f set --create here/f s x 2
-sweep '' here/auth.key keygen here
+start_sweep '' here/f set --create here/f s x 2
+start_sweep '' here/auth.key keygen here
+while [ "$(jobs -p | wc -l)" -gt 0 ]; do wait -n; done
 
+mkdir -m 700 here
 # A full disk: there is room for the file once, not twice.
 # shellcheck disable=SC2016 # for the inner shell
 unshare -m sh -c '
@@ -182,4 +191,4 @@ sleep 0.5
 grep -q 'another edit of many is running' err || fail 'an edit without the lock'
 tally 'no lock within 10 s, refused'
 
-for name in "${!count[@]}"; do printf '%6d  %s\n' "${count[$name]}" "$name"; done | sort -k 2
+sort counts | uniq -c

@@ -1,0 +1,326 @@
+// The benchmarks: every operation, on every workload, of this library, of
+// others and of the floors below all of them, in rounds in random order. Prints
+// the ratios; Google Benchmark's options are taken, too.
+//
+//   bench WORKLOAD|growth [--quick] [--benchmark_...]
+//
+// One workload a process, or the heap that a large one leaves behind would slow
+// the others down.
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "benchmarks/floors.h"
+#include "benchmarks/peers.h"
+#include "benchmarks/programs.h"
+#include "benchmarks/ratio_reporter.h"
+#include "benchmarks/workload.h"
+
+namespace quarry::benchmarks {
+
+namespace {
+
+// The folder of all files, gone at the end.
+class Folder {
+ public:
+  Folder() {
+    if (mkdtemp(path_.data()) == nullptr) std::abort();
+  }
+  ~Folder() { std::filesystem::remove_all(path_); }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  std::string operator/(const std::string& name) const {
+    return path_ + '/' + name;
+  }
+
+ private:
+  std::string path_ = "/tmp/quarry-bench-XXXXXX";
+};
+
+const Folder& TheFolder() {
+  static const Folder folder;
+  return folder;
+}
+
+const Workload& WorkloadOf(const std::string& name) {
+  static std::map<std::string, Workload> workloads;
+  const auto [place, is_new] = workloads.try_emplace(name);
+  if (is_new) place->second = MakeWorkload(name);
+  return place->second;
+}
+
+// The file with the text of a workload, and with what follows.
+std::string FileOf(const std::string& name, const std::string& more = "") {
+  const std::string path = TheFolder() / (name + (more.empty() ? "" : "+"));
+  if (!std::filesystem::exists(path)) {
+    std::ofstream(path) << WorkloadOf(name).text << more;
+  }
+  return path;
+}
+
+// A peer that refuses a text would look fast.
+template <typename Pointer>
+Pointer Loaded(Pointer model) {
+  if (!model) throw std::runtime_error("a text was not loaded");
+  return model;
+}
+
+// Entries in random order, as many as one iteration uses; in another letter
+// case when asked.
+const std::vector<Entry>& SampleOf(const std::string& name, bool other_case) {
+  constexpr std::size_t kSize = 1000;
+  static std::map<std::string, std::vector<Entry>> samples;
+  auto& sample = samples[name + (other_case ? "!" : "")];
+  if (!sample.empty()) return sample;
+  std::mt19937 random(7);
+  const auto& entries = WorkloadOf(name).entries;
+  while (sample.size() < kSize) {
+    sample.push_back(entries[random() % entries.size()]);
+  }
+  const auto turn = [](char c) {
+    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    constexpr int kCaseBit = 0x20;
+    return letter ? static_cast<char>(c ^ kCaseBit) : c;
+  };
+  for (Entry& entry : sample) {
+    if (!other_case) break;
+    for (std::string* text : {&entry.section, &entry.option}) {
+      std::transform(text->begin(), text->end(), text->begin(), turn);
+    }
+  }
+  return sample;
+}
+
+// All names, in the order of the tables.
+std::vector<std::string>& Names() {
+  static std::vector<std::string> names;
+  return names;
+}
+
+bool is_quick = false;
+
+// Few of what takes long.
+int RoundsOf(const std::string& workload) {
+  if (is_quick) return 3;
+  const bool is_large = workload == "wide" || workload == "deep" ||
+                        workload == "sorted" || workload == "lines-1000000";
+  return is_large ? 5 : 15;
+}
+
+// Registers `work`, which is given what `prepare` makes anew for each round.
+// Only `work` is timed: what it returns is destroyed outside.
+template <typename Prepare, typename Work>
+void Register(const std::string& operation, const std::string& workload,
+              const std::string& who, Prepare prepare, Work work) {
+  const std::string name = operation + '/' + workload + '/' + who;
+  Names().push_back(name);
+  const auto run = [prepare, work](benchmark::State& state) {
+    using Clock = std::chrono::steady_clock;
+    auto prepared = prepare();
+    for (auto _ : state) {
+      const auto begin = Clock::now();
+      auto result = work(prepared);
+      const std::chrono::duration<double> time = Clock::now() - begin;
+      benchmark::DoNotOptimize(result);
+      state.SetIterationTime(time.count());
+    }
+  };
+  benchmark::RegisterBenchmark(name.c_str(), run)
+      ->UseManualTime()
+      ->Repetitions(RoundsOf(workload));
+}
+
+template <typename Work>
+void Register(const std::string& operation, const std::string& workload,
+              const std::string& who, Work work) {
+  const auto nothing = [] { return 0; };
+  Register(operation, workload, who, nothing, [work](int) { return work(); });
+}
+
+template <typename Peer>
+void RegisterLoads(const std::string& workload) {
+  const std::string& text = WorkloadOf(workload).text;
+  const std::string path = FileOf(workload);
+  Register("load file", workload, Peer::kName,
+           [path] { return Loaded(Peer::LoadFile(path)); });
+  Register("load text", workload, Peer::kName,
+           [&text] { return Loaded(Peer::LoadText(text)); });
+}
+
+// Measures the end of a model's life, not its making.
+template <typename Peer>
+void RegisterDestroy(const std::string& workload) {
+  const std::string name = "destroy/" + workload + '/' + Peer::kName;
+  Names().push_back(name);
+  const std::string& text = WorkloadOf(workload).text;
+  const auto run = [&text](benchmark::State& state) {
+    using Clock = std::chrono::steady_clock;
+    for (auto _ : state) {
+      auto model = Loaded(Peer::LoadText(text));
+      const auto begin = Clock::now();
+      model.reset();
+      const std::chrono::duration<double> time = Clock::now() - begin;
+      state.SetIterationTime(time.count());
+    }
+  };
+  benchmark::RegisterBenchmark(name.c_str(), run)
+      ->UseManualTime()
+      ->Repetitions(RoundsOf(workload));
+}
+
+// What is done with a model of the workload's text.
+template <typename Peer, typename Work>
+void RegisterUse(const std::string& operation, const std::string& workload,
+                 Work work) {
+  const std::string& text = WorkloadOf(workload).text;
+  Register(
+      operation, workload, Peer::kName,
+      [&text] { return Loaded(Peer::LoadText(text)); },
+      [work](auto& model) { return work(model.get()); });
+}
+
+template <typename Peer>
+void RegisterLook(const std::string& operation, const std::string& workload,
+                  bool other_case) {
+  const auto& sample = SampleOf(workload, other_case);
+  RegisterUse<Peer>(operation, workload, [&sample](auto* model) {
+    std::size_t sum = 0;
+    for (const Entry& entry : sample) {
+      sum += Peer::Look(model, entry.section, entry.option);
+    }
+    return sum;
+  });
+}
+
+template <typename Peer>
+void RegisterWrites(const std::string& workload) {
+  const auto& sample = SampleOf(workload, false);
+  RegisterUse<Peer>("set", workload, [&sample](auto* model) {
+    for (const Entry& entry : sample) {
+      Peer::Set(model, entry.section, entry.option, entry.value);
+    }
+    return 0;
+  });
+  RegisterUse<Peer>("list", workload,
+                    [](auto* model) { return Peer::List(model); });
+  RegisterUse<Peer>("dump to string", workload,
+                    [](auto* model) { return Peer::DumpString(model); });
+  RegisterUse<Peer>("dump to file", workload,
+                    [path = TheFolder() / "dump"](auto* model) {
+                      Peer::DumpFile(model, path);
+                      return 0;
+                    });
+}
+
+template <typename Peer>
+void RegisterPeer(const std::string& workload) {
+  RegisterLoads<Peer>(workload);
+  RegisterLook<Peer>("look up", workload, false);
+  RegisterDestroy<Peer>(workload);
+}
+
+void RegisterFloors(const std::string& workload) {
+  const Workload& made = WorkloadOf(workload);
+  const std::string path = FileOf(workload);
+  Register("load file", workload, "read(2)",
+           [&made, path] { return ReadWhole(path, made.text.size()); });
+  Register("load file", workload, "getline", [path] { return GetLines(path); });
+  Register("load text", workload, "memchr",
+           [&made] { return ScanLines(made.text); });
+  Register("load text", workload, "maps",
+           [&made] { return BuildMaps(made.entries); });
+  Register(
+      "dump to file", workload, "write a line",
+      [&made] { return Ours::DumpString(Ours::LoadText(made.text).get()); },
+      [to = TheFolder() / "lines"](const std::string& text) {
+        WriteLines(text, to);
+        return 0;
+      });
+}
+
+// What an agent and a client start with, against the load alone.
+void RegisterPrograms(const std::string& workload) {
+  const std::string path = FileOf(workload, kAgentText);
+  const std::string text = WorkloadOf(workload).text + kAgentText;
+  Register("agent start", workload, "ours",
+           [path] { return StartAgent(path); });
+  Register("agent start", workload, "load alone",
+           [path] { return Ours::LoadFile(path); });
+  Register("client's SetCfg", workload, "ours",
+           [text] { return SetClient(text); });
+  Register("client's SetCfg", workload, "load alone",
+           [text] { return Ours::LoadText(text); });
+}
+
+void RegisterWorkload(const std::string& workload) {
+  RegisterPeer<Ours>(workload);
+  RegisterPeer<SimpleIni>(workload);
+  RegisterPeer<Glib>(workload);
+  RegisterPeer<PropertyTree>(workload);
+  RegisterPeer<Inih>(workload);
+  RegisterLook<Ours>("look up, other case", workload, true);
+  RegisterLook<SimpleIni>("look up, other case", workload, true);
+  RegisterLook<Inih>("look up, other case", workload, true);
+  RegisterWrites<Ours>(workload);
+  RegisterWrites<SimpleIni>(workload);
+  RegisterWrites<Glib>(workload);
+  RegisterWrites<PropertyTree>(workload);
+  RegisterFloors(workload);
+  if (workload == "typical") RegisterPrograms(workload);
+}
+
+// Loads of texts that grow.
+void RegisterGrowth() {
+  for (const char* workload :
+       {"lines-1000", "lines-10000", "lines-100000", "lines-1000000"}) {
+    RegisterLoads<Ours>(workload);
+    RegisterLoads<SimpleIni>(workload);
+  }
+}
+
+int Main(int argc, char** argv) {
+  std::vector<std::string> words(argv, argv + argc);
+  if (words.size() < 2) {
+    std::fputs("usage: bench WORKLOAD|growth [--quick] [--benchmark_...]\n",
+               stderr);
+    return 2;
+  }
+  const std::string workload = words[1];
+  // Before the given ones, which may say otherwise.
+  words[1] = "--benchmark_enable_random_interleaving=true";
+  words.insert(words.begin() + 2, "--benchmark_min_time=0.05");
+  const auto quick = std::find(words.begin(), words.end(), "--quick");
+  is_quick = quick != words.end();
+  if (is_quick) *quick = "--benchmark_min_time=0.02";
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+  if (workload == "growth") {
+    RegisterGrowth();
+  } else {
+    RegisterWorkload(workload);
+  }
+  RatioReporter reporter(Names());
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  return 0;
+}
+
+}  // namespace
+
+}  // namespace quarry::benchmarks
+
+int main(int argc, char** argv) { return quarry::benchmarks::Main(argc, argv); }

@@ -1,0 +1,189 @@
+#include "benchmarks/ratio_reporter.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <optional>
+#include <sstream>
+
+namespace quarry::benchmarks {
+
+namespace {
+
+constexpr char kOurs[] = "ours";
+
+// The value of the key; keys stay in the order in which they came.
+template <typename Value>
+Value& At(std::vector<std::pair<std::string, Value>>* list,
+          const std::string& key) {
+  for (auto& entry : *list) {
+    if (entry.first == key) return entry.second;
+  }
+  list->emplace_back(key, Value());
+  return list->back().second;
+}
+
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+// The highest ratio to reach.
+struct Goal {
+  const char* operation;
+  const char* who;
+  std::map<std::string, double> by_workload;
+};
+
+const std::vector<Goal>& Goals() {
+  static const std::map<std::string, double> kLookUp = {
+      {"typical", 0.80}, {"mid", 0.80},  {"commented", 0.70},
+      {"wide", 0.90},    {"deep", 0.90}, {"sorted", 0.90}};
+  static const std::vector<Goal> kGoals = {
+      {"load file",
+       "SimpleIni",
+       {{"typical", 1.0},
+        {"mid", 0.75},
+        {"commented", 0.80},
+        {"wide", 0.80},
+        {"deep", 0.65},
+        {"sorted", 0.35}}},
+      {"load text",
+       "SimpleIni",
+       {{"typical", 1.0},
+        {"mid", 0.80},
+        {"commented", 0.90},
+        {"wide", 0.70},
+        {"deep", 0.65},
+        {"sorted", 0.35}}},
+      {"look up", "SimpleIni", kLookUp},
+      {"look up, other case", "SimpleIni", kLookUp},
+      {"dump to string",
+       "SimpleIni",
+       {{"typical", 0.40},
+        {"mid", 0.40},
+        {"commented", 0.60},
+        {"wide", 0.40},
+        {"deep", 0.40},
+        {"sorted", 0.40}}},
+      {"dump to file",
+       "write a line",
+       {{"typical", 1.3},
+        {"mid", 1.3},
+        {"commented", 1.3},
+        {"wide", 1.3},
+        {"deep", 1.3},
+        {"sorted", 1.3}}},
+  };
+  return kGoals;
+}
+
+std::optional<double> GoalOf(const std::string& operation,
+                             const std::string& workload,
+                             const std::string& who) {
+  for (const Goal& goal : Goals()) {
+    if (goal.operation != operation || goal.who != who) continue;
+    const auto found = goal.by_workload.find(workload);
+    if (found != goal.by_workload.end()) return found->second;
+  }
+  const bool does_less = who == "ptree" || who == "inih";
+  if (does_less && operation.compare(0, 5, "load ") == 0) return 1.0;
+  return std::nullopt;
+}
+
+std::string TimeText(double nanoseconds) {
+  static const std::array<const char*, 4> kUnits = {"ns", "us", "ms", "s"};
+  std::size_t unit = 0;
+  while (nanoseconds >= 1000 && unit + 1 < kUnits.size()) {
+    nanoseconds /= 1000;
+    ++unit;
+  }
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%.3g %s", nanoseconds, kUnits[unit]);
+  return text.data();
+}
+
+}  // namespace
+
+RatioReporter::RatioReporter(const std::vector<std::string>& names) {
+  for (const std::string& name : names) Find(name);
+}
+
+bool RatioReporter::ReportContext(const Context& context) {
+  (void)context;
+  return true;
+}
+
+void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
+  std::fprintf(stderr, "\r%d measured ", ++measured_);
+  for (const Run& run : runs) {
+    if (run.run_type != Run::RT_Iteration) continue;
+    Find(run.run_name.function_name)->push_back(run.GetAdjustedRealTime());
+  }
+}
+
+RatioReporter::Rounds* RatioReporter::Find(const std::string& name) {
+  std::istringstream parts(name);
+  std::string operation, workload, who;
+  std::getline(parts, operation, '/');
+  std::getline(parts, workload, '/');
+  std::getline(parts, who);
+  return &At(&At(&At(&operations_, operation), workload), who);
+}
+
+void RatioReporter::Finalize() {
+  std::fputs("\r", stderr);
+  for (const auto& [operation, workloads] : operations_) {
+    PrintOperation(operation, workloads);
+  }
+  PrintGrowth();
+  if (missed_ > 0) std::printf("  goals missed: %d\n", missed_);
+}
+
+void RatioReporter::PrintOperation(const std::string& operation,
+                                   const Workloads& workloads) {
+  for (const auto& [workload, contestants] : workloads) {
+    const Rounds& ours = contestants.front().second;
+    if (ours.empty()) continue;  // not among those that were chosen to run
+    std::printf("%-12s %-20s %8s", workload.c_str(), operation.c_str(),
+                TimeText(Median(ours)).c_str());
+    for (const auto& other : contestants) {
+      if (other.first == kOurs || other.second.empty()) continue;
+      PrintRatio(operation + '/' + workload, ours, other);
+    }
+    std::printf("\n");
+  }
+}
+
+void RatioReporter::PrintRatio(const std::string& ratio_of, const Rounds& ours,
+                               const std::pair<std::string, Rounds>& other) {
+  const auto& [who, rounds] = other;
+  Rounds ratios;
+  for (std::size_t i = 0; i < std::min(rounds.size(), ours.size()); ++i) {
+    ratios.push_back(ours[i] / rounds[i]);
+  }
+  const double ratio = Median(ours) / Median(rounds);
+  const auto [low, high] = std::minmax_element(ratios.begin(), ratios.end());
+  std::printf("  %s %.2f (%.2f-%.2f)", who.c_str(), ratio, *low, *high);
+  const std::size_t slash = ratio_of.find('/');
+  const auto goal =
+      GoalOf(ratio_of.substr(0, slash), ratio_of.substr(slash + 1), who);
+  if (!goal) return;
+  std::printf(ratio <= *goal ? " <=%.2f" : " MISSES %.2f", *goal);
+  if (ratio > *goal) ++missed_;
+}
+
+// What a line costs in a text of a million against one of ten thousand.
+void RatioReporter::PrintGrowth() {
+  constexpr double kGoal = 2.6;
+  constexpr double kMoreLines = 100;
+  const Rounds* const small = Find("load text/lines-10000/ours");
+  const Rounds* const large = Find("load text/lines-1000000/ours");
+  if (small->empty() || large->empty()) return;
+  const double growth = Median(*large) / Median(*small) / kMoreLines;
+  std::printf("a line of 1,000,000 to one of 10,000: %.2f %s %.1f\n", growth,
+              growth <= kGoal ? "<=" : "MISSES", kGoal);
+  if (growth > kGoal) ++missed_;
+}
+
+}  // namespace quarry::benchmarks

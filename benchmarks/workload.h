@@ -1,0 +1,33 @@
+// The texts that the benchmarks work on, made anew from a seed each time.
+#ifndef QUARRY_BENCHMARKS_WORKLOAD_H_
+#define QUARRY_BENCHMARKS_WORKLOAD_H_
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace quarry::benchmarks {
+
+struct Entry {
+  std::string section, option, value, comment;
+};
+
+struct Workload {
+  std::string name;
+  std::string text;
+  std::size_t lines = 0;
+  std::vector<Entry> entries;  // what the text says, in its order
+};
+
+// typical    63 lines: 6 sections, some comments, as an agent's file
+// mid        100 sections of 100 options
+// commented  2,000 sections of 20 options with two comment lines each
+// wide       100,000 sections of 5 options
+// deep       one section of 1,000,000 options in random order
+// sorted     the same in order, as the writer leaves them
+// lines-N    N lines in sections of 50 options
+Workload MakeWorkload(const std::string& name);
+
+}  // namespace quarry::benchmarks
+
+#endif  // QUARRY_BENCHMARKS_WORKLOAD_H_
