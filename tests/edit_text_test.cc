@@ -210,6 +210,21 @@ bool ComesBack(const Setting& setting) {
          read.GetOptionValue(setting.section, setting.option, &value, &comment) == 0 && value == setting.value;
 }
 
+void DropComments(DMConfig* model) {
+  std::list<std::string> sections;
+  model->GetSectionList(&sections);
+  for (const std::string& section : sections) {
+    model->DelSectionComment(section);
+    for (auto& option : model->GetOptionMap(section)->option_map) option.second.comment.clear();
+  }
+}
+
+std::string Dump(DMConfig* model) {
+  std::ostringstream out;
+  EXPECT_EQ(DMConfigFile("", "").DumpConfig(&out, model), 0);
+  return out.str();
+}
+
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream in(text);
@@ -291,6 +306,31 @@ TEST_F(RandomEdits, SetWhatIsAskedAndNothingElse) {
   RecordProperty("edits", edits);
 }
 
+// A dump gives back all but that a comment gains a line "#" each time.
+TEST_F(RandomEdits, ComeBackFromADump) {
+  CerrCapture cerr;
+  int dumps = 0;
+  for (int i = 0; i < 20000; ++i) {
+    const std::string text = Text();
+    SCOPED_TRACE(Shown(text));
+    DMConfig first, second;
+    if (Load(text, &first) != 0) continue;
+    const std::string dump = Dump(&first);
+    ASSERT_EQ(Load(dump, &second), 0);
+    std::string wanted;
+    for (const std::string& line : Lines(dump)) {
+      const bool comment_begins = line == "#" && (wanted.empty() || wanted.compare(wanted.size() - 3, 3, "\n#\n") != 0);
+      wanted += (comment_begins ? "#\n" : "") + line + '\n';
+    }
+    ASSERT_EQ(Dump(&second), wanted);
+    DropComments(&first);
+    DropComments(&second);
+    ASSERT_EQ(Render(&second), Render(&first));
+    ++dumps;
+  }
+  EXPECT_GT(dumps, 2000);
+}
+
 TEST_F(RandomEdits, UnsetWhatIsAskedAndNothingElse) {
   CerrCapture cerr;
   int edits = 0;
@@ -306,14 +346,8 @@ TEST_F(RandomEdits, UnsetWhatIsAskedAndNothingElse) {
     const std::string edited = WithoutOption("f", text, setting.section, setting.option, false).text;
     ASSERT_EQ(Load(edited, &found), 0);
     wanted.DelOption(setting.section, setting.option);
-    for (DMConfig* model : {&wanted, &found}) {  // comments may change owner
-      std::list<std::string> sections;
-      model->GetSectionList(&sections);
-      for (const std::string& section : sections) {
-        model->DelSectionComment(section);
-        for (auto& option : model->GetOptionMap(section)->option_map) option.second.comment.clear();
-      }
-    }
+    DropComments(&wanted);  // they may change owner
+    DropComments(&found);
     ASSERT_EQ(Render(&found), Render(&wanted));
     ++edits;
   }
