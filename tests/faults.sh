@@ -113,7 +113,7 @@ demand_order() {
 
 sweep() { # OLD TARGET COMMAND...
   local old=$1 target=$2 command=("${@:3}") status now what
-  local line name on=0
+  local line name on=0 faulted=0
   local -A seen=()
   prepare
   strace -qq -y -o trace "$program" "${command[@]}" 2>err || fail "${command[*]} fails"
@@ -125,10 +125,12 @@ sweep() { # OLD TARGET COMMAND...
     seen[$name]=$((${seen[$name]:-0} + 1))
     [[ $name != execve && $line == *here* ]] && on=1
     [[ $on = 0 || ! $name =~ ^($calls)$ || $line == 'write(2'* ]] && continue
+    faulted=$((faulted + 1))
     tally 'calls'
     fail_each_call "$name" "${seen[$name]}" "$line"
     end_at_each_call "$name" "${seen[$name]}"
   done <trace
+  [ "$faulted" -ge 15 ] || fail "${command[*]}: only $faulted calls were found to fail"
 }
 
 printf '; c\n[s]\nx = 1\n' >text

@@ -26,9 +26,8 @@ const char kInput[] = "FILE may be \"-\" for standard input.\n";
 const char kStatuses[] =
     "\"--\" ends the options.\n"
     "Exit status: 0 done; 1 the answer is no (errors found, option absent, a\n"
-    "value that would not be read back); 2 wrong usage; 3 it could not be "
-    "done\n"
-    "(a file unreadable, invalid, locked or not written).";
+    "value that would not be read back); 2 wrong usage; 3 it could not be\n"
+    "done (a file unreadable, invalid, locked or not written).";
 
 // The command line and what it asked for. Only the command that is wanted is
 // declared, or all of them when it is none of them: to declare them takes
