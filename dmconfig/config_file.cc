@@ -106,12 +106,13 @@ int TextReader::ReadOption(std::string_view line) {
   const OptionLine option = ParseOption(line, section_ != nullptr);
   if (option.fault != LineFault::kNone) return Refuse(option.fault, line);
 
-  OptionValue& stored = FindOrAddOption(section_, std::string(option.name));
-  if (pending_comment_.empty()) {
-    stored.value = option.value;
-    return kStatusOk;
+  OptionValue* const present = AddOption(section_, std::string(option.name),
+                                         option.value, pending_comment_);
+  if (present != nullptr && pending_comment_.empty()) {
+    present->value = option.value;
+  } else if (present != nullptr) {
+    StoreValueAndComment(present, option.value, pending_comment_);
   }
-  StoreValueAndComment(&stored, option.value, pending_comment_);
   pending_comment_.clear();
   return kStatusOk;
 }
