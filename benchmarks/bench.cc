@@ -8,6 +8,7 @@
 // the others down.
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <chrono>
@@ -101,6 +102,15 @@ const std::vector<Entry>& SampleOf(const std::string& name, bool other_case) {
     }
   }
   return sample;
+}
+
+// Keeps memory once it is given back, for everybody: else the C library decides
+// by what came before whether a round has to pay for fresh pages.
+void KeepPages() {
+  constexpr int kNever = 1 << 30;
+  if (mallopt(M_MMAP_MAX, 0) == 0 || mallopt(M_TRIM_THRESHOLD, kNever) == 0) {
+    std::abort();
+  }
 }
 
 // All names, in the order of the tables.
@@ -297,6 +307,7 @@ int Main(int argc, char** argv) {
                stderr);
     return 2;
   }
+  KeepPages();
   const std::string workload = words[1];
   // Before the given ones, which may say otherwise.
   words[1] = "--benchmark_enable_random_interleaving=true";
