@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/base64.h"
 #include "platform/file_descriptor.h"
 #include "platform/sealed_password.h"
 
@@ -17,7 +18,6 @@ namespace {
 
 constexpr std::string_view kPrefix = "quarry-config-key:v1:";
 constexpr std::size_t kKeyBytes = crypto_aead_xchacha20poly1305_ietf_KEYBYTES;
-constexpr int kBase64 = sodium_base64_VARIANT_URLSAFE_NO_PADDING;
 constexpr std::size_t kEncodedBytes =
     sodium_base64_ENCODED_LEN(kKeyBytes, kBase64) - 1;  // counts a NUL
 static_assert(kKeyFileBytes == kPrefix.size() + kEncodedBytes + 1);
@@ -40,9 +40,8 @@ DecryptResult DecodeKey(const char* text, unsigned char* key) {
     return kDecryptNotAKeyFile;
   }
   std::size_t size = 0;
-  const bool decoded =
-      sodium_base642bin(key, kKeyBytes, text + kPrefix.size(), kEncodedBytes,
-                        nullptr, &size, nullptr, kBase64) == 0;
+  const bool decoded = DecodeBase64({text + kPrefix.size(), kEncodedBytes}, key,
+                                    kKeyBytes, &size);
   return decoded && size == kKeyBytes ? kDecryptDone : kDecryptNotAKeyFile;
 }
 

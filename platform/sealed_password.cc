@@ -6,6 +6,8 @@
 #include <array>
 #include <cstring>
 
+#include "platform/base64.h"
+
 namespace quarry::platform {
 
 namespace {
@@ -20,7 +22,6 @@ constexpr std::size_t kLongestPadded =
     (kLongestPassword / kBlockBytes + 1) * kBlockBytes;
 constexpr std::size_t kHeadBytes = kIdBytes + kNonceBytes;
 constexpr std::size_t kLongestSealed = kHeadBytes + kLongestPadded + kTagBytes;
-constexpr int kBase64 = sodium_base64_VARIANT_URLSAFE_NO_PADDING;
 
 using KeyId = std::array<unsigned char, kIdBytes>;
 
@@ -65,10 +66,8 @@ bool IsSealed(std::string_view stored) {
 DecryptResult Decode(std::string_view stored, SealedBytes* sealed) {
   if (!IsSealed(stored)) return kDecryptNotSealed;
   stored.remove_prefix(kSealedPrefix.size());
-  const bool decoded =
-      sodium_base642bin(sealed->bytes.data(), sealed->bytes.size(),
-                        stored.data(), stored.size(), nullptr, &sealed->size,
-                        nullptr, kBase64) == 0;
+  const bool decoded = DecodeBase64(stored, sealed->bytes.data(),
+                                    sealed->bytes.size(), &sealed->size);
   const bool sized = decoded && sealed->size >= kHeadBytes + kTagBytes &&
                      sealed->padded_size() > 0 &&
                      sealed->padded_size() % kBlockBytes == 0;

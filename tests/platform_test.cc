@@ -94,7 +94,7 @@ TEST_F(PlatformTest, RefusesEveryChangedForm) {
   ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
   std::string longest;
   ASSERT_EQ(SealPassword(key, std::string(254, 'p'), &longest), kDecryptDone);
-  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_=+/ \n";
+  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_=+/ \n\x80\xFF";
   int refused = 0;
   const auto expect_refused = [&](const std::string& form) {
     char out[255];
@@ -116,7 +116,7 @@ TEST_F(PlatformTest, RefusesEveryChangedForm) {
     expect_refused(form + "A");
     expect_refused(form + std::string(4000, 'A'));
   }
-  EXPECT_EQ(refused, (154 + 410) * (69 - 1 + 3) + 6 + 4);
+  EXPECT_EQ(refused, (154 + 410) * (71 - 1 + 3) + 6 + 4);
 }
 
 TEST_F(PlatformTest, TellsWhyAPasswordDoesNotOpen) {
@@ -155,6 +155,7 @@ TEST_F(PlatformTest, TakesOnlyKeyFilesThatAreWhole) {
       body.substr(0, body.size() - 1) + "9\n",  // bits that mean nothing
       "quarry-config-key:v2:" + kKeyLine.substr(21),
       body.substr(0, 30) + " " + kKeyLine.substr(31),
+      body.substr(0, 30) + "\xFF" + kKeyLine.substr(31),
       std::string(5000, 'A'),
   };
   for (const std::string& text : wrong) {
