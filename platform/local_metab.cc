@@ -1,6 +1,8 @@
 #include "platform/local_metab.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,19 +23,29 @@ using quarry::platform::WriteAll;
 namespace {
 
 constexpr std::string_view kScheme = "file://";
+constexpr std::string_view kCopyPrefix = ".quarry-table-";
 
 bool SameTime(const timespec& left, const timespec& right) {
   return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }
 
+// Whether it is a file of this user's that nobody has locked; it is locked
+// then.
+bool IsAbandoned(int descriptor) {
+  struct stat status {};
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+         status.st_uid == geteuid() &&
+         flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+}
+
 // A private copy of one routing table, waiting beside its target. Removed
-// unless it has been put in place.
+// unless it has been put in place; locked for its life, so that one that a
+// killed process left is told from one that is in use.
 class PendingTable {
  public:
   explicit PendingTable(const std::string& target)
       : target_(target),
         folder_(target.substr(0, target.rfind('/') + 1)),
-        copy_(folder_ + ".quarry-table-XXXXXX"),
         folder_descriptor_(open(folder_.empty() ? "." : folder_.c_str(),
                                 O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
         out_(-1) {}
@@ -48,6 +60,8 @@ class PendingTable {
 
  private:
   cr_status_t Make();
+  bool MakeAndLock();
+  void RemoveAbandoned() const;
   cr_status_t Fill(int source);
 
   const std::string target_;
@@ -86,10 +100,40 @@ cr_status_t PendingTable::Make() {
     return kRoutingTargetIsFolder;
   }
   if (folder_descriptor_.get() == -1) return kRoutingTargetFailed;
-  // Opened exclusively with mode 0600.
-  out_.Reset(mkostemp(copy_.data(), O_CLOEXEC));
-  made_ = out_.get() != -1;
-  return made_ ? 0 : kRoutingTargetFailed;
+  RemoveAbandoned();
+  return MakeAndLock() ? 0 : kRoutingTargetFailed;
+}
+
+// Another process may take a new file for abandoned until it is locked; then it
+// is made again.
+bool PendingTable::MakeAndLock() {
+  for (;;) {
+    copy_.assign(folder_).append(kCopyPrefix).append("XXXXXX");
+    out_.Reset(mkostemp(copy_.data(), O_CLOEXEC));  // with mode 0600
+    if (out_.get() == -1) return false;
+    const bool taken =
+        flock(out_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    const bool gone = access(copy_.c_str(), F_OK) != 0 && errno == ENOENT;
+    made_ = !taken && !gone;
+    if (made_) return true;
+  }
+}
+
+void PendingTable::RemoveAbandoned() const {
+  DIR* const folder = opendir(folder_.empty() ? "." : folder_.c_str());
+  if (folder == nullptr) return;
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream is ours alone.
+  while (const dirent* entry = readdir(folder)) {
+    const std::string_view name = entry->d_name;
+    if (name.substr(0, kCopyPrefix.size()) != kCopyPrefix) continue;
+    const FileDescriptor found(
+        openat(folder_descriptor_.get(), entry->d_name,
+               O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (IsAbandoned(found.get())) {
+      unlinkat(folder_descriptor_.get(), entry->d_name, 0);
+    }
+  }
+  closedir(folder);
 }
 
 cr_status_t PendingTable::Fill(int source) {
@@ -100,8 +144,7 @@ cr_status_t PendingTable::Fill(int source) {
     }
     if (!WriteAll(out_.get(), bytes.data(), size)) return kRoutingTargetFailed;
   }
-  const bool on_disk = fsync(out_.get()) == 0 && out_.Close();
-  return on_disk ? 0 : kRoutingTargetFailed;
+  return fsync(out_.get()) == 0 ? 0 : kRoutingTargetFailed;
 }
 
 cr_status_t PendingTable::PutInPlace() {

@@ -33,8 +33,9 @@ class QUARRY_EXPORT LocalMetab : public LibMetabInterface {
   // target is touched before both copies are complete; a failure between the
   // two renames leaves the first one new and returns kRoutingTargetFailed.
   // A table that changes while it is copied is refused; exchange tables by
-  // rename. A status other than 0 leaves no other file behind; a process that
-  // is killed may leave ".quarry-table-" and six characters beside a target.
+  // rename. No other file is left behind, but by a process that is killed: its
+  // ".quarry-table-" and six characters beside a target goes with the same
+  // user's next call.
   cr_status_t GetRoutingTables(const std::string& ledger_url,
                                const std::string& cr_login,
                                const std::string& cr_password,

@@ -1,6 +1,8 @@
 // The local stand-ins: sealed passwords, key files, the metabase on a folder.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,6 +16,7 @@
 #include <type_traits>
 
 #include "platform/cr_runtime.h"
+#include "platform/file_descriptor.h"
 #include "platform/local_metab.h"
 #include "platform/sealed_password.h"
 #include "tests/support.h"
@@ -255,7 +258,14 @@ TEST_F(PlatformTest, CopiesTheRoutingTables) {
   expect_no_change(kRoutingTargetFailed, url, "missing/c");
 
   ASSERT_EQ(symlink("../kept", Path("out/c").c_str()), 0);
+  const std::string abandoned = "out/.quarry-table-abcdef", used = "out/.quarry-table-ghijkl";
+  Write(abandoned, "");
+  Write(used, "");
+  const FileDescriptor user(open(Path(used).c_str(), O_RDONLY));
+  ASSERT_EQ(flock(user.get(), LOCK_EX), 0);
   EXPECT_EQ(fetch(url, "out/r", "out/c"), 0);
+  EXPECT_NE(access(Path(abandoned).c_str(), F_OK), 0);
+  EXPECT_EQ(access(Path(used).c_str(), F_OK), 0);
   EXPECT_EQ(Read("out/r"), large);
   EXPECT_EQ(Read("out/c") + Read("kept"), "kept");  // the link was replaced
   struct stat status {};
