@@ -287,5 +287,34 @@ TEST(AgentCfg, LeavesThePasswordInNoMemory) {
   }
 }
 
+TEST(AgentCfg, IsThereWholeOrNotWithoutMemory) {
+  decryption = {};
+  decryption.plain = "a plain password too long for a small string";
+  const std::string path = Written("# c\n" + kComplete);
+  const CerrCapture cerr;
+  WatchFreedMemory(decryption.plain);
+  const auto start = [&](std::shared_ptr<FakeMetab>* metab) {
+    try {
+      const AgentCfg cfg(*metab, path);
+      return 0;
+    } catch (const Cr_ErrnoException& error) {
+      return error.status();
+    }
+  };
+  const auto metab = [] {
+    auto owner = std::make_unique<std::shared_ptr<FakeMetab>>(std::make_shared<FakeMetab>());
+    (*owner)->forgetful = true;
+    return owner;
+  };
+  FailEachAllocation("AgentCfg", metab, start, [&](std::shared_ptr<FakeMetab>* owner, int result) {
+    // 4 when it was the reader that had none.
+    EXPECT_TRUE(result == kThrown || result == 4) << result;
+    EXPECT_EQ(owner->use_count(), 1);
+    EXPECT_EQ(start(owner), 0);
+  });
+  EXPECT_EQ(FreedSecrets(), 0);
+  WatchFreedMemory("");
+}
+
 }  // namespace
 }  // namespace storage::config

@@ -7,6 +7,7 @@
 #include <memory>
 #include <thread>
 
+#include "tests/chunk_buffer.h"
 #include "tests/support.h"
 
 namespace quarry::storage::dmconfig {

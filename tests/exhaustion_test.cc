@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "config/client_config.h"
 #include "dmconfig/config.h"
 #include "dmconfig/config_file.h"
+#include "tests/chunk_buffer.h"
 #include "tests/support.h"
 #include "tests/test_allocator.h"
 
@@ -24,8 +26,6 @@ const std::string kNewSection = kBefore + " " + kName + "{}";
 const std::string kNewOption = "S(" + kText + "){" + kName + "= o=" + kText + "(" + kText + ")}";
 const std::string kBoth = kBefore + " " + kName + "{" + kName + "=}";
 
-constexpr int kThrown = 1;
-
 struct ExhaustionCase {
   std::string name;
   std::function<int(DMConfig*)> operation;
@@ -33,40 +33,28 @@ struct ExhaustionCase {
   std::vector<std::string> models;  // what may be left
 };
 
-// Runs the operation with its n-th allocation failing, on a model that `fill`
-// made, for n = 1, 2, ... until the operation does not need that many.
+// Runs the operation on a model that `fill` made, without memory.
 void Sweep(const ExhaustionCase& c, const std::function<void(DMConfig*)>& fill) {
-  SCOPED_TRACE(c.name);
-  const long faults_before = AllocationFaults();
-  for (const bool persistent : {false, true}) {
-    bool reached = true;
-    for (long n = 1; reached; ++n) {
-      DMConfig model;
-      fill(&model);
-      const long faults_so_far = AllocationFaults();
-      int result = kThrown;
-      FailAllocation(n, persistent);
-      try {
-        result = c.operation(&model);
-      } catch (const std::bad_alloc&) {
-      }
-      FailAllocation(0);
-      reached = AllocationFaults() != faults_so_far;
-      if (!reached) continue;
+  const auto filled = [&] {
+    auto model = std::make_unique<DMConfig>();
+    fill(model.get());
+    return model;
+  };
+  FailEachAllocation(c.name, filled, c.operation, [&](DMConfig* model, int result) {
+    EXPECT_NE(std::find(c.results.begin(), c.results.end(), result), c.results.end()) << "result " << result;
+    const std::string left = Render(model);
+    EXPECT_NE(std::find(c.models.begin(), c.models.end(), left), c.models.end()) << left;
+    // Map and list name the same sections, and all can be used again.
+    const bool listed = left.find(kName + "{") != std::string::npos;
+    EXPECT_EQ(model->HasSection(kName), listed ? 0 : -6);
+    EXPECT_EQ(model->SetOptionValue(kName, kName, "again"), 0);
+    EXPECT_NE(Render(model).find(kName + "=again"), std::string::npos);
+  });
+}
 
-      SCOPED_TRACE(n);
-      EXPECT_NE(std::find(c.results.begin(), c.results.end(), result), c.results.end()) << "result " << result;
-      const std::string left = Render(&model);
-      EXPECT_NE(std::find(c.models.begin(), c.models.end(), left), c.models.end()) << left;
-      // Map and list name the same sections, and all can be used again.
-      const bool listed = left.find(kName + "{") != std::string::npos;
-      EXPECT_EQ(model.HasSection(kName), listed ? 0 : -6);
-      EXPECT_EQ(model.SetOptionValue(kName, kName, "again"), 0);
-      EXPECT_NE(Render(&model).find(kName + "=again"), std::string::npos);
-    }
-  }
-  EXPECT_GT(AllocationFaults(), faults_before);
-  std::cout << c.name << ": " << AllocationFaults() - faults_before << " allocations failed\n";
+void FillBefore(DMConfig* model) {
+  model->SetOptionValue("S", "o", kText, kText);
+  model->SetSectionComment("S", kText);
 }
 
 // The same for an operation in words, in which "+" stands for a new name or text,
@@ -77,8 +65,7 @@ void SweepOperation(std::string words, std::vector<int> results, std::vector<std
   Outputs outputs;
   const auto run = [&](DMConfig* model) { return operation.Run(model, &outputs); };
   Sweep({words, run, std::move(results), std::move(models)}, [&](DMConfig* model) {
-    model->SetOptionValue("S", "o", kText, kText);
-    model->SetSectionComment("S", kText);
+    FillBefore(model);
     outputs = Outputs();
     outputs.names.clear();
     // Short texts, so that to fill them allocates.
@@ -115,8 +102,7 @@ TEST(Exhaustion, StopsTheWriter) {
     std::ostringstream out;
     return DMConfigFile("", "").DumpConfig(&out, model);
   };
-  Sweep({"DumpConfig", dump, {kThrown, -4}, {"S(" + kText + "){}"}},
-        [](DMConfig* model) { model->SetSectionComment("S", kText); });
+  Sweep({"DumpConfig", dump, {kThrown, -4}, {kBefore}}, FillBefore);
 }
 
 TEST(Exhaustion, StopsTheReaderBetweenLines) {
@@ -128,10 +114,8 @@ TEST(Exhaustion, StopsTheReaderBetweenLines) {
       "",
       "S{}",
       section + "}",
-      section + "o=}",
       section + "o=" + kText + "(\n#" + kText + ")}",
       option + kName + "{}",
-      option + kName + "{" + kName + "=}",
       option + kName + "{" + kName + "=" + kText + "}",
   };
   // In place, and line by line through std::getline, which turns an allocation
@@ -147,6 +131,17 @@ TEST(Exhaustion, StopsTheReaderBetweenLines) {
            models},
           [](DMConfig*) {});
   }
+}
+
+TEST(Exhaustion, LeavesTheClientsModeAsItWas) {
+  const std::string text = "[lynx]\n" + kName + "=" + kText + "\ningest_mode=on\n";
+  FailEachAllocation(
+      "SetCfg", [] { return std::make_unique<::storage::config::ClientCfg>(); },
+      [&](::storage::config::ClientCfg* cfg) { return cfg->SetCfg(text); },
+      [](::storage::config::ClientCfg* cfg, int result) {
+        EXPECT_NE(result, 0);
+        EXPECT_FALSE(cfg->ingest_mode_on_);
+      });
 }
 
 }  // namespace

@@ -2,12 +2,9 @@
 #ifndef QUARRY_TESTS_SUPPORT_H_
 #define QUARRY_TESTS_SUPPORT_H_
 
-#include <algorithm>
 #include <list>
 #include <sstream>
-#include <stdexcept>
 #include <string>
-#include <utility>
 
 #include "dmconfig/config.h"
 
@@ -62,31 +59,6 @@ class CerrCapture {
  private:
   std::ostringstream caught_;
   std::streambuf* const original_;
-};
-
-// A stream buffer that shows `chunk` bytes of its text at a time and, when
-// `fails` is set, throws at the end instead of ending.
-class ChunkBuffer : public std::streambuf {
- public:
-  ChunkBuffer(std::string text, std::size_t chunk, bool fails = false)
-      : text_(std::move(text)), chunk_(chunk), fails_(fails) {}
-
- protected:
-  int_type underflow() override {
-    const std::size_t count = std::min(chunk_, text_.size() - shown_);
-    if (count == 0 && fails_) throw std::runtime_error("read error");
-    if (count == 0) return traits_type::eof();
-    char* const begin = text_.data() + shown_;
-    setg(begin, begin, begin + count);
-    shown_ += count;
-    return traits_type::to_int_type(*begin);
-  }
-
- private:
-  std::string text_;
-  const std::size_t chunk_;
-  const bool fails_;
-  std::size_t shown_ = 0;
 };
 
 #endif  // QUARRY_TESTS_SUPPORT_H_
