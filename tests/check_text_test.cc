@@ -2,18 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <random>
-#include <sstream>
-
-#include "dmconfig/config_file.h"
-#include "tests/support.h"
 #include "tools/display.h"
 
 namespace quarry::tool {
 namespace {
-
-using std::string_literals::operator""s;
 
 // All findings, each as "LINE:COLUMN+LENGTH MESSAGE", warnings with a "w".
 std::string Findings(const std::string& text) {
@@ -107,48 +99,6 @@ TEST(CheckText, SaysWhatToWrite) {
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings[0].hint, c.hint);
   }
-}
-
-// The number of the line at which the library stops; 0 when it loads the text.
-std::size_t LibraryStopsAt(const std::string& text) {
-  std::istringstream in(text);
-  storage::dmconfig::DMConfig model;
-  if (storage::dmconfig::DMConfigFile("", "").LoadConfig(&in, &model) == 0) {
-    return 0;
-  }
-  const auto line_feeds = [&](std::string::const_iterator end) {
-    return static_cast<std::size_t>(std::count(text.begin(), end, '\n'));
-  };
-  if (in.eof()) return line_feeds(text.end()) + 1;
-  return line_feeds(text.begin() + in.tellg());
-}
-
-TEST(CheckText, AgreesWithTheLibraryOnRandomTexts) {
-  const std::string pieces[] = {
-      "[",  "]",  "=", "#", ";",     " ",  "\t",   "\r", "\n", "\n", "a", "[a]\n", "b=1", "\0"s, "\xEF\xBB\xBF",
-      "\f", "x ", "A", ":", "[b]\n", "a=", "\xFF",
-  };
-  std::mt19937 random(20261124);
-  std::uniform_int_distribution<std::size_t> piece(0, std::size(pieces) - 1);
-  std::uniform_int_distribution<int> length(0, 16);
-  CerrCapture cerr;
-  int loaded = 0;
-  constexpr int kTexts = 300000;
-  for (int i = 0; i < kTexts; ++i) {
-    std::string text;
-    for (int n = length(random); n > 0; --n) text += pieces[piece(random)];
-    std::size_t first_error = 0;
-    for (const Finding& f : CheckText(text, "f")) {
-      if (first_error == 0 && f.severity == Severity::kError) {
-        first_error = f.line;
-      }
-    }
-    ASSERT_EQ(first_error, LibraryStopsAt(text)) << Shown(text);
-    if (first_error == 0) ++loaded;
-  }
-  // Both outcomes were met often.
-  EXPECT_GT(loaded, kTexts / 10);
-  EXPECT_LT(loaded, kTexts - kTexts / 10);
 }
 
 TEST(FindingReport, QuotesTheLineAndMarksIt) {

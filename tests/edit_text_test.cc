@@ -2,35 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-#include <sstream>
-
-#include "dmconfig/config_file.h"
-#include "tests/support.h"
 #include "tools/checked_edit.h"
-#include "tools/display.h"
 #include "tools/errors.h"
 #include "tools/unified_diff.h"
 
 namespace quarry::tool {
 namespace {
 
-using storage::dmconfig::DMConfig;
-using storage::dmconfig::DMConfigFile;
-using std::string_literals::operator""s;
-
 std::string Set(const std::string& text, const std::vector<Setting>& settings) {
   return WithSettings("f", text, settings).text;
-}
-
-// The exit status of an edit that is refused.
-ExitStatus Refusal(const std::string& text, const Setting& setting) {
-  try {
-    Set(text, {setting});
-  } catch (const ToolError& error) {
-    return error.exit_status();
-  }
-  return kExitDone;
 }
 
 TEST(EditText, SetsAndLeavesTheRest) {
@@ -111,12 +91,6 @@ TEST(EditText, RemovesEveryLineOfAnOption) {
   }
 }
 
-TEST(EditText, RefusesANulByte) {
-  for (const Setting& setting : {Setting{"a\0"s, "x", ""}, Setting{"a", "x\0"s, ""}, Setting{"a", "x", "1\0"s}}) {
-    EXPECT_THROW(DemandReadable(setting), ToolError);
-  }
-}
-
 TEST(IsSameModel, SeesWhatProgramsSee) {
   struct Case {
     const char* name;
@@ -192,166 +166,6 @@ TEST(UnifiedDiff, ShowsWhatPatchTakes) {
     SCOPED_TRACE(c.name);
     EXPECT_EQ(UnifiedDiff("f", c.text, c.edit), c.hunks.empty() ? "" : "--- f\n+++ f\n" + c.hunks);
   }
-}
-
-int Load(const std::string& text, DMConfig* model) {
-  std::istringstream in(text);
-  return DMConfigFile("", "").LoadConfig(&in, model);
-}
-
-// Whether a program that saves the setting gets it back.
-bool ComesBack(const Setting& setting) {
-  DMConfig written, read;
-  std::ostringstream out;
-  std::string value, comment;
-  return written.SetOptionValue(setting.section, setting.option, setting.value) == 0 &&
-         DMConfigFile("", "").DumpConfig(&out, &written) == 0 && Load(out.str(), &read) == 0 &&
-         read.HasSection(setting.section) == 0 &&
-         read.GetOptionValue(setting.section, setting.option, &value, &comment) == 0 && value == setting.value;
-}
-
-void DropComments(DMConfig* model) {
-  std::list<std::string> sections;
-  model->GetSectionList(&sections);
-  for (const std::string& section : sections) {
-    model->DelSectionComment(section);
-    for (auto& option : model->GetOptionMap(section)->option_map) option.second.comment.clear();
-  }
-}
-
-std::string Dump(DMConfig* model) {
-  std::ostringstream out;
-  EXPECT_EQ(DMConfigFile("", "").DumpConfig(&out, model), 0);
-  return out.str();
-}
-
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  return lines;
-}
-
-// How many of the old lines did not stay, from the both ends towards the edit.
-std::size_t CountTouched(std::vector<std::string> before, std::vector<std::string> after) {
-  while (!before.empty() && !after.empty() && before.back() == after.back()) before.pop_back(), after.pop_back();
-  std::size_t same = 0;
-  while (same < before.size() && same < after.size() && before[same] == after[same]) ++same;
-  return before.size() - same;
-}
-
-class RandomEdits : public testing::Test {
- protected:
-  std::size_t Below(std::size_t end) { return std::uniform_int_distribution<std::size_t>(0, end - 1)(random_); }
-  template <std::size_t kSize>
-  std::string Any(const char* const (&words)[kSize]) {
-    return words[Below(kSize)];
-  }
-  std::string Text() {
-    std::string text = Any({"[a]\n", "[b]\n#c\n", "\r[new]\r\n", ""});
-    for (std::size_t n = Below(12); n > 0; --n) {
-      text += Any({"[a]", "[b]", "[A]", " [b ]", "[a]\r", "x=1", "X = 2 ", "\ty =3\r", "z=", "x =\t", " y= a = b", "#c",
-                   "; d", "", "\r", "x\r=1", "w 1=", "w 1"});
-      if (n > 1 || Below(4) > 0) text += '\n';
-    }
-    return text;
-  }
-  Setting AnySetting() {
-    return {Any({"a", "B", "b ", "new", "", "a]", "c\n", "[", "\rd"}),
-            Any({"x", "Y", "z", "new", "w 1", "a.b", "", " x", "x\t", "\rx", "x\r", "#x", ";", "[x", "x=", "y\n"}),
-            Any({"", "1", "2", "a = b", " ", "\t", " 1", "1 ", "1\r", "\r", "# 1", "1\n", "[a]"})};
-  }
-  std::mt19937 random_{20261125};
-};
-
-TEST_F(RandomEdits, SetWhatIsAskedAndNothingElse) {
-  CerrCapture cerr;
-  int edits = 0, refused = 0, invalid = 0;
-  for (int i = 0; i < 100000; ++i) {
-    const std::string text = Text();
-    const Setting setting = AnySetting();
-    SCOPED_TRACE(Shown(text) + " <- [" + Shown(setting.section) + "] " + Shown(setting.option) + " = " +
-                 Shown(setting.value));
-    DMConfig wanted, found;
-    const bool valid = Load(text, &wanted) == 0;
-    const bool comes_back = ComesBack(setting);
-    if (!valid || !comes_back) {
-      ASSERT_EQ(Refusal(text, setting), comes_back ? kExitFailed : kExitNo);
-      ++(valid ? refused : invalid);
-      continue;
-    }
-    const bool new_section = wanted.HasSection(setting.section) != 0;
-    std::string value, comment;
-    const bool new_option =
-        new_section || wanted.GetOptionValue(setting.section, setting.option, &value, &comment) != 0;
-    const std::string edited = Set(text, {setting});
-    ASSERT_EQ(Load(edited, &found), 0);
-    wanted.SetOptionValue(setting.section, setting.option, setting.value);
-    if (new_section) {  // what stood at the end of the text is above it now
-      found.GetSectionComment(setting.section, &comment);
-      wanted.SetSectionComment(setting.section, comment);
-    }
-    ASSERT_EQ(Render(&found), Render(&wanted));
-    ASSERT_LE(CountTouched(Lines(text), Lines(edited)), new_option || value == setting.value ? 0U : 1U);
-    ASSERT_EQ(text.empty() || text.back() == '\n', edited.back() == '\n');
-    ASSERT_EQ(Set(edited, {setting}), edited);
-    if (new_option && !new_section) {
-      ASSERT_EQ(WithoutOption("f", edited, setting.section, setting.option, false).text, text);
-    }
-    ++edits;
-  }
-  EXPECT_GT(edits, 10000);
-  EXPECT_GT(refused, 10000);
-  EXPECT_GT(invalid, 10000);
-  RecordProperty("edits", edits);
-}
-
-// A dump gives back all but that a comment gains a line "#" each time.
-TEST_F(RandomEdits, ComeBackFromADump) {
-  CerrCapture cerr;
-  int dumps = 0;
-  for (int i = 0; i < 20000; ++i) {
-    const std::string text = Text();
-    SCOPED_TRACE(Shown(text));
-    DMConfig first, second;
-    if (Load(text, &first) != 0) continue;
-    const std::string dump = Dump(&first);
-    ASSERT_EQ(Load(dump, &second), 0);
-    std::string wanted;
-    for (const std::string& line : Lines(dump)) {
-      const bool comment_begins = line == "#" && (wanted.empty() || wanted.compare(wanted.size() - 3, 3, "\n#\n") != 0);
-      wanted += (comment_begins ? "#\n" : "") + line + '\n';
-    }
-    ASSERT_EQ(Dump(&second), wanted);
-    DropComments(&first);
-    DropComments(&second);
-    ASSERT_EQ(Render(&second), Render(&first));
-    ++dumps;
-  }
-  EXPECT_GT(dumps, 2000);
-}
-
-TEST_F(RandomEdits, UnsetWhatIsAskedAndNothingElse) {
-  CerrCapture cerr;
-  int edits = 0;
-  for (int i = 0; i < 50000; ++i) {
-    const std::string text = Text();
-    const Setting setting = {Any({"a", "B", "b "}), Any({"x", "Y", "z", "W 1"}), ""};
-    SCOPED_TRACE(Shown(text) + " without [" + Shown(setting.section) + "] " + Shown(setting.option));
-    DMConfig wanted, found;
-    std::string value, comment;
-    if (Load(text, &wanted) != 0 || wanted.GetOptionValue(setting.section, setting.option, &value, &comment) != 0) {
-      continue;
-    }
-    const std::string edited = WithoutOption("f", text, setting.section, setting.option, false).text;
-    ASSERT_EQ(Load(edited, &found), 0);
-    wanted.DelOption(setting.section, setting.option);
-    DropComments(&wanted);  // they may change owner
-    DropComments(&found);
-    ASSERT_EQ(Render(&found), Render(&wanted));
-    ++edits;
-  }
-  EXPECT_GT(edits, 2000);
 }
 
 }  // namespace

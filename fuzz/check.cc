@@ -1,0 +1,45 @@
+// Promise: `check` finds an error exactly when the library refuses the text,
+// the first one on the line where it stops; its reports are fit for a terminal.
+#include <algorithm>
+
+#include "fuzz/second_reader.h"
+#include "fuzz/target.h"
+#include "tools/check_text.h"
+#include "tools/display.h"
+
+namespace {
+
+// Printable, but for line feeds and the tabs of a quoted line.
+bool IsFitForATerminal(std::string report) {
+  for (char& c : report) c = c == '\n' || c == '\t' ? ' ' : c;
+  return quarry::tool::Shown(report) == report;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace quarry::fuzz;
+  using quarry::tool::Finding;
+  using quarry::tool::Severity;
+  const std::string text(data, data + size);
+  const Reading reading = ReadText(text);
+
+  const CerrText cerr;
+  quarry::storage::dmconfig::DMConfig model;
+  const bool loads = Load(text, &model) == 0;
+  const std::vector<Finding> findings = quarry::tool::CheckText(text, "a file");
+  const auto first = std::find_if(findings.begin(), findings.end(),
+                                  [](const Finding& finding) { return finding.severity == Severity::kError; });
+  Demand((first == findings.end()) == loads, "errors are what the library refuses");
+  if (!loads) {
+    const auto stop = text.begin() + static_cast<std::ptrdiff_t>(reading.consumed);
+    const auto line = static_cast<std::size_t>(std::count(text.begin(), stop, '\n')) + (reading.end_seen ? 1 : 0);
+    Demand(first->line == line, "the first error is where the library stops");
+  }
+  Saw(loads ? findings.empty() ? "clean" : "warned" : "refused");
+  for (const Finding& finding : findings) {
+    Demand(finding.line > 0 && finding.column > 0 && finding.length > 0, "a finding is somewhere");
+    Demand(IsFitForATerminal(FindingReport(finding, "a file", false)), "no control bytes reach a terminal");
+  }
+  return 0;
+}

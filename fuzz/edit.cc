@@ -1,0 +1,153 @@
+// Promise: an edit changes what was asked and nothing else. Set: the option has
+// the value for every reader, all else is as before, at most the line announced
+// differs, the same again changes nothing, and unset takes a new option back.
+// Unset: the option is gone, all else is as before, and set takes it back. What
+// would not be read back is refused, and so is a text that is not valid.
+#include <strings.h>
+
+#include <algorithm>
+
+#include "fuzz/second_reader.h"
+#include "fuzz/target.h"
+#include "tools/checked_edit.h"
+#include "tools/errors.h"
+
+namespace quarry::fuzz {
+
+namespace {
+
+using tool::Setting;
+
+std::string Set(const std::string& text, const Setting& setting) {
+  return tool::WithSettings("f", text, {setting}).text;
+}
+
+std::string Unset(const std::string& text, const Setting& setting, bool with_comment) {
+  return tool::WithoutOption("f", text, setting.section, setting.option, with_comment).text;
+}
+
+// Whether a reader of the lines that the writer makes of a setting gets it. A NUL
+// comes back, but programs take it for the end of a name or value.
+bool ComesBack(const Setting& setting) {
+  if ((setting.section + setting.option + setting.value).find('\0') != std::string::npos) return false;
+  Sections read = ReadText('[' + setting.section + "]\n" + setting.option + '=' + setting.value + '\n').sections;
+  Section* const section = Find(&read, setting.section);
+  const Option* const option = section == nullptr ? nullptr : Find(&section->options, setting.option);
+  return option != nullptr && option->value == setting.value;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+// How many of the old lines did not stay, from both ends towards the edit.
+std::size_t CountTouched(std::vector<std::string> before, std::vector<std::string> after) {
+  while (!before.empty() && !after.empty() && before.back() == after.back()) before.pop_back(), after.pop_back();
+  const auto shared = std::min(before.size(), after.size());
+  const auto end = before.begin() + static_cast<std::ptrdiff_t>(shared);
+  return before.size() -
+         static_cast<std::size_t>(std::mismatch(before.begin(), end, after.begin()).first - before.begin());
+}
+
+// Comments may change owner when a line between them goes.
+Sections WithoutComments(Sections sections) {
+  for (Section& section : sections) {
+    section.comment.clear();
+    for (Option& option : section.options) option.comment.clear();
+  }
+  return sections;
+}
+
+void Add(std::vector<Option>* options, const Setting& setting) {
+  const auto at = std::find_if(options->begin(), options->end(), [&](const Option& option) {
+    return strcasecmp(option.name.c_str(), setting.option.c_str()) > 0;
+  });
+  options->insert(at, {setting.option, setting.value, ""});
+}
+
+void DemandRefused(const std::string& text, const Setting& setting, tool::ExitStatus status) {
+  try {
+    Set(text, setting);
+    Demand(false, "what cannot be read back is refused");
+  } catch (const tool::ToolError& error) {
+    Demand(error.exit_status() == status, "a refusal says whose fault it is");
+  }
+}
+
+void TrySet(const std::string& text, const Setting& setting, Sections sections) {
+  const std::string edited = Set(text, setting);
+  const Reading found = ReadText(edited);
+  Demand(found.status == 0, "an edited text is valid");
+
+  Section* section = Find(&sections, setting.section);
+  const bool is_new_section = section == nullptr;
+  if (is_new_section) {  // the comment at the end of the text is above it now
+    section = &sections.emplace_back(Section{setting.section, found.sections.back().comment, {}});
+  }
+  Option* const option = Find(&section->options, setting.option);
+  const std::size_t may_differ = option == nullptr || option->value == setting.value ? 0 : 1;
+  if (option == nullptr) {
+    Add(&section->options, setting);
+  } else {
+    option->value = setting.value;
+  }
+  Demand(found.sections == sections, "set changes the option and nothing else");
+  Demand(CountTouched(Lines(text), Lines(edited)) <= may_differ, "at most the option's line differs");
+  Demand((text.empty() || text.back() == '\n') == (edited.back() == '\n'), "the end of the text stays as it was");
+  Demand(Set(edited, setting) == edited, "the same edit again changes nothing");
+  Saw(is_new_section ? "new section" : option == nullptr ? "new option" : "option set");
+  if (option == nullptr && !is_new_section) {
+    Demand(Unset(edited, setting, false) == text, "unset takes a new option back");
+  }
+}
+
+void TryUnset(const std::string& text, const Setting& setting, bool with_comment, Sections sections) {
+  Section* const section = Find(&sections, setting.section);
+  Option* const option = section == nullptr ? nullptr : Find(&section->options, setting.option);
+  if (option == nullptr) return;
+  const Setting before = {section->name, option->name, option->value};
+  const Sections all = WithoutComments(sections);
+
+  const std::string edited = Unset(text, setting, with_comment);
+  section->options.erase(section->options.begin() + (option - section->options.data()));
+  const Reading found = ReadText(edited);
+  Demand(found.status == 0, "a text without an option is valid");
+  Demand(WithoutComments(found.sections) == WithoutComments(sections), "unset removes the option and nothing else");
+  if (ComesBack(before)) {
+    Demand(WithoutComments(ReadText(Set(edited, before)).sections) == all, "set takes unset back");
+  }
+  Saw("option unset");
+}
+
+}  // namespace
+
+}  // namespace quarry::fuzz
+
+// Fields: section, option, value, text.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace quarry::fuzz;
+  using namespace quarry::tool;
+  const std::vector<std::string> fields = Fields(data, size, 4);
+  const Setting setting = {fields[0], fields[1], fields[2]};
+  const std::string& text = fields[3];
+  const CerrText cerr;
+  const Reading reading = ReadText(text);
+  if (!ComesBack(setting)) {
+    Saw("setting refused");
+    DemandRefused(text, setting, kExitNo);
+  } else if (reading.status != 0) {
+    Saw("text refused");
+    DemandRefused(text, setting, kExitFailed);
+  }
+  if (reading.status != 0) return 0;
+  try {
+    TryUnset(text, setting, size % 2 == 0, reading.sections);
+    if (ComesBack(setting)) TrySet(text, setting, reading.sections);
+  } catch (const ToolError& error) {
+    Demand(false, error.report().c_str());
+  }
+  return 0;
+}
