@@ -104,10 +104,12 @@ const std::vector<Entry>& SampleOf(const std::string& name, bool other_case) {
   return sample;
 }
 
-// Keeps memory once it is given back, for everybody: else the C library decides
-// by what came before whether a round has to pay for fresh pages.
-void KeepPages() {
+// Before each measurement, for everybody: joins what is free in the heap, which
+// the C library puts off until somebody needs a large block, and keeps its
+// pages. Else a load would pay for the destruction of the model before it.
+void TidyHeap() {
   constexpr int kNever = 1 << 30;
+  // To set anything joins them.
   if (mallopt(M_MMAP_MAX, 0) == 0 || mallopt(M_TRIM_THRESHOLD, kNever) == 0) {
     std::abort();
   }
@@ -126,7 +128,7 @@ int RoundsOf(const std::string& workload) {
   if (is_quick) return 3;
   const bool is_large = workload == "wide" || workload == "deep" ||
                         workload == "sorted" || workload == "lines-1000000";
-  return is_large ? 5 : 15;
+  return is_large ? 5 : 9;
 }
 
 // Registers `work`, which is given what `prepare` makes anew for each round.
@@ -140,6 +142,7 @@ void Register(const std::string& operation, const std::string& workload,
     using Clock = std::chrono::steady_clock;
     auto prepared = prepare();
     for (auto _ : state) {
+      TidyHeap();
       const auto begin = Clock::now();
       auto result = work(prepared);
       const std::chrono::duration<double> time = Clock::now() - begin;
@@ -307,7 +310,6 @@ int Main(int argc, char** argv) {
                stderr);
     return 2;
   }
-  KeepPages();
   const std::string workload = words[1];
   // Before the given ones, which may say otherwise.
   words[1] = "--benchmark_enable_random_interleaving=true";
