@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# faults.sh PROGRAM: makes every system call of an edit fail in turn, with every
-# error, and kills the program at each; fills the disk; edits from many processes at
-# once. Demands the old file or the new one, whole, an exit status that tells which,
-# and no other file beside it. Prints how often it did. Needs strace and root.
+# faults.sh PROGRAM: makes every system call of an edit, and of the copying of an
+# agent's tables, fail in turn, with every error, and kills the program at each; cuts
+# the power; fills the disk; edits from many processes at once. Demands the old file
+# or the new one, whole, an exit status that tells which, and no other file beside
+# it. Prints how often it did. Needs strace and root.
 set -euo pipefail
 program=$(realpath "$1")
 export LC_ALL=C.UTF-8
@@ -68,23 +69,28 @@ is_harmless() { # NAME ERROR LINE
   esac
 }
 
+# What a run with a fault may come to.
+judge() { # NAME ERROR LINE
+  case $now,$status in
+    old,3) tally 'failed, old file' ;;
+    new,3)
+      grep -q 'is in place' err || fail "$what"
+      tally 'failed, said that the new file is in place'
+      ;;
+    new,0)
+      is_harmless "$1" "$2" "$3" || fail "$what"
+      tally 'harmless, new file'
+      ;;
+    *) fail "$what" ;;
+  esac
+}
+
 fail_each_call() { # NAME N LINE
   local error
   for error in EIO ENOSPC EINTR EACCES; do
     inject "$1" "$2" "error=$error"
     [ "$(leftovers)" = 0 ] || fail "$what, and left a file"
-    case $now,$status in
-      old,3) tally 'failed, old file' ;;
-      new,3)
-        grep -q 'is in place' err || fail "$what"
-        tally 'failed, said that the new file is in place'
-        ;;
-      new,0)
-        is_harmless "$1" "$error" "$3" || fail "$what"
-        tally 'harmless, new file'
-        ;;
-      *) fail "$what" ;;
-    esac
+    judge "$1" "$error" "$3"
   done
 }
 
@@ -96,8 +102,8 @@ end_at_each_call() { # NAME N
   inject "$1" "$2" signal=KILL
   [ "$status" = 137 ] || fail "$what"
   tally "killed, $now file, $(leftovers) files left"
-  if [ "$now" = old ]; then
-    "$program" "${command[@]}" 2>err || fail "$what, and the next edit failed"
+  if [ "$now" != new ]; then
+    "$program" "${command[@]}" >out 2>err || fail "$what, and the next edit failed"
     [ "$(state)" = new ] || fail "$what, and the next edit was not made"
   fi
   [ "$(leftovers)" = 0 ] || fail "$what, and the next edit cleaned nothing"
@@ -111,26 +117,89 @@ demand_order() {
     fail "${command[*]}: the order of writing is $order"
 }
 
-sweep() { # OLD TARGET COMMAND...
-  local old=$1 target=$2 command=("${@:3}") status now what
+# What is on the disk when the power goes after any call: of the new file what was
+# flushed, or all that was written; of the folder either name until it was flushed.
+cut_power_after_each_call() {
+  local line written=0 flushed=0 bytes place=old
+  while IFS= read -r line; do
+    case $line in
+      write*quarry-new*) written=$((written + ${line##*= })) ;;
+      fsync*quarry-new*) flushed=$written ;;
+      rename*) place=either ;;
+      fsync*) place=new ;;
+      *) continue ;;
+    esac
+    for bytes in $flushed $written; do
+      tally "power cut, $place file"
+      [ $place = old ] || head -c "$bytes" "$target" | cmp -s - "$target" || fail "${command[*]}: a power cut tears the file"
+    done
+  done <trace
+  [ $place = new ] || fail "${command[*]}: ends before all is on the disk"
+}
+
+# Runs the command with each of its calls, from the first on that names `begin`,
+# failing.
+fail_all_calls() {
   local line name on=0 faulted=0
   local -A seen=()
-  prepare
-  strace -qq -y -o trace "$program" "${command[@]}" 2>err || fail "${command[*]} fails"
-  view "$target" >new
-  [ -s new ] || fail "${command[*]} writes nothing"
-  demand_order
   while IFS= read -r line; do
     name=${line%%(*}
     seen[$name]=$((${seen[$name]:-0} + 1))
-    [[ $name != execve && $line == *here* ]] && on=1
-    [[ $on = 0 || ! $name =~ ^($calls)$ || $line == 'write(2'* ]] && continue
+    [[ $name != execve && $line == *$begin* ]] && on=1
+    [[ $on = 0 || ! $name =~ ^($calls)$ || $line =~ ^write\([12]\< ]] && continue
     faulted=$((faulted + 1))
     tally 'calls'
     fail_each_call "$name" "${seen[$name]}" "$line"
     end_at_each_call "$name" "${seen[$name]}"
   done <trace
   [ "$faulted" -ge 15 ] || fail "${command[*]}: only $faulted calls were found to fail"
+}
+
+sweep() { # OLD TARGET COMMAND...
+  local old=$1 target=$2 command=("${@:3}") status now what begin=here
+  prepare
+  strace -qq -y -o trace "$program" "${command[@]}" 2>err || fail "${command[*]} fails"
+  view "$target" >new
+  [ -s new ] || fail "${command[*]} writes nothing"
+  demand_order
+  cut_power_after_each_call
+  fail_all_calls
+}
+
+# The copying of both tables by an agent's start. They have fixed places.
+sweep_tables() {
+  local command=(agent agent.conf) status now what begin=ledger
+  local calls="$calls|access|getdents64|unlink|rename"
+  prepare() {
+    rm -f /tmp/.quarry-table-*
+    echo old >/tmp/r.rt
+    echo old >/tmp/c.rt
+  }
+  state() {
+    case $(cat /tmp/r.rt),$(cat /tmp/c.rt) in
+      old,old) echo old ;;
+      r,c) echo new ;;
+      r,old) echo between ;;
+      *) echo torn ;;
+    esac
+  }
+  leftovers() { find /tmp -maxdepth 1 -name '.quarry-table-*' | wc -l; }
+  judge() {
+    case $now,$status in
+      *,[13]) tally "failed, $now tables" ;;
+      new,0) tally 'harmless, new tables' ;;
+      *) fail "$what" ;;
+    esac
+  }
+  mkdir -m 700 keys ledger
+  echo r >ledger/r.rt
+  echo c >ledger/c.rt
+  "$program" keygen keys 2>err
+  printf '[CR]\nlogin=l\npassword=%s\n[SSL]\nkey_dir=keys\n[Ledger]\nurl=file://%s\n[Metabase]\nurl=m\n[Control]\naddress=c\n' \
+    "$(echo p | "$program" seal keys)" "$PWD/ledger" >agent.conf
+  prepare
+  strace -qq -y -o trace "$program" "${command[@]}" >out 2>err || fail "${command[*]} fails"
+  fail_all_calls
 }
 
 printf '; c\n[s]\nx = 1\n' >text
@@ -141,19 +210,20 @@ setfattr -n user.a -v b text 2>/dev/null || attributes=no
 [ "$(id -u)" = 0 ] || fail 'not run: only root can fill a disk of its own'
 strace -qq -o /dev/null true || fail 'not run: nothing can be traced here'
 sweeps=0
-start_sweep() { # as sweep
+start_sweep() { # SWEEP...
   sweeps=$((sweeps + 1))
   mkdir "sweep-$sweeps"
   cp text changes "sweep-$sweeps"
   [ "$sweeps" -le "$(nproc)" ] || wait -n
-  (cd "sweep-$sweeps" && sweep "$@") &
+  (cd "sweep-$sweeps" && "$@") &
 }
 for edit in 'set here/f s x 2' 'set here/f new x 2' 'unset here/f s x' 'set here/f --from changes' 'dump changes -o here/f'; do
   # shellcheck disable=SC2086 # these are words
-  start_sweep text here/f $edit
+  start_sweep sweep text here/f $edit
 done
-start_sweep '' here/f set --create here/f s x 2
-start_sweep '' here/auth.key keygen here
+start_sweep sweep '' here/f set --create here/f s x 2
+start_sweep sweep '' here/auth.key keygen here
+start_sweep sweep_tables
 while [ "$(jobs -p | wc -l)" -gt 0 ]; do wait -n; done
 
 mkdir -m 700 here

@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# growth.sh PROGRAM: counts the instructions of checking, dumping and editing texts
+# of 1, 2 and 4 times the length, of every kind; red when twice the text takes more
+# than 2.3 times as many. Needs valgrind.
+set -euo pipefail
+program=$(realpath "$1")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+
+# N times the line, "%" being its number.
+lines() { # LINE N
+  awk -v line="$1" -v n="$2" 'BEGIN { for (i = 1; i <= n; ++i) { text = line; gsub(/%/, i, text); print text } }'
+}
+
+kinds=(line name sections section options backwards option comments commented blanks warnings errors)
+text() { # KIND N
+  case $1 in
+    line) echo '[s]' && printf 'x=%*s.\n' "$(($2 * 20))" '' ;;
+    name) echo '[s]' && lines x "$2" | tr -d '\n' && echo '=1' ;;
+    sections) lines '[s%]' "$2" ;;
+    section) lines '[s]' "$2" ;;
+    options) echo '[s]' && lines 'x%=1' "$2" ;;
+    backwards) echo '[s]' && lines 'x%=1' "$2" | tac ;;
+    option) echo '[s]' && lines 'x=%' "$2" ;;
+    comments) lines '# %' "$2" && echo '[s]' ;;
+    commented) echo '[s]' && lines '# c
+x%=1' "$2" ;;
+    blanks) echo '[s]' && lines '' "$2" ;;
+    warnings) echo '[s]' && lines 'x% = 1 # c' "$2" ;;
+    errors) echo '[s]' && lines 'word' "$2" ;;
+  esac
+}
+
+count() { # COMMAND...
+  valgrind --tool=callgrind --callgrind-out-file=/dev/null "$program" "$@" 2>&1 >/dev/null | sed -n 's/.*Collected : //p'
+}
+
+# What one operation on a file of that kind and length takes, without the start.
+cost() { # OPERATION KIND N
+  local file="$1-$2-$3" operation=("$1" "$1-$2-$3") all start
+  [ "$1" != set ] || operation+=(s new 1)
+  text "$2" "$3" >"$file"
+  all=$(count "${operation[@]}")
+  text "$2" 1 >"$file"
+  start=$(count "${operation[@]}")
+  echo $((all - start))
+}
+
+measure() { # OPERATION KIND
+  local n costs=() first second
+  for n in 10000 20000 40000; do costs+=("$(cost "$1" "$2" $n)"); done
+  first=$((costs[1] * 100 / costs[0])) second=$((costs[2] * 100 / costs[1]))
+  printf '%-6s %-10s %11d %11d %11d   x%d.%02d x%d.%02d\n' "$1" "$2" "${costs[@]}" \
+    $((first / 100)) $((first % 100)) $((second / 100)) $((second % 100)) >"result-$1-$2"
+  if [ "${costs[0]}" -lt 100000 ] || [ $first -gt 230 ] || [ $second -gt 230 ]; then touch red; fi
+}
+
+measurements=0
+for operation in check dump set; do
+  for kind in "${kinds[@]}"; do
+    [ "$kind" != errors ] || [ $operation = check ] || continue
+    measurements=$((measurements + 1))
+    [ $measurements -le "$(nproc)" ] || wait -n
+    measure $operation "$kind" &
+  done
+done
+wait
+cat result-*
+if [ -e red ] || [ "$(cat result-* | wc -l)" != $measurements ]; then
+  echo 'growth: not all were measured, or twice the text took more than 2.3 times the instructions' >&2
+  exit 1
+fi
