@@ -32,6 +32,11 @@ TEST(StringCaseCmp, OrdersByFoldedUnsignedBytesUpToNul) {
       {"a", "a ", true, false},
       {"a\0b"s, "A\0c"s, false, false},
       {"a\0b"s, "a", false, false},
+      // Eight bytes at a time:
+      {"word @AZ[", "WORD @az[", false, false},
+      {"word \xC1 word", "word \xE1 word", true, false},
+      {"word\0one"s, "WORD\0two"s, false, false},
+      {"wordword", "WORDWORD\0x"s, false, false},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.left + " and " + c.right);

@@ -26,6 +26,7 @@ TEST(EditText, SetsAndLeavesTheRest) {
        "[a]\nx=1\nx=2\n[b]\nx=3\n[A]\nX=4\ny=1\n",
        {{"a", "x", "5"}},
        "[a]\nx=1\nx=2\n[b]\nx=3\n[A]\nX=5\ny=1\n"},
+      {"settings in any order", "[a]\nx=1\n[b]\ny=1\n", {{"b", "y", "2"}, {"a", "x", "3"}}, "[a]\nx=3\n[b]\ny=2\n"},
       {"to empty", "[a]\nx = 1 \ny=1\r\n", {{"a", "x", ""}, {"a", "y", ""}}, "[a]\nx =\ny=\n"},
       {"an equals sign to empty", "[a]\nx ==b\n", {{"a", "x", ""}}, "[a]\nx =\n"},
       {"from empty", "[a]\nx =\ny=\n", {{"a", "x", "1"}, {"a", "y", "1"}}, "[a]\nx = 1\ny=1\n"},

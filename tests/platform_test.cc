@@ -1,12 +1,15 @@
 // The local stand-ins: sealed passwords, key files, the metabase on a folder.
 
 #include <fcntl.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <fstream>
 #include <numeric>
@@ -174,7 +177,7 @@ TEST_F(PlatformTest, TakesOnlyKeyFilesThatAreWhole) {
 }
 
 TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
-  constexpr uid_t kRoot = 0, kUser = 4001, kOther = 4002;
+  constexpr uid_t kRoot = 0, kUser = 4001, kOther = 4002, kMore = 4003;
   struct Case {
     uid_t caller, owner, group;
     mode_t mode;
@@ -191,8 +194,11 @@ TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
       {kUser, kRoot, kUser, 0444, "RESULT 3"},      {kUser, kRoot, kOther, 0444, "RESULT 3"},
       {kUser, kRoot, kRoot, 0600, "RESULT 2"},      {kRoot, kOther, kOther, 0600, "correct horse"},
       {kRoot, kRoot, kRoot, 0440, "RESULT 3"},      {kRoot, kRoot, kRoot, 0604, "RESULT 3"},
+      {kUser, kRoot, kMore, 0440, "RESULT 3"},  // by one more group of the caller's
   };
   if (geteuid() != kRoot) GTEST_SKIP() << "only root can take these parts";
+  const gid_t more_groups[] = {kMore};
+  ASSERT_EQ(setgroups(1, more_groups), 0);
   for (const Case& c : cases) {
     std::ostringstream name;
     name << "caller " << c.caller << " owner " << c.owner << " group " << c.group << " mode " << std::oct << c.mode;
@@ -232,7 +238,7 @@ TEST_F(PlatformTest, CopiesTheRoutingTables) {
   ASSERT_EQ(mkdir(Path("out").c_str(), 0700), 0);
   ASSERT_EQ(mkdir(Path("out/folder").c_str(), 0700), 0);
   const std::string large(200000, 'r');
-  Write("kept", "kept");
+  Write("kept", "kept", 0700);
   const auto fetch = [this](const std::string& url, const std::string& r, const std::string& c) {
     return ::storage::utils::LocalMetab().GetRoutingTables(url, "l", "p", -1, "k", Path(r), Path(c));
   };
@@ -258,19 +264,44 @@ TEST_F(PlatformTest, CopiesTheRoutingTables) {
   expect_no_change(kRoutingTargetFailed, url, "missing/c");
 
   ASSERT_EQ(symlink("../kept", Path("out/c").c_str()), 0);
-  const std::string abandoned = "out/.quarry-table-abcdef", used = "out/.quarry-table-ghijkl";
-  Write(abandoned, "");
-  Write(used, "");
+  const std::string abandoned = "out/.quarry-table-abcdef", used = "out/.quarry-table-ghijkl",
+                    foreign = "out/.quarry-table-mnopqr";
+  for (const std::string& copy : {abandoned, used, foreign}) Write(copy, "");
+  const bool is_foreign = chown(Path(foreign).c_str(), 4001, static_cast<gid_t>(-1)) == 0;  // by root
   const FileDescriptor user(open(Path(used).c_str(), O_RDONLY));
   ASSERT_EQ(flock(user.get(), LOCK_EX), 0);
   EXPECT_EQ(fetch(url, "out/r", "out/c"), 0);
   EXPECT_NE(access(Path(abandoned).c_str(), F_OK), 0);
   EXPECT_EQ(access(Path(used).c_str(), F_OK), 0);
+  EXPECT_EQ(access(Path(foreign).c_str(), F_OK) == 0, is_foreign);
   EXPECT_EQ(Read("out/r"), large);
   EXPECT_EQ(Read("out/c") + Read("kept"), "kept");  // the link was replaced
   struct stat status {};
   ASSERT_EQ(lstat(Path("out/c").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
+  ASSERT_EQ(symlink("folder", Path("out/link").c_str()), 0);
+  EXPECT_EQ(fetch(url, "out/link", "out/c"), 0);
+  EXPECT_EQ(Read("out/link"), large);
+}
+
+TEST_F(PlatformTest, RefusesATableThatIsBeingWritten) {
+  Write("r.rt", std::string(200000, 'r'));
+  Write("c.rt", "");
+  std::atomic<bool> ended = false;
+  std::thread writer([&] {
+    std::ofstream table(Path("r.rt"), std::ios::app);
+    while (!ended) table << 'r' << std::flush;
+  });
+  // Some copy meets a write; on a busy machine not the first one.
+  const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  cr_status_t status = 0;
+  while (status == 0 && std::chrono::steady_clock::now() < give_up) {
+    status =
+        ::storage::utils::LocalMetab().GetRoutingTables("file://" + Path(""), "l", "p", -1, "k", Path("r"), Path("c"));
+  }
+  ended = true;
+  writer.join();
+  EXPECT_EQ(status, kLedgerTableUnreadable);
 }
 
 static_assert(std::is_nothrow_copy_constructible_v<Cr_ErrnoException> &&
@@ -305,6 +336,17 @@ TEST(CRStatusToStringA, HasATextForEveryNumber) {
   }
   EXPECT_EQ(texts.size(), 11U);  // "unknown status" four times
   EXPECT_EQ(texts.count(""), 0U);
+  struct Case {
+    cr_status_t status;
+    const char* words;
+  };
+  const Case cases[] = {
+      {4, "configuration"}, {9, "no longer"},         {103, "folder cannot"},
+      {105, "changed"},     {106, "a folder stands"}, {107, "cannot be written"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_NE(std::string(CRStatusToStringA(c.status)).find(c.words), std::string::npos) << c.status;
+  }
 }
 
 }  // namespace

@@ -23,13 +23,15 @@ const char kCommentHint[] = "comments stand on lines of their own";
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 bool IsCommentMark(char c) { return c == '#' || c == ';'; }
 
-// "threads 4" and "threads: 4" were meant as "threads = 4".
+// "threads 4" and "threads: 4" were meant as "threads = 4". What quotes were
+// meant for cannot be told.
 std::string MissingEqualsHint(std::string_view line) {
   constexpr std::size_t kLongestExample = 60;
   const std::size_t name_end = line.find_first_of(" \t:\r");
   const std::size_t value_begin = line.find_first_not_of(" \t:\r", name_end);
   std::string example = "NAME = VALUE";
   const bool shown = line.size() <= kLongestExample &&
+                     line.find('"') == std::string_view::npos &&
                      FindSecret(line) == std::string_view::npos;
   if (shown && value_begin != std::string_view::npos && name_end != 0) {
     const std::size_t value_end = line.find_last_not_of(" \t\r") + 1;

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t kShortest = 4;  // bytes of a secret that is searched for
 constexpr std::string_view kSeparators = " \t=:\"'";
+constexpr std::string_view kBeforeNames = " \t\r=:\"'";
 
 std::string PasswordName() {
   return ::storage::config::EntryName(::storage::config::kEntryPassword);
@@ -35,15 +36,18 @@ std::size_t EndOfPasswordName(const std::string& line) {
   return std::string::npos;
 }
 
-// The same for a first word that was meant to be the name.
+// The same for a word before the first "=" that was meant to be the name.
 std::size_t EndOfNearName(const std::string& line) {
-  const std::size_t begin = line.find_first_not_of(" \t\r");
-  if (begin == std::string::npos) return begin;
-  const std::size_t end =
-      std::min(line.find_first_of(kSeparators, begin), line.size());
-  const bool near =
-      !NearestNames(line.substr(begin, end - begin), {PasswordName()}).empty();
-  return near ? end : std::string::npos;
+  const std::string text = line.substr(0, line.find('='));
+  for (std::size_t begin = 0;;) {
+    begin = text.find_first_not_of(kBeforeNames, begin);
+    if (begin == std::string::npos) return begin;
+    const std::size_t end =
+        std::min(text.find_first_of(kSeparators, begin), text.size());
+    const std::string word = text.substr(begin, end - begin);
+    if (!NearestNames(word, {PasswordName()}).empty()) return end;
+    begin = end;
+  }
 }
 
 }  // namespace
