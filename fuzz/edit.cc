@@ -105,6 +105,8 @@ void TrySet(const std::string& text, const Setting& setting, Sections sections) 
 }
 
 void TryUnset(const std::string& text, const Setting& setting, bool with_comment, Sections sections) {
+  // A name that begins with a NUL is the same as this to the order, but it cannot be asked for.
+  if (setting.section.empty() || setting.option.empty()) return;
   Section* const section = Find(&sections, setting.section);
   Option* const option = section == nullptr ? nullptr : Find(&section->options, setting.option);
   if (option == nullptr) return;
