@@ -7,27 +7,29 @@
 #include "tools/check_text.h"
 #include "tools/display.h"
 
+namespace quarry::fuzz {
+
 namespace {
+
+using tool::Finding;
+using tool::Severity;
 
 // Printable, but for line feeds and the tabs of a quoted line.
 bool IsFitForATerminal(std::string report) {
   for (char& c : report) c = c == '\n' || c == '\t' ? ' ' : c;
-  return quarry::tool::Shown(report) == report;
+  return tool::Shown(report) == report;
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace quarry::fuzz;
-  using quarry::tool::Finding;
-  using quarry::tool::Severity;
-  const std::string text(data, data + size);
+void TryInput(const std::string& input) {
+  const std::string& text = input;
   const Reading reading = ReadText(text);
 
   const CerrText cerr;
-  quarry::storage::dmconfig::DMConfig model;
+  storage::dmconfig::DMConfig model;
   const bool loads = Load(text, &model) == 0;
-  const std::vector<Finding> findings = quarry::tool::CheckText(text, "a file");
+  const std::vector<Finding> findings = tool::CheckText(text, "a file");
   const auto first = std::find_if(findings.begin(), findings.end(),
                                   [](const Finding& finding) { return finding.severity == Severity::kError; });
   Demand((first == findings.end()) == loads, "errors are what the library refuses");
@@ -41,5 +43,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Demand(finding.line > 0 && finding.column > 0 && finding.length > 0, "a finding is somewhere");
     Demand(IsFitForATerminal(FindingReport(finding, "a file", false)), "no control bytes reach a terminal");
   }
-  return 0;
 }
+
+}  // namespace quarry::fuzz

@@ -126,30 +126,27 @@ void TryUnset(const std::string& text, const Setting& setting, bool with_comment
 
 }  // namespace
 
-}  // namespace quarry::fuzz
-
 // Fields: section, option, value, text.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace quarry::fuzz;
-  using namespace quarry::tool;
-  const std::vector<std::string> fields = Fields(data, size, 4);
+void TryInput(const std::string& input) {
+  const std::vector<std::string> fields = Fields(input, 4);
   const Setting setting = {fields[0], fields[1], fields[2]};
   const std::string& text = fields[3];
   const CerrText cerr;
   const Reading reading = ReadText(text);
   if (!ComesBack(setting)) {
     Saw("setting refused");
-    DemandRefused(text, setting, kExitNo);
+    DemandRefused(text, setting, tool::kExitNo);
   } else if (reading.status != 0) {
     Saw("text refused");
-    DemandRefused(text, setting, kExitFailed);
+    DemandRefused(text, setting, tool::kExitFailed);
   }
-  if (reading.status != 0) return 0;
+  if (reading.status != 0) return;
   try {
-    TryUnset(text, setting, size % 2 == 0, reading.sections);
+    TryUnset(text, setting, input.size() % 2 == 0, reading.sections);
     if (ComesBack(setting)) TrySet(text, setting, reading.sections);
-  } catch (const ToolError& error) {
+  } catch (const tool::ToolError& error) {
     Demand(false, error.report().c_str());
   }
-  return 0;
 }
+
+}  // namespace quarry::fuzz

@@ -28,20 +28,17 @@ void ReadAndCompare(std::istream* in, const std::string& text, const Reading& wa
 
 }  // namespace
 
-}  // namespace quarry::fuzz
-
 // The first byte says how much of the text the stream shows at a time.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace quarry::fuzz;
-  if (size == 0) return 0;
-  const std::string text(data + 1, data + size);
+void TryInput(const std::string& input) {
+  if (input.empty()) return;
+  const std::string text = input.substr(1);
   const Reading wanted = ReadText(text);
   Saw(wanted.status == 0 ? "loaded" : wanted.message.empty() ? "refused silently" : "refused with a message");
 
   std::istringstream whole(text);
   ReadAndCompare(&whole, text, wanted);
 
-  ChunkBuffer buffer(text, data[0] % 64U + 1U);
+  ChunkBuffer buffer(text, static_cast<unsigned char>(input[0]) % 64U + 1U);
   std::istream chunks(&buffer);
   ReadAndCompare(&chunks, text, wanted);
 
@@ -49,5 +46,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::istringstream line_by_line(text);
   line_by_line.tie(&tied);
   ReadAndCompare(&line_by_line, text, wanted);
-  return 0;
 }
+
+}  // namespace quarry::fuzz

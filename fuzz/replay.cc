@@ -6,10 +6,10 @@
 //
 // Red when the folder holds nothing, or when one of SEEN, by which a target
 // says what it met, was not met.
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <random>
 #include <string>
@@ -28,10 +28,6 @@ Inputs ReadInputs(const std::string& folder) {
     inputs.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
   }
   return inputs;
-}
-
-void Run(const std::string& input) {
-  LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
 }
 
 class Changes {
@@ -58,6 +54,7 @@ class Changes {
   std::string Stretch(const std::string& text) { return text.substr(Below(text.size() + 1), Below(12)); }
 
   const Inputs& inputs_;
+  // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): the same changes every time
   std::mt19937 random_{20261124};
 };
 
@@ -66,26 +63,26 @@ class Changes {
 int main(int argc, char** argv) {
   const std::vector<std::string> words(argv + 1, argv + argc);
   if (words.size() < 2) {
-    std::fputs("usage: replay FOLDER CHANGES SEEN...\n", stderr);
+    std::cerr << "usage: replay FOLDER CHANGES SEEN...\n";
     return 2;
   }
   const Inputs inputs = ReadInputs(words[0]);
   if (inputs.empty()) {
-    std::fprintf(stderr, "%s holds nothing\n", words[0].c_str());
+    std::cerr << words[0] << " holds nothing\n";
     return 1;
   }
-  for (const std::string& input : inputs) Run(input);
+  for (const std::string& input : inputs) quarry::fuzz::TryInput(input);
   const unsigned long count = std::strtoul(words[1].c_str(), nullptr, 10);
   Changes changes(inputs);
-  for (unsigned long i = 0; i < count; ++i) Run(changes.Next());
+  for (unsigned long i = 0; i < count; ++i) quarry::fuzz::TryInput(changes.Next());
 
-  std::printf("%zu inputs, %lu changes\n", inputs.size(), count);
+  std::cout << inputs.size() << " inputs, " << count << " changes\n";
   bool all_seen = true;
   for (auto what = words.begin() + 2; what != words.end(); ++what) {
     const std::size_t times = quarry::fuzz::TimesSeen(*what);
-    std::printf("%s: %zu\n", what->c_str(), times);
+    std::cout << *what << ": " << times << '\n';
     all_seen = all_seen && times > 0;
   }
-  if (!all_seen) std::fputs("not all was met that should be\n", stderr);
+  if (!all_seen) std::cerr << "not all was met that should be\n";
   return all_seen ? 0 : 1;
 }

@@ -4,11 +4,12 @@
 #include "fuzz/second_reader.h"
 #include "fuzz/target.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace quarry::fuzz;
+namespace quarry::fuzz {
+
+void TryInput(const std::string& input) {
   const CerrText cerr;
-  quarry::storage::dmconfig::DMConfig first, second;
-  if (Load(std::string(data, data + size), &first) != 0) return 0;
+  storage::dmconfig::DMConfig first, second;
+  if (Load(input, &first) != 0) return;
   Saw("saved");
 
   Sections wanted = SectionsOf(&first);
@@ -25,5 +26,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Demand(Load(text, &second) == 0, "what was saved is valid");
   Demand(SectionsOf(&second) == wanted, "what was saved is what was loaded");
   Demand(ReadText(text).sections == wanted, "and so for another reader");
-  return 0;
 }
+
+}  // namespace quarry::fuzz

@@ -6,7 +6,11 @@
 #include "fuzz/target.h"
 #include "platform/sealed_password.h"
 
+namespace quarry::fuzz {
+
 namespace {
+
+using platform::SealingKey;
 
 constexpr std::size_t kCapacity = 255, kKeyBytes = 32, kNonceBytes = 24;
 
@@ -15,24 +19,22 @@ struct Opened {
   std::string out;
 };
 
-Opened Open(const quarry::platform::SealingKey& key, const std::string& stored) {
+Opened Open(const SealingKey& key, const std::string& stored) {
   std::string out(kCapacity, '?');
-  const auto result = quarry::platform::OpenPasswordWithKey(key, stored.c_str(), out.data(), out.size());
+  const auto result = platform::OpenPasswordWithKey(key, stored.c_str(), out.data(), out.size());
   return {result, out};
 }
 
 }  // namespace
 
 // Fields: a stored text, a password, a change to its sealed form.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace quarry::fuzz;
-  using namespace quarry::platform;
-  const std::vector<std::string> fields = Fields(data, size, 3);
+void TryInput(const std::string& input) {
+  const std::vector<std::string> fields = Fields(input, 3);
   const std::string untouched(kCapacity, '?');
 
   SealingKey key;
   unsigned char bytes[kKeyBytes], nonce[kNonceBytes];
-  for (std::size_t i = 0; i < kKeyBytes; ++i) bytes[i] = static_cast<unsigned char>(i + size);
+  for (std::size_t i = 0; i < kKeyBytes; ++i) bytes[i] = static_cast<unsigned char>(i + input.size());
   std::copy(bytes, bytes + kNonceBytes, nonce);
   Demand(key.Set(bytes) == kDecryptDone, "any bytes are a key");
 
@@ -41,27 +43,29 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const std::string& password = fields[1];
   std::string stored;
-  const bool sealable = password.size() <= kLongestPassword && password.find('\n') == std::string::npos &&
+  const bool sealable = password.size() <= platform::kLongestPassword && password.find('\n') == std::string::npos &&
                         password.find('\0') == std::string::npos;
-  const DecryptResult sealed = SealPasswordWithNonce(key, nonce, password, &stored);
+  const DecryptResult sealed = platform::SealPasswordWithNonce(key, nonce, password, &stored);
   Demand((sealed == kDecryptDone) == sealable, "a password of one line and fitting length is sealed");
   if (!sealable) {
     Saw("refused to seal");
-    return 0;
+    return;
   }
   const Opened opened = Open(key, stored);
-  Demand(opened.result == kDecryptDone && opened.out.c_str() == password, "what was sealed opens");
+  Demand(opened.result == kDecryptDone && opened.out.substr(0, opened.out.find('\0')) == password,
+         "what was sealed opens");
   Saw("opened");
 
   std::string changed = stored;
   const std::string& change = fields[2];
-  if (change.size() < 3) return 0;
+  if (change.size() < 3) return;
   const auto at =
       (static_cast<unsigned char>(change[0]) * 256U + static_cast<unsigned char>(change[1])) % stored.size();
   changed.replace(at, (change[2] & 1) != 0 ? 1U : 0U, change.substr(3));
-  if (std::strcmp(changed.c_str(), stored.c_str()) == 0) return 0;
+  if (std::strcmp(changed.c_str(), stored.c_str()) == 0) return;
   const Opened forged = Open(key, changed);
   Demand(forged.result != kDecryptDone && forged.out == untouched, "what was changed does not open");
   Saw("forgery refused");
-  return 0;
 }
+
+}  // namespace quarry::fuzz

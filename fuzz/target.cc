@@ -1,6 +1,6 @@
 #include "fuzz/target.h"
 
-#include <cstdio>
+#include <cstdint>
 #include <cstdlib>
 #include <map>
 
@@ -19,18 +19,17 @@ std::map<std::string, std::size_t>& Seen() {
 
 void Demand(bool kept, const char* promise) {
   if (kept) return;
-  std::fprintf(stderr, "broken: %s\n", promise);
+  std::cout << "broken: " << promise << std::endl;
   std::abort();
 }
 
 void Saw(const char* what) { ++Seen()[what]; }
 std::size_t TimesSeen(const std::string& what) { return Seen()[what]; }
 
-std::vector<std::string> Fields(const std::uint8_t* data, std::size_t size, std::size_t count) {
+std::vector<std::string> Fields(const std::string& input, std::size_t count) {
   constexpr char kSeparator = '\x1f';
   std::vector<std::string> fields(1);
-  for (std::size_t i = 0; i < size; ++i) {
-    const char c = static_cast<char>(data[i]);
+  for (const char c : input) {
     if (c == kSeparator && fields.size() < count) {
       fields.emplace_back();
     } else {
@@ -53,3 +52,8 @@ std::string Dump(storage::dmconfig::DMConfig* model) {
 }
 
 }  // namespace quarry::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  quarry::fuzz::TryInput(std::string(data, data + size));
+  return 0;
+}

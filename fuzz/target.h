@@ -6,7 +6,6 @@
 #define QUARRY_FUZZ_TARGET_H_
 
 #include <cstddef>
-#include <cstdint>
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -14,9 +13,10 @@
 
 #include "dmconfig/config.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
 namespace quarry::fuzz {
+
+// Defined by each target.
+void TryInput(const std::string& input);
 
 // Stops the process, with the reason, unless the promise is kept.
 void Demand(bool kept, const char* promise);
@@ -26,9 +26,9 @@ void Demand(bool kept, const char* promise);
 void Saw(const char* what);
 std::size_t TimesSeen(const std::string& what);
 
-// The bytes as `count` texts, cut at the first unit separators; later ones stay
+// The input as `count` texts, cut at the first unit separators; later ones stay
 // in the last text. Missing texts are empty.
-std::vector<std::string> Fields(const std::uint8_t* data, std::size_t size, std::size_t count);
+std::vector<std::string> Fields(const std::string& input, std::size_t count);
 
 // The library's reader and writer on texts.
 int Load(const std::string& text, storage::dmconfig::DMConfig* model);

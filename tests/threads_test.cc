@@ -23,6 +23,7 @@ constexpr int kThreads = 4;
 
 void OnThreads(const std::function<void()>& work) {
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) threads.emplace_back(work);
   for (std::thread& thread : threads) thread.join();
 }
