@@ -1,5 +1,5 @@
 # quarry_hardening: how what we ship resists being taken over; for our own targets,
-# never for users' ones. ./dev hardening looks at the built files.
+# never for users' ones. The test `hardening` looks at the built files.
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 add_library(quarry_hardening INTERFACE)
