@@ -4,8 +4,6 @@
 set -euo pipefail
 root=$1
 shift
-compilers=(g++)
-command -v clang++ >/dev/null && compilers+=(clang++)
 compile() {
   printf '#include "%s"\n' "$3" | "$1" -std="$2" -Wall -Wextra -Wconversion -Werror \
     -fsyntax-only -I "$root" -x c++ -
@@ -14,7 +12,7 @@ export -f compile
 export root
 for header; do
   for standard in c++17 c++20; do
-    for compiler in "${compilers[@]}"; do
+    for compiler in g++ clang++; do
       printf '%s %s %s\n' "$compiler" "$standard" "${header#"$root"/}"
     done
   done

@@ -1,0 +1,62 @@
+# What is installed, and how programs find it. The tree may be moved as a whole.
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/quarry_config)
+set(headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/quarry)
+
+install(TARGETS quarry_config quarry_platform EXPORT quarry_configTargets
+  FILE_SET HEADERS DESTINATION ${headers_dir}
+  INCLUDES DESTINATION ${headers_dir}) # file sets are unknown before CMake 3.23
+
+# For CMake: find_package(quarry_config CONFIG), quarry::config, quarry::platform.
+install(EXPORT quarry_configTargets NAMESPACE quarry:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/quarry_config-config.cmake.in
+  ${PROJECT_BINARY_DIR}/quarry_config-config.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/quarry_config-config-version.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES
+  ${PROJECT_BINARY_DIR}/quarry_config-config.cmake
+  ${PROJECT_BINARY_DIR}/quarry_config-config-version.cmake
+  DESTINATION ${package_dir})
+
+# For pkg-config, which knows the folder of the file that it reads.
+file(RELATIVE_PATH to_prefix
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+cmake_path(SET to_prefix NORMALIZE "${to_prefix}.")
+file(RELATIVE_PATH libdir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBDIR})
+set(platform_library "")
+if(QUARRY_PLATFORM STREQUAL "local")
+  set(platform_library " -lquarry_platform")
+endif()
+configure_file(cmake/quarry-config.pc.in ${PROJECT_BINARY_DIR}/quarry-config.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/quarry-config.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(NOT QUARRY_BUILD_TOOL)
+  return()
+endif()
+file(RELATIVE_PATH to_libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+set_target_properties(quarry-config PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+install(TARGETS quarry-config)
+install(FILES completions/quarry-config.bash RENAME quarry-config
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES completions/_quarry-config
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+install(FILES examples/agent.conf examples/client.conf examples/broken.conf
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarry-config/examples)
+
+# Man pages, where scdoc is there to make them.
+find_program(SCDOC scdoc)
+if(NOT SCDOC)
+  message(STATUS "scdoc is missing (Debian: scdoc): man pages are not installed")
+  return()
+endif()
+foreach(section IN ITEMS 1 5)
+  set(source ${PROJECT_SOURCE_DIR}/man/quarry-config.${section}.scd)
+  set(page ${PROJECT_BINARY_DIR}/man/quarry-config.${section})
+  add_custom_command(OUTPUT ${page} DEPENDS ${source}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/man
+    COMMAND ${SCDOC} < ${source} > ${page} VERBATIM)
+  list(APPEND pages ${page})
+  install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
+endforeach()
+add_custom_target(man ALL DEPENDS ${pages})

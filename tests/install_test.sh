@@ -1,0 +1,70 @@
+#!/usr/bin/env bash
+# install_test.sh ROOT BUILD: programs elsewhere build against the installed tree, after
+# it was moved, and run: by CMake and by pkg-config, with g++ and clang++, with our
+# platform library and with one that the host system brings.
+set -euo pipefail
+root=$1 build=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+fail() {
+  echo "install: $*"
+  exit 1
+}
+run() { # COMMAND...
+  "$@" >run.log 2>&1 || fail "$(cat run.log)"
+}
+expect() { # WANTED COMMAND...
+  local printed
+  printed=$("${@:2}" 2>&1) || fail "exit status $? of: ${*:2}: $printed"
+  [ "$printed" = "$1" ] || fail "${*:2} printed: $printed"
+}
+consumer() { # FOLDER CXX CC PREFIX [CMAKE-ARGUMENT...]
+  run cmake -S "$root/tests/consumer" -B "$1" -DCMAKE_CXX_COMPILER="$2" -DCMAKE_C_COMPILER="$3" \
+    -DCMAKE_PREFIX_PATH="$4" "${@:5}"
+  run cmake --build "$1"
+}
+compilers=('g++ gcc' 'clang++ clang')
+
+run cmake --install "$build" --prefix "$work/first"
+mkdir elsewhere
+mv first elsewhere/moved
+prefix=$work/elsewhere/moved
+tool=$prefix/bin/quarry-config
+"$tool" --version | grep -qF "$prefix/lib/libquarry_platform.so.0" || fail 'the program takes other libraries'
+ldd "$prefix/lib/libquarry_config.so" | grep -qF "$prefix/lib/libquarry_platform.so.0" ||
+  fail 'the library does not find the other one beside it'
+for page in man1/quarry-config.1 man5/quarry-config.5; do
+  man --warnings -l "$prefix/share/man/$page" 2>warnings >shown
+  { grep -q "^quarry-config(" shown && [ ! -s warnings ]; } || fail "$page: $(cat warnings)"
+done
+
+"$tool" keygen . 2>/dev/null
+sealed=$(printf secret | "$tool" seal .)
+sed "s|^key_dir = .*|key_dir = .|; s|^password = .*|password = $sealed|" \
+  "$prefix/share/doc/quarry-config/examples/agent.conf" >agent.conf
+started="$("$tool" get agent.conf CR login):secret asks $("$tool" get agent.conf Ledger url)
+agent $("$tool" get agent.conf Agent numeric_option)"
+read -ra flags <<<"$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs quarry-config)"
+for compiler in "${compilers[@]}"; do
+  read -r cxx cc <<<"$compiler"
+  consumer "by-cmake-$cc" "$cxx" "$cc" "$prefix"
+  expect "$started" "by-cmake-$cc/consumer" agent.conf
+  "$cxx" -std=c++17 -Wall -Werror "$root/tests/consumer/main.cc" "${flags[@]}" -o "by-pkg-config-$cc"
+  expect "$started" env LD_LIBRARY_PATH="$prefix/lib" "./by-pkg-config-$cc" agent.conf
+done
+
+# A host's own platform library.
+run cmake -S "$root" -B external -DQUARRY_PLATFORM=external
+run cmake --build external
+run cmake --install external --prefix "$work/host"
+[ -z "$(find host -name '*local_metab*' -o -name '*quarry_platform*' -o -name 'quarry-config')" ] ||
+  fail 'ours is installed for a host, too'
+printf '[c]\nn=me\np=host:secret\n[s]\nk=/keys\n[l]\nu=tables\n[m]\nu=x\n[x]\na=y\n[a]\no=7\n' >host.conf
+for compiler in "${compilers[@]}"; do
+  read -r cxx cc <<<"$compiler"
+  consumer "host-$cc" "$cxx" "$cc" "$work/host" \
+    -DPLATFORM_SOURCES="$root/tests/consumer/host_platform.c;$root/platform/cr_errno_exception.cc"
+  expect $'me:secret asks tables\nagent 7' "host-$cc/consumer" host.conf
+  expect 'Unable to get the CR login from config file (status 4)' "host-$cc/consumer" agent.conf
+done
