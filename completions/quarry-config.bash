@@ -3,7 +3,7 @@
 
 _quarry_config_options() {
   case $1 in
-    check) echo --as --json --strict ;;
+    check) echo --as --format --json --strict ;;
     list) echo --json --origin ;;
     get) echo --default ;;
     set) echo --create --dry-run --from ;;
@@ -41,7 +41,7 @@ _quarry_config() {
   # What stands before the word, without options and their values.
   for ((i = 2; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
-      --as | --default | --from | -o) ((++i)) ;;
+      --as | --default | --format | --from | -o) ((++i)) ;;
       -?*) ;;
       *) given+=("$(_quarry_config_plain "${COMP_WORDS[i]}")") ;;
     esac
@@ -49,6 +49,10 @@ _quarry_config() {
   case $before in
     --as)
       mapfile -t COMPREPLY < <(compgen -W 'agent client' -- "$word")
+      return
+      ;;
+    --format)
+      mapfile -t COMPREPLY < <(compgen -W 'text json sarif github' -- "$word")
       return
       ;;
     --default) return ;;

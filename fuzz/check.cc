@@ -12,7 +12,6 @@ namespace quarry::fuzz {
 namespace {
 
 using tool::Finding;
-using tool::Severity;
 
 // Printable, but for line feeds and the tabs of a quoted line.
 bool IsFitForATerminal(std::string report) {
@@ -30,8 +29,8 @@ void TryInput(const std::string& input) {
   storage::dmconfig::DMConfig model;
   const bool loads = Load(text, &model) == 0;
   const std::vector<Finding> findings = tool::CheckText(text, "a file");
-  const auto first = std::find_if(findings.begin(), findings.end(),
-                                  [](const Finding& finding) { return finding.severity == Severity::kError; });
+  const auto first =
+      std::find_if(findings.begin(), findings.end(), [](const Finding& finding) { return finding.IsError(); });
   Demand((first == findings.end()) == loads, "errors are what the library refuses");
   if (!loads) {
     const auto stop = text.begin() + static_cast<std::ptrdiff_t>(reading.consumed);

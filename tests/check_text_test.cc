@@ -12,7 +12,7 @@ std::string Findings(const std::string& text) {
   std::string all;
   for (const Finding& f : CheckText(text, "f")) {
     all += std::to_string(f.line) + ':' + std::to_string(f.column) + '+' + std::to_string(f.length) +
-           (f.severity == Severity::kWarning ? "w " : " ") + f.message + '\n';
+           (f.IsError() ? " " : "w ") + f.message + '\n';
   }
   return all;
 }

@@ -2,7 +2,7 @@
 # docs_test.sh ROOT BUILD PAGE [--print]: runs a page's examples in an empty folder
 # beside examples/ and compares what they print with what the page says. In a block
 # "console" a command stands behind "$ "; a block "cpp" is the file example.cc, a block
-# "ini" the file example.conf. With --print the page is printed as it should be.
+# "ini" the file example.conf, a block "sh" the file example.sh. With --print the page is printed as it should be.
 set -uo pipefail
 root=$(realpath "$1") build=$(realpath "$2") page=$(realpath "$3") mode=${4:-}
 work=$(mktemp -d)
@@ -15,6 +15,7 @@ chmod 755 "$work/bin/pkg-config"
 cp -r "$root/examples" "$work/here"
 cd "$work/here" || exit 1
 
+declare -A files=([cpp]=example.cc [ini]=example.conf [sh]=example.sh)
 commands=0
 replay() {
   local line block=''
@@ -23,8 +24,7 @@ replay() {
       ,'```'?*)
         block=${line#'```'}
         printf '%s\n' "$line"
-        [ "$block" != cpp ] || : >example.cc
-        [ "$block" != ini ] || : >example.conf
+        [ -z "${files[$block]:-}" ] || : >"${files[$block]}"
         ;;
       *,'```')
         block=''
@@ -36,9 +36,10 @@ replay() {
         bash -c "${line#"$ "}" 2>&1 </dev/null | awk 1
         ;;
       console,*) ;; # what it printed before
-      cpp,*) printf '%s\n' "$line" | tee -a example.cc ;;
-      ini,*) printf '%s\n' "$line" | tee -a example.conf ;;
-      *) printf '%s\n' "$line" ;;
+      *)
+        printf '%s\n' "$line"
+        [ -z "${files[${block:-none}]:-}" ] || printf '%s\n' "$line" >>"${files[$block]}"
+        ;;
     esac
   done 3<"$page"
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# terminal_test.sh PROGRAM: colours and the closing count are for terminals only.
+# terminal_test.sh PROGRAM: colours, progress and the closing count are for terminals only.
 # Exit status 77: there are no pseudo-terminals here.
 set -euo pipefail
 program=$1
@@ -37,6 +37,12 @@ expect "$(on_terminal TERM=xterm bad.conf)" "${escape}[1;31moption name is empty
 aside=$(on_terminal TERM=xterm 'warn.conf >sum; cat sum')
 expect "$aside" "${escape}[1;35mwarning"
 [ "${aside/1 file/}" = "$aside" ]
+
+# Long work says how far it has come, and takes the line away for what follows.
+mkfifo slow
+{ exec 6>slow && sleep 1.1 && printf '[s]\n' >&6; } & # the program waits at the pipe
+expect "$(on_terminal TERM=xterm 'good.conf slow warn.conf')" "2 of 3 files checked${escape}[Kquarry-config: "
+[[ $(on_terminal TERM=xterm 'good.conf warn.conf') != *checked* ]]
 
 # seal asks twice, shows nothing of what is typed, and leaves the echo on.
 mkdir -m 700 keys

@@ -19,6 +19,11 @@ page() { sed -n "/^# COMMANDS/,/^# OPTIONS/s/^\*$1\*\(.*\)/\1/p" "$root/man/quar
 [ "$(sed -n '/^# COMMANDS/,/^# OPTIONS/s/^\*\([a-z]*\)\*.*/\1/p' "$root/man/quarry-config.1.scd" | sort -u)" = \
   "$(printf '%s\n' "${commands[@]}" | sort)" ] || fail 'the man page has other commands'
 
+# Every rule of check stands in the page about it.
+for rule in $(grep -oE '"[a-z]+-[a-z-]+"' "$root/tools/rules.h" | tr -d '"'); do
+  grep -qF "| \`$rule\` |" "$root/docs/ci.md" || fail "no rule $rule in docs/ci.md"
+done
+
 # shellcheck source=/dev/null
 . "$root/completions/quarry-config.bash"
 compopt() { :; } # knows only completions that bash has begun
@@ -54,6 +59,7 @@ level' get --default x f.conf LOG L
 expect size unset f.conf 'Volume\ a\ b' ''
 expect 'agent
 client' check --as ''
+expect sarif check --format s
 # shellcheck disable=SC2016 # must not be run
 expect '' get '$(touch harm)' l
 [ ! -e harm ] || fail 'completion runs what was typed'

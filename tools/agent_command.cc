@@ -81,7 +81,7 @@ std::string ReasonsAgainst(const std::string& file) {
   try {
     const std::string text = ReadInput(file);
     for (const Finding& finding : CheckText(text, file)) {
-      if (finding.severity != Severity::kError) continue;
+      if (!finding.IsError()) continue;
       reasons += "quarry-config: " + DisplayName(file) + ':' +
                  std::to_string(finding.line) + ": " + finding.message + '\n';
     }

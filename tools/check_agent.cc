@@ -31,8 +31,8 @@ class AgentChecker {
   void CheckUnknownOptions(const std::string& section);
   void CheckNumber();
   void CheckPassword();
-  // An error about the value of a setting that is there.
-  void Add(const char* accessor, const Advice& advice);
+  void AddPassword(const Advice& advice);
+  void AddKeyFile(const Advice& advice);
 
   bool Has(const AgentSetting& setting);
   const ScannedLine& LineOf(const char* accessor) const;
@@ -73,14 +73,16 @@ void AgentChecker::CheckPresence(const AgentSetting& setting) {
   const auto section = origins_.find(setting.section);
   if (section == origins_.end()) {
     Finding finding;
+    finding.rule = &rules::kSettingAbsent;
     finding.message = advice.message;
     finding.hint = advice.hint;
     findings_.push_back(finding);
     return;
   }
   const ScannedLine& header = section->second.header;
-  findings_.push_back(FindingAt(Severity::kError, header, header.header.name,
-                                advice.message, advice.hint));
+  findings_.push_back(FindingAt(rules::kSettingAbsent, header,
+                                header.header.name, advice.message,
+                                advice.hint));
 }
 
 void AgentChecker::CheckUnknownOptions(const std::string& section) {
@@ -95,8 +97,8 @@ void AgentChecker::CheckUnknownOptions(const std::string& section) {
     const auto near =
         NearestNames(name, std::list<std::string>(known.begin(), known.end()));
     findings_.push_back(FindingAt(
-        Severity::kWarning, line, line.option.name,
-        "an agent start does not take this option",
+        rules::kUnknownSetting, line, line.option.name,
+        rules::kUnknownSetting.meaning,
         near.empty() ? "keep it in a section of its own"
                      : "nearest that it takes: " + Quoted(near.front())));
   }
@@ -113,7 +115,7 @@ void AgentChecker::CheckNumber() {
   const bool whole = !value.empty() && end == value.data() + value.size();
   if (whole && errno == 0 && taken == number) return;
   findings_.push_back(FindingAt(
-      Severity::kWarning, line, line.option.value,
+      rules::kNumber, line, line.option.value,
       (whole ? "number does not fit 32 bits" : "value is not a number") +
           std::string(": an agent takes ") + std::to_string(taken),
       "write a number from -2147483648 to 2147483647"));
@@ -125,18 +127,25 @@ void AgentChecker::CheckPassword() {
   const bool about_key = result == kDecryptNoKeyFile ||
                          result == kDecryptKeyTooOpen ||
                          result == kDecryptNotAKeyFile;
-  Add(about_key ? "ssl_key_dir" : "cr_password",
-      PasswordAdvice(result, &model_));
+  const Advice advice = PasswordAdvice(result, &model_);
+  if (about_key) return AddKeyFile(advice);
+  AddPassword(advice);
   // A password in another form is found before the key is looked at.
   const DecryptResult key = TryKey(&model_);
   if (result == kDecryptNotSealed && key != kDecryptDone) {
-    Add("ssl_key_dir", AdviceOn(key, &model_));
+    AddKeyFile(AdviceOn(key, &model_));
   }
 }
 
-void AgentChecker::Add(const char* accessor, const Advice& advice) {
-  const ScannedLine& line = LineOf(accessor);
-  findings_.push_back(FindingAt(Severity::kError, line, line.option.value,
+void AgentChecker::AddPassword(const Advice& advice) {
+  const ScannedLine& line = LineOf("cr_password");
+  findings_.push_back(FindingAt(rules::kPassword, line, line.option.value,
+                                advice.message, advice.hint));
+}
+
+void AgentChecker::AddKeyFile(const Advice& advice) {
+  const ScannedLine& line = LineOf("ssl_key_dir");
+  findings_.push_back(FindingAt(rules::kKeyFile, line, line.option.value,
                                 advice.message, advice.hint));
 }
 

@@ -22,9 +22,8 @@ std::vector<Finding> CheckAs(const std::string& text, const std::string& file,
 }
 
 bool HasErrors(const std::vector<Finding>& findings) {
-  return std::any_of(findings.begin(), findings.end(), [](const Finding& one) {
-    return one.severity == Severity::kError;
-  });
+  return std::any_of(findings.begin(), findings.end(),
+                     [](const Finding& one) { return one.IsError(); });
 }
 
 void WriteFindings(const std::vector<Finding>& findings,

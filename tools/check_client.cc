@@ -13,8 +13,7 @@ std::vector<Finding> CheckClient(const std::string& text) {
   const ScannedLine& line = option->second;
   const std::string_view value = line.option.value;
   if (value == "on" || value == "off") return {};
-  return {FindingAt(Severity::kWarning, line, value,
-                    "value is neither \"on\" nor \"off\": a client takes off",
+  return {FindingAt(rules::kIngestMode, line, value, rules::kIngestMode.meaning,
                     "write \"on\" or \"off\", in just these letters")};
 }
 

@@ -1,10 +1,11 @@
 #include <algorithm>
 
 #include "tools/check_as.h"
+#include "tools/check_report.h"
 #include "tools/commands.h"
 #include "tools/errors.h"
 #include "tools/files.h"
-#include "tools/json_text.h"
+#include "tools/progress.h"
 #include "tools/terminal.h"
 
 namespace quarry::tool {
@@ -19,9 +20,8 @@ struct Totals {
 
   void Count(const std::vector<Finding>& findings) {
     const auto count = static_cast<std::size_t>(std::count_if(
-        findings.begin(), findings.end(), [](const Finding& finding) {
-          return finding.severity == Severity::kError;
-        }));
+        findings.begin(), findings.end(),
+        [](const Finding& finding) { return finding.IsError(); }));
     ++files;
     errors += count;
     warnings += findings.size() - count;
@@ -50,45 +50,31 @@ int ExitStatusOf(const Totals& totals, bool strict) {
   return refused ? kExitNo : kExitDone;
 }
 
-nlohmann::ordered_json FindingsJson(const std::vector<Finding>& findings) {
-  auto array = nlohmann::ordered_json::array();
-  for (const Finding& finding : findings) {
-    const bool warning = finding.severity == Severity::kWarning;
-    array.push_back({{"severity", warning ? "warning" : "error"},
-                     {"line", finding.line},
-                     {"column", finding.column},
-                     {"length", finding.length},
-                     {"message", finding.message},
-                     {"hint", finding.hint}});
-  }
-  return array;
-}
-
 }  // namespace
 
 int RunCheck(const CheckRequest& request) {
   Totals totals;
-  auto checked = nlohmann::ordered_json::array();
+  Progress progress("files checked", request.files.size());
+  const auto report = MakeCheckReport(request.format);
   for (const std::string& file : request.files) {
-    nlohmann::ordered_json entry;
-    AddText(&entry, "file", file);
     try {
       const std::string text = ReadInput(file);
       const std::vector<Finding> findings = CheckAs(text, file, request.as);
       totals.Count(findings);
-      if (!request.json) WriteFindings(findings, file);
-      if (request.json) entry["findings"] = FindingsJson(findings);
+      if (!findings.empty()) progress.Clear();
+      report->AddFile(file, findings);
     } catch (const ToolError& error) {
       // One file that cannot be read does not keep the others unchecked.
+      progress.Clear();
       WriteStandardError(error.report());
-      entry["error"] = error.message();
+      report->AddUnreadable(file, error);
       ++totals.unreadable;
     }
-    if (request.json) checked.push_back(std::move(entry));
+    progress.Step();
   }
-  if (request.json) {
-    WriteStandardOutput(JsonText({{"schema", 1}, {"files", checked}}));
-  } else if (IsStandardOutputTerminal()) {
+  progress.Clear();
+  report->Finish();
+  if (request.format == "text" && IsStandardOutputTerminal()) {
     WriteStandardOutput(Summary(totals));
   }
   return ExitStatusOf(totals, request.strict);

@@ -79,8 +79,10 @@ class Checker {
   void WarnOfValue(const ScannedLine& line);
 
   // Adds a finding about `part`, a view into the line.
-  void Add(Severity severity, const ScannedLine& line, std::string_view part,
-           std::string message, std::string hint = "");
+  void Add(const Rule& rule, const ScannedLine& line, std::string_view part,
+           std::string hint);
+  void Add(const Rule& rule, const ScannedLine& line, std::string_view part,
+           std::string message, std::string hint);
 
   const std::string file_;
   std::vector<Finding> findings_;
@@ -95,9 +97,7 @@ std::vector<Finding> Checker::Check(std::string_view text) {
   TextScanner scanner(text);
   for (ScannedLine line; scanner.Next(&line);) CheckLine(line);
   if (pending_comment_.number != 0) {
-    Add(Severity::kWarning, pending_comment_, pending_comment_.text,
-        "comment after the last option is dropped when a program saves this "
-        "file",
+    Add(rules::kCommentAtEnd, pending_comment_, pending_comment_.text,
         "move it above the section or option that it is about");
   }
   SortFindings(&findings_);
@@ -130,7 +130,7 @@ void Checker::CheckHeader(const ScannedLine& line) {
   EnterSection(line);
   const std::string_view name = line.header.name;
   if (IsBlank(name.front()) || IsBlank(name.back())) {
-    Add(Severity::kWarning, line, name, "blanks belong to the section name",
+    Add(rules::kBlanksInSectionName, line, name,
         "write the name next to the brackets");
   }
 }
@@ -139,15 +139,13 @@ void Checker::CheckHeaderFault(const ScannedLine& line) {
   const std::string_view at = line.text.substr(line.header.offset);
   switch (line.header.fault) {
     case LineFault::kHeaderNotClosed:
-      return Add(Severity::kError, line, at, "section header without \"]\"",
+      return Add(rules::kHeaderNotClosed, line, at,
                  "add \"]\" after the section name");
     case LineFault::kSectionNameEmpty:
-      return Add(Severity::kError, line, at.substr(0, 1),
-                 "section name is empty",
+      return Add(rules::kSectionNameEmpty, line, at.substr(0, 1),
                  "write a name between \"[\" and \"]\"");
     case LineFault::kTextAfterHeader:
-      return Add(Severity::kError, line, at, "text after the section header",
-                 kCommentHint);
+      return Add(rules::kTextAfterHeader, line, at, kCommentHint);
     default:
       return;
   }
@@ -156,7 +154,7 @@ void Checker::CheckHeaderFault(const ScannedLine& line) {
 void Checker::EnterSection(const ScannedLine& line) {
   section_ = &sections_[std::string(line.header.name)];
   if (section_->comment_line != 0) {
-    Add(Severity::kWarning, line, line.header.name,
+    Add(rules::kSectionAgain, line, line.header.name,
         "section again: its comment above line " +
             std::to_string(section_->header_line) +
             " is dropped when a program saves this file",
@@ -183,26 +181,25 @@ void Checker::CheckOptionFault(const ScannedLine& line) {
       line.text.substr(0, line.text.find_last_not_of(" \t\r") + 1);
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
     if (IsMarkedHeader(text)) EnterNamelessSection();
-    return Add(Severity::kError, line, text.substr(0, kByteOrderMark.size()),
-               "byte-order mark", "save the file without it");
+    return Add(rules::kByteOrderMark, line,
+               text.substr(0, kByteOrderMark.size()),
+               "save the file without it");
   }
   switch (line.option.fault) {
     case LineFault::kNoSection:
-      return Add(Severity::kError, line, text, "option line before any section",
-                 "put a [section] line above");
+      return Add(rules::kNoSection, line, text, "put a [section] line above");
     case LineFault::kNoEquals:
-      return Add(Severity::kError, line, text, "option line without \"=\"",
-                 MissingEqualsHint(text));
+      return Add(rules::kNoEquals, line, text, MissingEqualsHint(text));
     default:
-      return Add(Severity::kError, line, text.substr(0, 1),
-                 "option name is empty", "write a name before the \"=\"");
+      return Add(rules::kOptionNameEmpty, line, text.substr(0, 1),
+                 "write a name before the \"=\"");
   }
 }
 
 void Checker::WarnOfRepeatedOption(const ScannedLine& line) {
   std::size_t& stands_in = section_->options[std::string(line.option.name)];
   if (stands_in != 0) {
-    Add(Severity::kWarning, line, line.option.name,
+    Add(rules::kOptionAgain, line, line.option.name,
         "option again: overrides line " + std::to_string(stands_in),
         "keep one of the two lines");
   }
@@ -213,34 +210,30 @@ void Checker::WarnOfValue(const ScannedLine& line) {
   const std::string_view value = line.option.value;
   if (value.empty()) return;
   if (value.find_first_not_of(" \t") == std::string_view::npos) {
-    return Add(Severity::kWarning, line, value,
-               "blanks are the value of this option",
+    return Add(rules::kBlankValue, line, value,
                "for an empty value write nothing after the \"=\"");
   }
   const std::size_t mark = FindSeemingComment(value);
   if (mark != std::string_view::npos) {
-    Add(Severity::kWarning, line, value.substr(mark),
-        "this is part of the value", kCommentHint);
+    Add(rules::kCommentInValue, line, value.substr(mark), kCommentHint);
   }
   if (value.back() == '\r' && !warned_of_carriage_return_) {
     warned_of_carriage_return_ = true;
-    Add(Severity::kWarning, line, value.substr(value.size() - 1),
-        "value ends in a carriage return, which the agent sees",
+    Add(rules::kCarriageReturn, line, value.substr(value.size() - 1),
         "remove all of them: sed -i 's/\\r$//' " + file_);
   }
 }
 
-void Checker::Add(Severity severity, const ScannedLine& line,
+void Checker::Add(const Rule& rule, const ScannedLine& line,
+                  std::string_view part, std::string hint) {
+  Add(rule, line, part, rule.meaning, std::move(hint));
+}
+
+void Checker::Add(const Rule& rule, const ScannedLine& line,
                   std::string_view part, std::string message,
                   std::string hint) {
   findings_.push_back(
-      FindingAt(severity, line, part, std::move(message), std::move(hint)));
-}
-
-std::string SafeLineOf(const Finding& finding) {
-  const std::size_t secret = FindSecret(finding.line_text);
-  if (secret == std::string_view::npos) return std::string(finding.line_text);
-  return std::string(finding.line_text.substr(0, secret)) + kMask;
+      FindingAt(rule, line, part, std::move(message), std::move(hint)));
 }
 
 }  // namespace
@@ -249,7 +242,7 @@ std::vector<Finding> CheckText(std::string_view text, const std::string& file) {
   return Checker(file == "-" ? "FILE" : ShellQuotedFile(file)).Check(text);
 }
 
-Finding FindingAt(Severity severity, const ScannedLine& line,
+Finding FindingAt(const Rule& rule, const ScannedLine& line,
                   std::string_view part, std::string message,
                   std::string hint) {
   auto begin = static_cast<std::size_t>(part.data() - line.raw.data());
@@ -260,8 +253,9 @@ Finding FindingAt(Severity severity, const ScannedLine& line,
     begin = std::min(begin, secret);
     end = secret + sizeof kMask - 1;
   }
-  return {severity,           line.number,     begin + 1, end - begin,
-          std::move(message), std::move(hint), line.raw};
+  return {&rule,       line.number,        begin + 1,
+          end - begin, std::move(message), std::move(hint),
+          line.raw};
 }
 
 void SortFindings(std::vector<Finding>* findings) {
@@ -272,13 +266,19 @@ void SortFindings(std::vector<Finding>* findings) {
                    });
 }
 
+std::string SafeLineOf(const Finding& finding) {
+  const std::size_t secret = FindSecret(finding.line_text);
+  if (secret == std::string_view::npos) return std::string(finding.line_text);
+  return std::string(finding.line_text.substr(0, secret)) + kMask;
+}
+
 std::string FindingReport(const Finding& finding, const std::string& file,
                           bool coloured) {
   const auto paint = [coloured](const char* code, const std::string& text) {
     return coloured ? "\x1b[" + std::string(code) + 'm' + text + "\x1b[0m"
                     : text;
   };
-  const bool warning = finding.severity == Severity::kWarning;
+  const bool warning = !finding.IsError();
   const char* const colour = warning ? "1;35" : "1;31";  // magenta, red
   const std::string number = std::to_string(finding.line);
   std::string place = DisplayName(file) + ": ";

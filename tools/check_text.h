@@ -7,14 +7,15 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/rules.h"
 #include "tools/scan.h"
 
 namespace quarry::tool {
 
-enum class Severity { kError, kWarning };
-
 struct Finding {
-  Severity severity = Severity::kError;
+  bool IsError() const { return rule->severity == Severity::kError; }
+
+  const Rule* rule = nullptr;
   std::size_t line = 0;    // from 1; 0 when it is about no line
   std::size_t column = 0;  // in bytes, from 1; a tab counts one
   std::size_t length = 0;  // bytes that the finding is about
@@ -24,7 +25,7 @@ struct Finding {
 };
 
 // A finding about `part`, which is a view into the line.
-Finding FindingAt(Severity severity, const ScannedLine& line,
+Finding FindingAt(const Rule& rule, const ScannedLine& line,
                   std::string_view part, std::string message, std::string hint);
 
 // By lines, then columns.
@@ -35,12 +36,15 @@ void SortFindings(std::vector<Finding>* findings);
 // stops. `file` is the name that hints give for it.
 std::vector<Finding> CheckText(std::string_view text, const std::string& file);
 
+// The line of a finding, without the password that it may set. What the finding
+// is about stands in it where column and length say.
+std::string SafeLineOf(const Finding& finding);
+
 // The finding as it goes to a terminal or a log, several lines:
 //   quarry-config: FILE:14:1: option line without "="
 //     14 | threads 4
 //        | ^~~~~~~~~
 //     hint: write "threads = 4"
-// A line that sets a password is quoted without it.
 std::string FindingReport(const Finding& finding, const std::string& file,
                           bool coloured);
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "tools/check_report.h"
 #include "tools/commands.h"
 
 namespace quarry::tool {
@@ -49,7 +50,17 @@ Action DeclareCheck(CLI::App* command) {
   command->add_option("FILE", request->files, "Files to check")->required();
   command->add_flag("--strict", request->strict,
                     "Let warnings count as errors");
-  command->add_flag("--json", request->json, "Print the findings as JSON");
+  CLI::Option* const format =
+      command
+          ->add_option("--format", request->format,
+                       "How findings are shown: text, json, sarif or github")
+          ->type_name("FORMAT")
+          ->check(CLI::IsMember(CheckFormats()));
+  command
+      ->add_flag_callback(
+          "--json", [request] { request->format = "json"; },
+          "The same as --format=json")
+      ->excludes(format);
   AddAs(command, &request->as);
   return [request] {
     std::transform(request->files.begin(), request->files.end(),

@@ -114,6 +114,15 @@ bool IsUtf8(std::string_view text) {
   return true;
 }
 
+std::size_t CountCharacters(std::string_view text) {
+  std::size_t count = 0;
+  for (; !text.empty(); ++count) {
+    const std::size_t length = FirstCharacter(text).length;
+    text.remove_prefix(length == 0 ? 1 : length);
+  }
+  return count;
+}
+
 std::string Shown(std::string_view text) {
   std::string shown;
   while (!text.empty()) {

@@ -11,6 +11,9 @@ namespace quarry::tool {
 // Whether every byte of `text` belongs to a well-formed UTF-8 character.
 bool IsUtf8(std::string_view text);
 
+// How many characters the text has; a byte that is no UTF-8 is one.
+std::size_t CountCharacters(std::string_view text);
+
 // The text with every byte that a terminal might act upon, or that is no valid
 // UTF-8, as "\x1b": control characters, marks that reverse the direction.
 std::string Shown(std::string_view text);

@@ -42,7 +42,7 @@ int Load(const std::string& text, DMConfig* model) {
 std::string ErrorsOf(const std::string& text, const std::string& file) {
   std::string report;
   for (const Finding& finding : CheckText(text, file)) {
-    if (finding.severity != Severity::kError) continue;
+    if (!finding.IsError()) continue;
     report += FindingReport(finding, file, ColoursOnStandardError());
   }
   return report;

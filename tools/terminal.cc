@@ -19,10 +19,13 @@ std::string_view Environment(const char* name) {
 
 bool IsStandardOutputTerminal() { return isatty(STDOUT_FILENO) == 1; }
 
-bool ColoursOnStandardError() {
+bool IsStandardErrorTerminal() {
   const std::string_view terminal = Environment("TERM");
-  return isatty(STDERR_FILENO) == 1 && Environment("NO_COLOR").empty() &&
-         !terminal.empty() && terminal != "dumb";
+  return isatty(STDERR_FILENO) == 1 && !terminal.empty() && terminal != "dumb";
+}
+
+bool ColoursOnStandardError() {
+  return Environment("NO_COLOR").empty() && IsStandardErrorTerminal();
 }
 
 }  // namespace quarry::tool

@@ -6,7 +6,10 @@ namespace quarry::tool {
 
 bool IsStandardOutputTerminal();
 
-// On a terminal other than "dumb", unless NO_COLOR is set to anything.
+// A terminal whose lines can be written anew, which "dumb" ones cannot.
+bool IsStandardErrorTerminal();
+
+// On such a terminal, unless NO_COLOR is set to anything.
 bool ColoursOnStandardError();
 
 }  // namespace quarry::tool

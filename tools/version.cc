@@ -28,9 +28,10 @@ std::string LibraryFileOf(Function function) {
 
 }  // namespace
 
+std::string ProgramVersion() { return QUARRY_VERSION; }
+
 std::string VersionText() {
-  return std::string("quarry-config ") + QUARRY_VERSION +
-         "\nlibquarry_config: " +
+  return "quarry-config " + ProgramVersion() + "\nlibquarry_config: " +
          LibraryFileOf(&storage::dmconfig::DMConfig::Reset) +
          "\nlibquarry_platform: " + LibraryFileOf(&CRStatusToStringA) +
          "\nlibsodium " + sodium_version_string() + '\n';

@@ -5,6 +5,8 @@
 
 namespace quarry::tool {
 
+std::string ProgramVersion();
+
 // The program's version, the library files that this process really uses, and
 // the version of libsodium; a line each.
 std::string VersionText();
