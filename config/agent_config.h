@@ -67,6 +67,8 @@
 
 namespace storage::config {
 
+// An agent's configuration; the top of config/agent_config.h tells all about
+// it. What the operations refer to lives as long as the object.
 class QUARRY_EXPORT AgentCfg {
  public:
   // Copies both arguments. The handle is promoted last, when all settings have
@@ -80,26 +82,35 @@ class QUARRY_EXPORT AgentCfg {
   AgentCfg(const AgentCfg&) = delete;
   AgentCfg& operator=(const AgentCfg&) = delete;
 
+  // `[Ledger] url`.
   const std::string& ledger_url() const { return ledger_url_; }
+  // `[CR] login`.
   const std::string& cr_login() const { return cr_login_; }
-  // In plain text.
+  // `[CR] password`, in plain text.
   const std::string& cr_password() const { return cr_password_; }
+  // `[SSL] key_dir`.
   const std::string& ssl_key_dir() const { return ssl_key_dir_; }
-  // Where the metabase service library has left the routing tables:
-  // "/tmp/r.rt" and "/tmp/c.rt", for every agent on the machine.
+  // Where the metabase service library has left the first routing table:
+  // "/tmp/r.rt", for every agent on the machine.
   const std::string& routing_table_r_path() const {
     return routing_table_r_path_;
   }
+  // The same of the second one: "/tmp/c.rt".
   const std::string& routing_table_c_path() const {
     return routing_table_c_path_;
   }
+  // The file's path as it was given.
   const boost::filesystem::path& config_path() const { return config_path_; }
+  // `[Metabase] url`.
   const std::string& metabase_url() const { return metabase_url_; }
+  // The handle as it was given; what it refers to may be gone since.
   const std::weak_ptr<utils::LibMetabInterface>& lib_metab() const {
     return lib_metab_;
   }
+  // `[Control] address`.
   const std::string& ctrl_address() const { return ctrl_address_; }
-  // The value's leading decimal number, 0 when there is none, cut to 32 bits.
+  // `[Agent] numeric_option`: the value's leading decimal number, 0 when there
+  // is none, cut to 32 bits.
   std::int32_t numeric_option() const { return numeric_option_; }
 
  private:

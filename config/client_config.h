@@ -17,6 +17,7 @@
 
 namespace storage::config {
 
+// A client's setting.
 class QUARRY_EXPORT ClientCfg {
  public:
   // Takes the setting from `text`: option "ingest_mode" in section "lynx", both
@@ -27,12 +28,13 @@ class QUARRY_EXPORT ClientCfg {
   // message on std::cerr; the mode stays as it was then. std::bad_alloc passes.
   int SetCfg(const std::string& text);
 
-  // The two steps of SetCfg. ParseCfg reads `text` into the caller's `*model`,
-  // which is emptied first; -1 when it is null. GetConfigValues takes the
-  // setting from a model, which must not be null, and returns 0; as every
-  // look-up it may add the empty section to the model.
+  // The first step of SetCfg: reads `text` into the caller's `*model`, which is
+  // emptied first. Returns -1 when it is null, else what the reader returns.
   int ParseCfg(const std::string& text,
                quarry::storage::dmconfig::DMConfig* model);
+
+  // The second step: takes the setting from a model, which must not be null,
+  // and returns 0. As every look-up it may add the empty section to the model.
   int GetConfigValues(quarry::storage::dmconfig::DMConfig* model);
 
   // Off until a text turns it on.

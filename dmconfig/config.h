@@ -48,6 +48,7 @@ namespace quarry::storage::dmconfig {
 // process has set. So "_" comes before every letter and bytes from 0x80 on come
 // last; letters outside ASCII are not folded.
 struct StringCaseCmp {
+  // Whether `left` comes before `right`. Any thread may call.
   bool operator()(const std::string& left,
                   const std::string& right) const noexcept {
     const char* l = left.c_str();
@@ -103,21 +104,27 @@ struct StringCaseCmp {
 
 // What is stored of one option. An empty comment means that there is none.
 struct OptionValue {
+  // Both texts are empty.
   OptionValue() = default;
+  // Copies the texts.
   OptionValue(std::string_view value_text, std::string_view comment_text)
       : value(value_text), comment(comment_text) {}
 
-  std::string value;
-  std::string comment;
+  std::string value;    // what stands behind the "="
+  std::string comment;  // in the form of a section's
 };
 
 // What is stored of one section. A comment that came from a text begins with a
 // line feed and has none at its end; an empty one means that there is none.
 struct SectionOptionMap {
+  // Several lines are one text, with line feeds between.
   std::string comment;
+  // The options by their names, in the case of their first use.
   std::map<std::string, OptionValue, StringCaseCmp> option_map;
 };
 
+// One configuration text. The top of dmconfig/config.h says what holds for all
+// of its operations.
 class QUARRY_EXPORT DMConfig {
  public:
   DMConfig() = default;

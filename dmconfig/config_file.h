@@ -52,7 +52,9 @@ class QUARRY_EXPORT DMConfigFile {
   // Copies both names. Either may be empty; what needs it then returns -1.
   DMConfigFile(const std::string& input_file, const std::string& output_file);
   ~DMConfigFile();
+  // Copies the other's names.
   DMConfigFile(const DMConfigFile&) = default;
+  // Copies the other's names over its own.
   DMConfigFile& operator=(const DMConfigFile&) = default;
 
   // Reads the file named `input_file` into `*config`, which is emptied first.

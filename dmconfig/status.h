@@ -6,6 +6,7 @@
 
 namespace quarry::storage::dmconfig {
 
+// It was done.
 inline constexpr int kStatusOk = 0;
 
 // A null pointer, an empty section or option name, an empty file name.
@@ -20,7 +21,10 @@ inline constexpr int kStatusStreamFailed = -4;
 // A section's record could not be obtained: memory is exhausted.
 inline constexpr int kStatusNoRecord = -5;
 
+// There is no such section; only HasSection says so.
 inline constexpr int kStatusNoSuchSection = -6;
+
+// The section has no such option.
 inline constexpr int kStatusNoSuchOption = -7;
 
 }  // namespace quarry::storage::dmconfig

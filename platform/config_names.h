@@ -11,7 +11,9 @@
 #include "platform/export.h"
 
 extern "C" {
+// The names of sections.
 QUARRY_EXPORT extern const char _dct_config_section_string_table_[];
+// The names of options.
 QUARRY_EXPORT extern const char _dct_config_entry_string_table_[];
 }
 
@@ -31,10 +33,13 @@ inline constexpr std::size_t kEntryUrl = 1322;           // "url"
 inline constexpr std::size_t kEntryKeyDir = 1503;        // "key_dir"
 inline constexpr std::size_t kEntryAddress = 2777;       // "address"
 
-// The names themselves, NUL-terminated.
+// The name of the section designated by `offset`, NUL-terminated. It stays for
+// the life of the process.
 inline const char* SectionName(std::size_t offset) {
   return _dct_config_section_string_table_ + offset;
 }
+
+// The same of an option.
 inline const char* EntryName(std::size_t offset) {
   return _dct_config_entry_string_table_ + offset;
 }

@@ -27,10 +27,13 @@ class QUARRY_EXPORT Cr_ErrnoException : public std::exception {
   // The message is all that was written into the stream.
   Cr_ErrnoException(cr_status_t status, const std::stringstream& message,
                     const char* detail);
+  // Shares the other's texts.
   Cr_ErrnoException(const Cr_ErrnoException& other) noexcept;
+  // Lets go of its own texts and shares the other's.
   Cr_ErrnoException& operator=(const Cr_ErrnoException& other) noexcept;
   ~Cr_ErrnoException() override;
 
+  // The status that it was made with.
   cr_status_t status() const noexcept;
   const char* message() const noexcept;  // null when none was given
   const char* detail() const noexcept;   // null when none was given
@@ -62,7 +65,7 @@ QUARRY_EXPORT int DecryptPasswdWithKey(const char* key_file, const char* stored,
 // What the stand-in's DecryptPasswdWithKey returns. Another platform library
 // may use other numbers for its failures.
 enum DecryptResult : int {
-  kDecryptDone = 0,
+  kDecryptDone = 0,         // the password is in the caller's buffer
   kDecryptBadArgument = 1,  // a null pointer or no capacity
   kDecryptNoKeyFile = 2,    // the key file cannot be read
   kDecryptKeyTooOpen = 3,   // others may read it, or it belongs to another
@@ -74,8 +77,10 @@ enum DecryptResult : int {
   kDecryptNoCrypto = 9,     // libsodium cannot start or has no memory
 };
 
-// Statuses that the configuration library itself puts into exceptions.
+// A status that the configuration library itself puts into exceptions: the
+// agent's file, or a setting in it, cannot be used.
 inline constexpr cr_status_t kCrConfigFailure = 4;
+// Another one: the metabase service library no longer exists.
 inline constexpr cr_status_t kCrExpired = 9;
 
 #endif  // QUARRY_PLATFORM_CR_RUNTIME_H_

@@ -8,13 +8,20 @@
 #include "platform/export.h"
 #include "platform/lib_metab_interface.h"
 
-// What LocalMetab::GetRoutingTables returns when it fails.
+// What LocalMetab::GetRoutingTables returns when the ledger URL has another
+// form than "file://FOLDER". The numbers below are its other failures.
 inline constexpr cr_status_t kLedgerUrlUnsupported = 101;
+// The ledger folder does not exist.
 inline constexpr cr_status_t kLedgerFolderMissing = 102;
+// The ledger folder is none, or may not be entered.
 inline constexpr cr_status_t kLedgerFolderUnreadable = 103;
+// The ledger folder lacks r.rt or c.rt.
 inline constexpr cr_status_t kLedgerTableMissing = 104;
+// r.rt or c.rt cannot be read, is no regular file or changed meanwhile.
 inline constexpr cr_status_t kLedgerTableUnreadable = 105;
+// A folder stands where a routing table belongs.
 inline constexpr cr_status_t kRoutingTargetIsFolder = 106;
+// A routing table cannot be written, or not be put in its place.
 inline constexpr cr_status_t kRoutingTargetFailed = 107;
 
 namespace storage::utils {
