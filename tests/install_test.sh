@@ -31,8 +31,8 @@ mkdir elsewhere
 mv first elsewhere/moved
 prefix=$work/elsewhere/moved
 tool=$prefix/bin/quarry-config
-"$tool" --version | grep -qF "$prefix/lib/libquarry_platform.so.0" || fail 'the program takes other libraries'
-ldd "$prefix/lib/libquarry_config.so" | grep -qF "$prefix/lib/libquarry_platform.so.0" ||
+"$tool" --version | grep -F "$prefix/lib/libquarry_platform.so.0" >/dev/null || fail 'the program takes other libraries'
+ldd "$prefix/lib/libquarry_config.so" | grep -F "$prefix/lib/libquarry_platform.so.0" >/dev/null ||
   fail 'the library does not find the other one beside it'
 for page in man1/quarry-config.1 man5/quarry-config.5; do
   man --warnings -l "$prefix/share/man/$page" 2>warnings >shown
