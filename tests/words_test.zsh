@@ -1,6 +1,8 @@
 # words_test.zsh ROOT BUILD: the completion of zsh knows every command and option that
-# --help shows, and no other; completion, as a zsh at a terminal makes it.
+# --help shows, and no other; completion, as a zsh at a terminal makes it. Exit status
+# 77: there are no pseudo-terminals here.
 zmodload zsh/zpty
+zpty probe true 2>/dev/null || exit 77
 setopt err_exit pipe_fail
 root=$1:A
 path=($2:A $path)
