@@ -123,10 +123,10 @@ TEST_F(FileEditTest, RefusesWhatItWouldHarm) {
       {"fifo", refuse, "fifo is not a regular file"},
       {"", create, "cannot open  for writing: Is a directory"},
       {"absent", refuse, "cannot open absent: No such file or directory"},
-      {"absent/f", create, "cannot open absent/f: No such file or directory"},
-      {"absent/", create, "cannot open absent/: No such file or directory"},
+      {"absent/f", create, "cannot open the folder of absent/f: No such file or directory"},
+      {"absent/", create, "cannot open the folder of absent/: No such file or directory"},
       {"two/f", create, "cannot open two/f: Not a directory"},
-      {"dangling", create, "cannot open dangling: No such file or directory"},
+      {"dangling", create, "dangling is a link to a file that does not exist"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);

@@ -85,6 +85,8 @@ std::string ReasonsAgainst(const std::string& file) {
       reasons += "quarry-config: " + DisplayName(file) + ':' +
                  std::to_string(finding.line) + ": " + finding.message + '\n';
     }
+    reasons +=
+        "  hint: for more: quarry-config check " + ShellQuotedFile(file) + '\n';
   } catch (const ToolError& unreadable) {
     reasons = unreadable.report();
   }
@@ -104,7 +106,6 @@ std::string ReasonsAgainst(const std::string& file) {
     hint = HintFor(error, &model);
   } catch (const ToolError&) {
     more = ReasonsAgainst(file);
-    hint = "for more: quarry-config check " + ShellQuotedFile(file);
   }
   throw ToolError(kExitNo, masker.Masked(StartReport(error, hint) + more));
 }
@@ -226,15 +227,17 @@ void DemandRegularFile(const std::string& file) {
   const bool other =
       stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
   if (file != "-" && !other) return;
-  throw ToolError(kExitUsage,
-                  ErrorReport("an agent starts from a regular file, not from " +
-                                  DisplayName(file),
-                              "save the text and give the file's name"));
+  throw ToolError(
+      kExitUsage,
+      ErrorReport(
+          "an agent starts from a regular file, not from " + DisplayName(file),
+          "give a file's name; save the text of a pipe first"));
 }
 
 }  // namespace
 
 int RunAgent(const AgentRequest& request) {
+  DemandName(request.file);
   DemandRegularFile(request.file);
   ForbidCoreDumps();
   const std::unique_ptr<AgentCfg> cfg = StartAgent(request.file);

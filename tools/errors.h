@@ -38,7 +38,7 @@ std::string ErrorReport(const std::string& message,
 // The end of a system call: "cannot VERB WHAT: " and the text of
 // `error_number`.
 ToolError SystemError(const std::string& verb, const std::string& what,
-                      int error_number);
+                      int error_number, const std::string& hint = "");
 
 // To standard error. That it fails is nothing to report: there is no place
 // left.

@@ -44,6 +44,7 @@ bool IsOpenFile(const std::filesystem::path& folder,
 // The path without links. The file itself may be absent, but then nothing may
 // stand in its place.
 std::filesystem::path Resolved(const std::string& file) {
+  DemandName(file);
   const std::filesystem::path path(file);
   std::error_code error;
   const auto given = path.parent_path();
@@ -59,8 +60,17 @@ std::filesystem::path Resolved(const std::string& file) {
     if (!error) return resolved;
   }
   struct stat status {};
-  const bool is_absent = error.value() == ENOENT && path.has_filename() &&
-                         !folder.empty() && lstat(file.c_str(), &status) != 0;
+  if (folder.empty()) {
+    throw SystemError("open", "the folder of " + DisplayName(file),
+                      error.value());
+  }
+  const bool is_absent = error.value() == ENOENT && path.has_filename();
+  if (is_absent && lstat(file.c_str(), &status) == 0) {
+    throw ToolError(kExitFailed,
+                    ErrorReport(DisplayName(file) +
+                                    " is a link to a file that does not exist",
+                                "make that file, or remove the link"));
+  }
   if (is_absent && errno == ENOENT) return folder / path.filename();
   throw SystemError("open", DisplayName(file), error.value());
 }
@@ -82,7 +92,7 @@ FileEdit::FileEdit(const std::string& file, std::optional<mode_t> new_mode,
     throw ToolError(
         kExitFailed,
         ErrorReport("cannot open " + name_ + ": No such file or directory",
-                    "quarry-config set --create makes a new file"));
+                    "only quarry-config set --create makes a new file"));
   }
   if (purpose == Purpose::kEdit) PrepareNew(*new_mode);
 }

@@ -38,7 +38,8 @@ std::string ReadToEnd(int descriptor, const std::string& name) {
     text.resize(used + more);
     std::size_t count = 0;
     if (!platform::ReadUpTo(descriptor, &text[used], more, &count)) {
-      throw SystemError("read", name, errno);
+      throw SystemError("read", name, errno,
+                        errno == EISDIR ? "give the files in it" : "");
     }
     used += count;
     if (count < more) break;
@@ -58,6 +59,13 @@ void ReserveStandardStreams() {
         open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     if (opened == -1) throw SystemError("open", "/dev/null", errno);
   }
+}
+
+void DemandName(const std::string& name) {
+  if (!name.empty()) return;
+  throw ToolError(kExitFailed,
+                  ErrorReport("the name of a file or folder is empty",
+                              "is a variable of the command line not set?"));
 }
 
 std::string DisplayName(const std::string& file) {
@@ -81,6 +89,7 @@ std::string ReadInput(const std::string& file) {
 }
 
 std::optional<std::string> ReadIfPresent(const std::string& file) {
+  DemandName(file);
   const std::string name = DisplayName(file);
   if (file == "-") return ReadAll(STDIN_FILENO, name);
   const platform::FileDescriptor input(

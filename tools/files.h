@@ -11,6 +11,9 @@ namespace quarry::tool {
 // stream that the caller closed; using such a stream still fails.
 void ReserveStandardStreams();
 
+// Refuses an empty name, which a variable of a script becomes that is not set.
+void DemandName(const std::string& name);
+
 // The name for messages: "<stdin>" for "-", else the name itself, made visible.
 std::string DisplayName(const std::string& file);
 

@@ -158,13 +158,17 @@ void ReadTwiceFromTerminal(const std::string& folder, PasswordInput* input) {
 }
 
 void LoadKey(const std::string& folder, SealingKey* key) {
+  DemandName(folder);
   const std::string file = KeyFileIn(folder);
   errno = 0;
   switch (key->Load(file.c_str())) {
     case kDecryptDone:
       return;
     case kDecryptNoKeyFile:
-      throw SystemError("read", "the key file " + Shown(file), errno);
+      throw SystemError("read", "the key file " + Shown(file), errno,
+                        errno == ENOENT ? "make one: quarry-config keygen " +
+                                              ShellQuotedFile(folder)
+                                        : "");
     case kDecryptKeyTooOpen:
       Refuse("key file " + Quoted(file) + " is open to others",
              OpenKeyHint(file));
@@ -178,9 +182,13 @@ void LoadKey(const std::string& folder, SealingKey* key) {
 
 // Only the owner may write to it.
 void DemandPrivateFolder(const std::string& folder) {
+  DemandName(folder);
   struct stat status {};
   if (stat(folder.c_str(), &status) != 0) {
-    throw SystemError("open", Shown(folder), errno);
+    throw SystemError("open", Shown(folder), errno,
+                      errno == ENOENT
+                          ? "make it: mkdir -m 700 " + ShellQuotedFile(folder)
+                          : "");
   }
   if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return;
   throw ToolError(

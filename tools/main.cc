@@ -29,6 +29,29 @@ const char kStatuses[] =
     "value that would not be read back); 2 wrong usage; 3 it could not be\n"
     "done (a file unreadable, invalid, locked or not written).";
 
+// The option that a word of the command line sets; empty for other words. A
+// number is none.
+std::string OptionNameIn(const std::string& word) {
+  if (word.size() < 2 || word[0] != '-') return "";
+  if (word[1] == '-') return word.substr(0, word.find('='));
+  return word[1] >= '0' && word[1] <= '9' ? "" : word.substr(0, 2);
+}
+
+// CLI11's message, in our words where it is not one for users.
+std::string UsageMessage(const CLI::ParseError& error) {
+  const std::string text = error.what();
+  if (error.get_name() == "ArgumentMismatch") {
+    return text.substr(0, text.find(':')) + " needs a value behind it";
+  }
+  const std::string excludes = " excludes ";
+  const std::size_t at = text.find(excludes);
+  if (error.get_name() != "ExcludesError" || at == std::string::npos) {
+    return text;
+  }
+  return "give " + text.substr(0, at) + " or " +
+         text.substr(at + excludes.size()) + ", not both";
+}
+
 // The command line and what it asked for. Only the command that is wanted is
 // declared, or all of them when it is none of them: to declare them takes
 // longer than to read an ordinary file.
@@ -43,7 +66,8 @@ class CommandLine {
   bool Declare(const std::string& wanted);
   void Parse();
   void DemandCommand() const;
-  std::string UsageHint() const;
+  void DemandKnownOptions() const;
+  std::string UsageHint(bool with_dashes) const;
 
   const std::vector<std::string> words_;
   CLI::App app_{"Checks, queries and edits configuration files.",
@@ -77,6 +101,10 @@ bool CommandLine::Declare(const std::string& wanted) {
     app->footer((command.takes_input ? kInput : "") + std::string(kStatuses));
     app->group("Commands");
     const auto action = command.declare(app);
+    for (CLI::Option* const option : app->get_options()) {
+      if (option->get_positional()) continue;
+      if (option->get_expected_max() > 0) option->take_last();
+    }
     app->callback([this, action] { action_ = action; });
     declared = true;
   }
@@ -85,6 +113,7 @@ bool CommandLine::Declare(const std::string& wanted) {
 
 int CommandLine::Run() {
   DemandCommand();
+  DemandKnownOptions();
   try {
     Parse();
   } catch (const CLI::CallForHelp&) {
@@ -97,7 +126,8 @@ int CommandLine::Run() {
     WriteStandardOutput(version.what());
     return kExitDone;
   } catch (const CLI::ParseError& error) {
-    throw ToolError(kExitUsage, ErrorReport(Shown(error.what()), UsageHint()));
+    throw ToolError(kExitUsage,
+                    ErrorReport(Shown(UsageMessage(error)), UsageHint(false)));
   }
   return action_();
 }
@@ -119,26 +149,44 @@ void CommandLine::Parse() {
   app_.parse(words);
 }
 
-std::string CommandLine::UsageHint() const {
-  const auto commands = app_.get_subcommands();
+std::string CommandLine::UsageHint(bool with_dashes) const {
   std::string hint = "see: quarry-config ";
-  if (!commands.empty()) hint += commands.front()->get_name() + ' ';
+  if (is_command_) hint += words_.front() + ' ';
   hint += "--help";
-  const auto is_unknown = [&commands](const std::string& word) {
-    if (word.size() < 2 || word[0] != '-' || commands.empty()) return false;
-    const std::string name = word.substr(0, word.find('='));
-    return commands.front()->get_option_no_throw(name) == nullptr;
-  };
-  if (std::any_of(words_.begin(), words_.end(), is_unknown)) {
+  if (with_dashes) {
     hint += "; put \"--\" before a name or value that begins with \"-\"";
   }
   return hint;
 }
 
+// Before CLI11 parses: it would rather say what is missing.
+void CommandLine::DemandKnownOptions() const {
+  if (!is_command_) return;
+  const CLI::App* const command = app_.get_subcommand(words_.front());
+  for (std::size_t i = 1; i < words_.size() && words_[i] != "--"; ++i) {
+    const std::string name = OptionNameIn(words_[i]);
+    if (name.empty()) continue;
+    const CLI::Option* const option = command->get_option_no_throw(name);
+    if (option == nullptr) {
+      throw ToolError(kExitUsage, ErrorReport("no option " + Quoted(name),
+                                              UsageHint(true)));
+    }
+    const bool takes_value = option->get_expected_max() > 0;
+    if (!takes_value && words_[i] != name) {
+      throw ToolError(kExitUsage,
+                      ErrorReport(name + " takes no value", UsageHint(false)));
+    }
+    if (takes_value && words_[i] == name) ++i;
+  }
+}
+
 // Before CLI11 parses: its own message would not say what is wrong.
 void CommandLine::DemandCommand() const {
-  const std::string help_hint = "see: quarry-config --help";
   const std::string name = words_.empty() ? "" : words_.front();
+  const std::string help_hint =
+      name.substr(0, 1) == "-"
+          ? "options stand behind the command; see: quarry-config --help"
+          : "see: quarry-config --help";
   if (name.empty()) {
     throw ToolError(kExitUsage, ErrorReport("no command is given", help_hint));
   }

@@ -63,7 +63,7 @@ std::string ListCommand(const std::string& file,
                         const std::string& section = "") {
   std::string command = "quarry-config list ";
   if (section.substr(0, 1) == "-") command += "-- ";
-  command += ShellQuotedFile(file);
+  command += file == "-" ? file : ShellQuotedFile(file);
   return section.empty() ? command : command + ' ' + ShellQuoted(section);
 }
 

@@ -57,7 +57,7 @@ inline constexpr Rule kCommentAtEnd = {
 inline constexpr Rule kSettingAbsent = {
     Severity::kError, "setting-absent",
     "an agent start fails without this setting"};
-inline constexpr Rule kPassword = {Severity::kError, "password",
+inline constexpr Rule kPassword = {Severity::kError, "stored-password",
                                    "an agent cannot open its stored password"};
 inline constexpr Rule kKeyFile = {Severity::kError, "key-file",
                                   "an agent cannot use its key file"};

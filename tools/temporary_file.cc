@@ -30,8 +30,11 @@ TemporaryFile::TemporaryFile(int folder, const std::string& entry, mode_t mode,
     } else if (errno == EEXIST) {
       RemoveAbandoned();
     } else {
-      throw SystemError("create", Shown(temporary_) + " beside " + name_,
-                        errno);
+      throw SystemError("create", Shown(temporary_) + " beside " + name_, errno,
+                        errno == EACCES
+                            ? "an edit puts a new file into the place of the "
+                              "old one; for that its folder must be writable"
+                            : "");
     }
   }
 }
