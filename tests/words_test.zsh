@@ -1,5 +1,5 @@
-# words_test.zsh ROOT BUILD: the completion of zsh knows every command and option that
-# --help shows, and no other; completion, as a zsh at a terminal makes it. Exit status
+# words_test.zsh ROOT BUILD: the completions know every command and option that --help
+# shows, and no other; completion, as a zsh and a bash at a terminal make it. Exit status
 # 77: there are no pseudo-terminals here.
 zmodload zsh/zpty
 zpty probe true 2>/dev/null || exit 77
@@ -11,9 +11,10 @@ trap 'rm -rf $work' EXIT
 mkdir -p $work/home $work/here/folder
 cd $work/here
 print -l '[Log]' level=1 Lines=2 '[Volume a b]' size=1 '[Volume $(touch harm)]' x=1 >f.conf
-print -l '[Other]' y=1 >../home/f.conf
+print -l '[Other]' y=1 '[a:b=c]' y=1 >../home/f.conf
 
-# At control-O it inserts all that may stand for the last word, and shows the line.
+# Shells in which control-O inserts all that may stand for the last word, and shows the
+# line. With all of them bash takes quotes away; control-Y inserts a single one.
 cat >$work/home/.zshrc <<END
 fpath=($root/completions \$fpath)
 autoload -Uz compinit && compinit -u -d ~/dump
@@ -21,43 +22,67 @@ insert_all() { compstate[insert]=all compstate[list]= }
 show() { comppostfuncs=(insert_all); zle complete-word; zle -I; print -r -- "<<<\${BUFFER%% }>>>"; BUFFER= }
 zle -N show && bindkey '^O' show
 END
-zpty shell "HOME=$work/home ZDOTDIR=$work/home TERM=dumb zsh -d -i"
-complete_line() { # LINE: sets `reply` to what it becomes
-  local out
-  zpty -w -n shell "quarry-config $1"$'\C-o'
-  zpty -r shell out '*<<<*>>>*'
+cat >$work/home/.bashrc <<END
+. $root/completions/quarry-config.bash
+show() { printf '<<<%s>>>' "\${READLINE_LINE% }"; READLINE_LINE=; }
+bind -x '"\C-t": show' && bind '"\C-o": "\e*\C-t"' && bind '"\C-y": "\t\C-t"'
+END
+export HOME=$work/home ZDOTDIR=$work/home TERM=dumb INPUTRC=/dev/null
+zpty zsh zsh -d -i
+zpty bash bash -i
+complete_line() { # SHELL LINE: sets `reply` to what it becomes
+  local out key=$'\C-o'
+  [[ $1 != bash || $2 != *[\"\']* ]] || key=$'\C-y'
+  zpty -w -n $1 "quarry-config $2$key"
+  zpty -r $1 out '*<<<*>>>*'
   reply=${${out##*<<<quarry-config }%%>>>*}
 }
-expect() { # LINE WANTED
-  complete_line $1
-  [[ $reply == $2 ]] || { print -r "words: completion of \"$1\": \"$reply\""; exit 1 }
+expect() { # SHELL LINE WANTED
+  complete_line $1 $2
+  [[ $reply == $3 ]] || { print -r "words: completion of \"$2\" in $1: \"$reply\""; exit 1 }
 }
 
 known=(${(f)"$(quarry-config --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p' | sort)"})
 [[ $#known -ge 12 ]]
-expect '' "--help --version $known"
+expect zsh '' "--help --version $known"
+expect bash '' "--help --version $known"
 for command in $known; do
-  complete_line "$command -"
-  found=(${(o)${=reply#* }:#--help})
   wanted=(${(of)"$(quarry-config $command --help | sed -n '/^Options:/,/^$/s/^ *\(-[a-zA-Z-]*\).*/\1/p' | sed '/^-h$/d')"})
-  [[ $found == $wanted ]] || { print -r "words: completion has other options of $command: $found"; exit 1 }
+  for shell in zsh bash; do
+    complete_line $shell "$command -"
+    found=(${(o)${=reply#* }%=})
+    found=(${found:#--help})
+    [[ $found == $wanted ]] || { print -r "words: $shell knows other options of $command: $found"; exit 1 }
+  done
 done
 
-cases=(
+cases=( # the line, what it becomes
   'set f'                               'set f.conf folder/'
   'seal '                               'seal folder/'
   'check --as '                         'check --as agent client'
   'check --format s'                    'check --format sarif'
+  'check --format=s'                    'check --format=sarif'
   'set f.conf '                         'set f.conf Log Volume\ \$\(touch\ harm\) Volume\ a\ b'
   'get --default z -- f.conf l'         'get --default z -- f.conf Log'
-  'list ~/f.conf '                      'list ~/f.conf Other'
+  'get --default=z f.conf l'            'get --default=z f.conf Log'
+  'get --default = f.conf l'            'get --default = f.conf Log'
+  'check --as agent f'                  'check --as agent f.conf folder/'
+  'list ~/f.conf '                      'list ~/f.conf Other a:b=c'
   'get f.conf LOG l'                    'get f.conf LOG Lines level'
   'unset f.conf Volume\ a\ b '          'unset f.conf Volume\ a\ b size'
+  'get ~/f.conf a:b=c '                 'get ~/f.conf a:b=c y'
+  'get ~/f.conf a:b='                   'get ~/f.conf a:b=c'
+  'get f.conf "volume a'                'get f.conf "Volume a b"'
+  'get f.conf "volume \$'               'get f.conf "Volume \$(touch harm)"'
+  "get f.conf 'volume a"                "get f.conf 'Volume a b'"
   "unset f.conf 'Volume \$(touch harm)' " "unset f.conf 'Volume \$(touch harm)' x"
   "get f.conf '' "                      "get f.conf ''"
   'get absent '                         'get absent'
   'get $(touch harm) l'                 'get $(touch harm) l'
   'get "`touch harm`" l'                'get "`touch harm`" l'
 )
-for line wanted in "$cases[@]"; do expect $line $wanted; done
+for line wanted in "$cases[@]"; do
+  expect zsh $line $wanted
+  expect bash $line ${wanted%/}
+done
 [[ ! -e harm ]] || { print 'words: completion runs what was typed'; exit 1 }

@@ -39,7 +39,7 @@ std::string OptionNameIn(const std::string& word) {
 
 // CLI11's message, in our words where it is not one for users.
 std::string UsageMessage(const CLI::ParseError& error) {
-  const std::string text = error.what();
+  std::string text = error.what();
   if (error.get_name() == "ArgumentMismatch") {
     return text.substr(0, text.find(':')) + " needs a value behind it";
   }
