@@ -7,8 +7,11 @@ set_target_properties(quarry_hardening PROPERTIES INTERFACE_POSITION_INDEPENDENT
 # Functions are bound at load, not only against tampering: to bind one at its first
 # call saves all registers on the stack, and with them perhaps a secret.
 target_link_options(quarry_hardening INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+string(FIND "${CMAKE_CXX_FLAGS}" _FORTIFY_SOURCE fortified)
+math(EXPR fortified "${fortified} + 1")
 if(NOT QUARRY_SANITIZE)
   target_compile_options(quarry_hardening INTERFACE
     -fstack-protector-strong -fstack-clash-protection -fcf-protection
-    $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>) # which needs optimisation
+    # Which needs optimisation. A distribution that builds us may ask for more.
+    $<$<NOT:$<CONFIG:Debug>>:$<$<NOT:$<BOOL:${fortified}>>:-D_FORTIFY_SOURCE=2>>)
 endif()

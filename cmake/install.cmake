@@ -2,7 +2,7 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/quarry_config)
-set(headers_dir ${CMAKE_INSTALL_INCLUDEDIR}/quarry)
+file(RELATIVE_PATH headers_dir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCLUDEDIR}/quarry)
 
 install(TARGETS quarry_config quarry_platform EXPORT quarry_configTargets
   FILE_SET HEADERS DESTINATION ${headers_dir}
@@ -19,10 +19,13 @@ install(FILES
   ${PROJECT_BINARY_DIR}/quarry_config-config-version.cmake
   DESTINATION ${package_dir})
 
-# For pkg-config, which knows the folder of the file that it reads.
-file(RELATIVE_PATH to_prefix
-  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-cmake_path(SET to_prefix NORMALIZE "${to_prefix}.")
+# For pkg-config, which knows the folder of the file that it reads. What lies in /usr is
+# not moved, and its plain names are left out where the compiler looks anyway.
+set(prefix /usr)
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  file(RELATIVE_PATH prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+  set(prefix "\${pcfiledir}/${prefix}")
+endif()
 file(RELATIVE_PATH libdir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBDIR})
 set(platform_library "")
 if(QUARRY_PLATFORM STREQUAL "local")
@@ -39,8 +42,9 @@ set_target_properties(quarry-config PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libra
 install(TARGETS quarry-config)
 install(FILES completions/quarry-config.bash RENAME quarry-config
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-install(FILES completions/_quarry-config
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+set(QUARRY_ZSH_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
+  "Where the completion for zsh is installed")
+install(FILES completions/_quarry-config DESTINATION ${QUARRY_ZSH_DIR})
 install(FILES examples/agent.conf examples/client.conf examples/broken.conf
   DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarry-config/examples)
 

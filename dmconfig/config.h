@@ -143,9 +143,7 @@ class QUARRY_EXPORT DMConfig {
   // that accepts an empty name, which is a section like any other here.
   SectionOptionMap* GetOptionMap(const std::string& section);
 
-  // Returns 0 when the section exists, else
-  //   -6  there is no such section
-  // Never creates anything.
+  // Returns 0 when the section exists, else -6. Never creates anything.
   int HasSection(const std::string& section);
 
   // Replaces the caller's list by the names of all sections, in the order in

@@ -54,17 +54,22 @@ for compiler in "${compilers[@]}"; do
   expect "$started" env LD_LIBRARY_PATH="$prefix/lib" "./by-pkg-config-$cc" agent.conf
 done
 
-# A host's own platform library.
-run cmake -S "$root" -B external -DQUARRY_PLATFORM=external
+# A host's own platform library, and a distribution's own folders and flags.
+run env CXXFLAGS='-O2 -Wp,-D_FORTIFY_SOURCE=3' cmake -S "$root" -B external -DQUARRY_PLATFORM=external \
+  -DCMAKE_COMPILE_WARNING_AS_ERROR=ON -DCMAKE_INSTALL_PREFIX="$work/host" \
+  -DCMAKE_INSTALL_LIBDIR="$work/host-lib/lib64" -DCMAKE_INSTALL_INCLUDEDIR="$work/host/inc"
 run cmake --build external
-run cmake --install external --prefix "$work/host"
-[ -z "$(find host -name '*local_metab*' -o -name '*quarry_platform*' -o -name 'quarry-config')" ] ||
+run cmake --install external
+[ -z "$(find host host-lib -name '*local_metab*' -o -name '*quarry_platform*' -o -name 'quarry-config')" ] ||
   fail 'ours is installed for a host, too'
 printf '[c]\nn=me\np=host:secret\n[s]\nk=/keys\n[l]\nu=tables\n[m]\nu=x\n[x]\na=y\n[a]\no=7\n' >host.conf
 for compiler in "${compilers[@]}"; do
   read -r cxx cc <<<"$compiler"
-  consumer "host-$cc" "$cxx" "$cc" "$work/host" \
+  consumer "host-$cc" "$cxx" "$cc" "$work/host-lib/lib64/cmake" \
     -DPLATFORM_SOURCES="$root/tests/consumer/host_platform.c;$root/platform/cr_errno_exception.cc"
   expect $'me:secret asks tables\nagent 7' "host-$cc/consumer" host.conf
   expect 'Unable to get the CR login from config file (status 4)' "host-$cc/consumer" agent.conf
 done
+read -ra flags <<<"$(PKG_CONFIG_PATH=$work/host-lib/lib64/pkgconfig pkg-config --cflags --libs quarry-config)"
+run g++ -std=c++17 "$root/tests/consumer/main.cc" "${flags[@]}" -Lhost-gcc -lhost_platform -o host-by-pkg-config
+expect $'me:secret asks tables\nagent 7' env LD_LIBRARY_PATH="$work/host-lib/lib64:host-gcc" ./host-by-pkg-config host.conf

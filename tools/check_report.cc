@@ -50,6 +50,11 @@ std::string PercentEncoded(std::string_view text, bool (*kept)(char)) {
   return encoded;
 }
 
+// The file as code reviews name it; "<stdin>" for "-".
+std::string NameForReview(const std::string& file) {
+  return file == "-" ? DisplayName(file) : file;
+}
+
 class TextReport : public CheckReport {
  public:
   void AddFile(const std::string& file,
@@ -104,7 +109,7 @@ class SarifReport : public CheckReport {
       const std::string hint = finding.hint.empty() ? "" : "\n" + finding.hint;
       results_.push_back({{"ruleId", finding.rule->name},
                           {"level", LevelOf(*finding.rule)},
-                          {"message", {{"text", finding.message + hint}}},
+                          {"message", Message(finding.message + hint)},
                           {"locations", {LocationOf(file, finding)}}});
     }
   }
@@ -112,7 +117,7 @@ class SarifReport : public CheckReport {
   void AddUnreadable(const std::string& file, const ToolError& error) override {
     failures_.push_back(
         {{"level", "error"},
-         {"message", {{"text", error.message()}}},
+         {"message", Message(error.message())},
          {"locations",
           {{{"physicalLocation", {{"artifactLocation", ArtifactOf(file)}}}}}}});
   }
@@ -137,7 +142,7 @@ class SarifReport : public CheckReport {
   // A path as a reference to a file: relative ones stay so.
   static Json ArtifactOf(const std::string& file) {
     const std::string path =
-        std::filesystem::path(DisplayName(file)).lexically_normal().string();
+        std::filesystem::path(NameForReview(file)).lexically_normal().string();
     const auto kept = [](char c) {
       return std::string_view("/._-~").find(c) != std::string_view::npos ||
              (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
@@ -148,22 +153,45 @@ class SarifReport : public CheckReport {
   }
 
   static Json LocationOf(const std::string& file, const Finding& finding) {
-    Json place = {{"artifactLocation", ArtifactOf(file)}};
+    // A finding about no line is shown at the first one.
+    Json region = {{"startLine", 1}};
     if (finding.line != 0) {
       const Columns columns = ColumnsOf(finding);
-      place["region"] = {{"startLine", finding.line},
-                         {"startColumn", columns.begin},
-                         {"endColumn", columns.end}};
+      region = {{"startLine", finding.line},
+                {"startColumn", columns.begin},
+                {"endColumn", columns.end}};
     }
-    return {{"physicalLocation", place}};
+    return {{"physicalLocation",
+             {{"artifactLocation", ArtifactOf(file)}, {"region", region}}}};
   }
 
   void AddRule(const Rule& rule) {
     if (!known_rules_.insert(rule.name).second) return;
     rules_.push_back({{"id", rule.name},
                       {"shortDescription", {{"text", rule.meaning}}},
+                      {"fullDescription", {{"text", rule.meaning}}},
+                      {"help", {{"text", kHelp}}},
                       {"defaultConfiguration", {{"level", LevelOf(rule)}}}});
   }
+
+  // What stands in a message for itself, where braces would be places to fill
+  // and
+  // "[text](url)" a link.
+  static Json Message(const std::string& text) {
+    std::string literal;
+    for (const char c : text) {
+      if (c == '{' || c == '}') literal += c;
+      if (c == '(' && !literal.empty() && literal.back() == ']') {
+        literal.insert(literal.size() - 1, 1, '\\');
+      }
+      literal += c;
+    }
+    return {{"text", literal}};
+  }
+
+  static constexpr char kHelp[] =
+      "The message of each finding has its remedy; quarry-config(5) describes "
+      "the format.";
 
   Json results_ = Json::array();
   Json failures_ = Json::array();
@@ -203,7 +231,7 @@ class GithubReport : public CheckReport {
       return c != '%' && c != '\r' && c != '\n' && c != ':' && c != ',';
     };
     commands_ += std::string("::") + level + " file=" +
-                 PercentEncoded(DisplayName(file), kept_in_property) + place +
+                 PercentEncoded(NameForReview(file), kept_in_property) + place +
                  "::" + PercentEncoded(message, kept_in_text) + '\n';
   }
 
