@@ -25,7 +25,7 @@ void TryInput(const std::string& input) {
   const std::string& text = input;
   const Reading reading = ReadText(text);
 
-  const CerrText cerr;
+  const CerrCapture cerr;
   storage::dmconfig::DMConfig model;
   const bool loads = Load(text, &model) == 0;
   const std::vector<Finding> findings = tool::CheckText(text, "a file");

@@ -131,7 +131,7 @@ void TryInput(const std::string& input) {
   const std::vector<std::string> fields = Fields(input, 4);
   const Setting setting = {fields[0], fields[1], fields[2]};
   const std::string& text = fields[3];
-  const CerrText cerr;
+  const CerrCapture cerr;
   const Reading reading = ReadText(text);
   if (!ComesBack(setting)) {
     Saw("setting refused");

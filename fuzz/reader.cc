@@ -4,19 +4,18 @@
 #include "dmconfig/config_file.h"
 #include "fuzz/second_reader.h"
 #include "fuzz/target.h"
-#include "tests/chunk_buffer.h"
 
 namespace quarry::fuzz {
 
 namespace {
 
 void ReadAndCompare(std::istream* in, const std::string& text, const Reading& wanted) {
-  CerrText cerr;
+  CerrCapture cerr;
   storage::dmconfig::DMConfig model;
   model.SetOptionValue("left", "over", "from before");
   const int status = storage::dmconfig::DMConfigFile("name", "").LoadConfig(in, &model);
   Demand(status == wanted.status, "the status is the grammar's");
-  Demand(cerr.str() == wanted.message, "the message is the grammar's");
+  Demand(cerr.text() == wanted.message, "the message is the grammar's");
   Demand(SectionsOf(&model) == wanted.sections, "the model is the grammar's");
   Demand(in->eof() == wanted.end_seen, "the end is seen as by getline");
   Demand(in->fail() == wanted.nothing_got, "the stream fails as by getline");

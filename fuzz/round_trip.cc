@@ -7,7 +7,7 @@
 namespace quarry::fuzz {
 
 void TryInput(const std::string& input) {
-  const CerrText cerr;
+  const CerrCapture cerr;
   storage::dmconfig::DMConfig first, second;
   if (Load(input, &first) != 0) return;
   Saw("saved");

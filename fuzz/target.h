@@ -6,12 +6,11 @@
 #define QUARRY_FUZZ_TARGET_H_
 
 #include <cstddef>
-#include <iostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "dmconfig/config.h"
+#include "tests/streams.h"
 
 namespace quarry::fuzz {
 
@@ -33,20 +32,6 @@ std::vector<std::string> Fields(const std::string& input, std::size_t count);
 // The library's reader and writer on texts.
 int Load(const std::string& text, storage::dmconfig::DMConfig* model);
 std::string Dump(storage::dmconfig::DMConfig* model);
-
-// Catches std::cerr during its life.
-class CerrText {
- public:
-  CerrText() : usual_(std::cerr.rdbuf(text_.rdbuf())) {}
-  ~CerrText() { std::cerr.rdbuf(usual_); }
-  CerrText(const CerrText&) = delete;
-  CerrText& operator=(const CerrText&) = delete;
-  std::string str() const { return text_.str(); }
-
- private:
-  std::ostringstream text_;
-  std::streambuf* const usual_;
-};
 
 }  // namespace quarry::fuzz
 

@@ -24,32 +24,27 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
     const char* findings;
   };
   const Case cases[] = {
-      {"nothing", "", ""},
       {"all well", "#c\n[a]\nx = 1\n ;d\n\ny=#fff\nz=a#b\nt=a# b\ne=\n[b]", ""},
-      {"headers", "[abc\n  [a\n[]\n\t[]x]\n[a] ; x\n[a]]\n",
-       "1:1+4 section header without \"]\"\n"
-       "2:3+2 section header without \"]\"\n"
-       "3:2+1 section name is empty\n"
-       "4:3+1 section name is empty\n"
-       "5:5+3 text after the section header\n"
-       "6:4+1 text after the section header\n"},
-      {"options", "[a]\nthreads 4\n  x\r\n=1\n\t= 1\n",
-       "2:1+9 option line without \"=\"\n"
-       "3:3+1 option line without \"=\"\n"
-       "4:1+1 option name is empty\n"
-       "5:2+1 option name is empty\n"},
-      {"before a section", "x=1\n  y \n=\n[a]\nz=1\n",
+      {"errors",
+       "x=1\n  y \n=\n[b]\nx=0\n[abc\nx=1\n  [a\n[]\nx=2\n\t[]x]\n[a] ; x\n[a]]\nthreads 4\n  x\r\n=1\n\t= 1\n",
        "1:1+3 option line before any section\n"
        "2:3+1 option line before any section\n"
-       "3:1+1 option line before any section\n"},
-      {"a faulty header is one finding", "[b]\nx=0\n[a\nx=1\n[]\nx=2\n",
-       "3:1+2 section header without \"]\"\n"
-       "5:2+1 section name is empty\n"},
+       "3:1+1 option line before any section\n"
+       "6:1+4 section header without \"]\"\n"
+       "8:3+2 section header without \"]\"\n"
+       "9:2+1 section name is empty\n"
+       "11:3+1 section name is empty\n"
+       "12:5+3 text after the section header\n"
+       "13:4+1 text after the section header\n"
+       "14:1+9 option line without \"=\"\n"
+       "15:3+1 option line without \"=\"\n"
+       "16:1+1 option name is empty\n"
+       "17:2+1 option name is empty\n"},
       {"byte-order mark", "\xEF\xBB\xBF[a]\nx=1\n\xEF\xBB\xBF#\n", "1:1+3 byte-order mark\n3:1+3 byte-order mark\n"},
       {"byte-order mark in the middle", "[b]\nx=1\n\xEF\xBB\xBF[a]\nx=2\n", "3:1+3 byte-order mark\n"},
       {"byte-order mark before an option", "\xEF\xBB\xBFx=1\ny=1\n",
        "1:1+3 byte-order mark\n2:1+3 option line before any section\n"},
-      {"in order of columns", "[ a] x\n",
+      {"in order of columns", "[a\t] x\n",
        "1:2+2w blanks belong to the section name\n1:6+1 text after the section header\n"},
       {"carriage returns", "[a]\r\n#c\r\nx=1\r\ny=2\r\n",
        "3:4+1w value ends in a carriage return, which the agent sees\n"},
@@ -62,14 +57,7 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
       {"section again", "#c\n[a]\n[b]\n[A]\n[a]\n",
        "4:2+1w section again: its comment above line 2 is dropped when a "
        "program saves this file\n"},
-      {"blanks", "[ a]\nx=  \n[b\t]\n",
-       "1:2+2w blanks belong to the section name\n"
-       "2:3+2w blanks are the value of this option\n"
-       "3:2+2w blanks belong to the section name\n"},
       {"comment at the end", "[a]\nx=1\n  #c\n;d\n\nbad", "6:1+3 option line without \"=\"\n"},
-      {"comment at the very end", "[a]\nx=1\n  #c\n;d\n\n",
-       "3:3+2w comment after the last option is dropped when a program saves "
-       "this file\n"},
       {"in order of lines", "[a]\nx=# 1 # c\r\n",
        "2:3+8w this is part of the value\n"
        "2:10+1w value ends in a carriage return, which the agent sees\n"},
@@ -77,28 +65,6 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     EXPECT_EQ(Findings(c.text), c.findings);
-  }
-}
-
-TEST(CheckText, SaysWhatToWrite) {
-  struct Case {
-    std::string text, hint;
-  };
-  const Case cases[] = {
-      {"[s]\nthreads 4", "write \"threads = 4\", or put \"#\" first to make it a comment"},
-      {"[s]\na:\tb c \r", "write \"a = b c\", or put \"#\" first to make it a comment"},
-      {"[s]\nabc", "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
-      {"[s]\n\"a\" 4", "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
-      {"[s]\n:x", "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
-      {"[s]\na\x1b 4", "write \"a\\x1b = 4\", or put \"#\" first to make it a comment"},
-      {"[s]\nab " + std::string(58, 'x'), "write \"NAME = VALUE\", or put \"#\" first to make it a comment"},
-      {"[s]\nx=1\r", "remove all of them: sed -i 's/\\r$//' 'a b'\\''c'"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    const auto findings = CheckText(c.text, "a b'c");
-    ASSERT_EQ(findings.size(), 1U);
-    EXPECT_EQ(findings[0].hint, c.hint);
   }
 }
 
@@ -111,7 +77,6 @@ TEST(FindingReport, QuotesTheLineAndMarksIt) {
   };
   const std::string many(200, 'x');
   const Case cases[] = {
-      {"plain", "threads 4", 0, 7, "threads 4", "^~~~~~~"},
       {"tabs before", "\ta\tb", 3, 1, "\ta\tb", "\t \t^"},
       {"wide and combining",
        "x=\xE4\xB8\xAD\xE6\x96\x87"
@@ -124,8 +89,6 @@ TEST(FindingReport, QuotesTheLineAndMarksIt) {
       {"cut before a character", std::string(99, 'x') + "\xC3\xA4", 0, 1, std::string(99, 'x') + "...", "^"},
       {"tabs within", "ab\tcd", 0, 5, "ab\tcd", "^~"},
       {"controls", "\x7f[m\x07x", 4, 1, "\\x7f[m\\x07x", "          ^"},
-      {"marked controls", "a\r", 1, 1, "a\\x0d", " ^~~~"},
-      {"UTF-8", "\xC3\xA4 \xE2\x82\xAC x", 3, 3, "\xC3\xA4 \xE2\x82\xAC x", "  ^"},
       {"broken UTF-8", "\xC3(\xFF\xED\xA0\x80", 1, 1, "\\xc3(\\xff\\xed\\xa0\\x80", "    ^"},
       {"overlong and too large", "\xC0\xAF\xE0\x80\xAF\xF4\x90\x80\x80", 0, 1,
        "\\xc0\\xaf\\xe0\\x80\\xaf\\xf4\\x90\\x80\\x80", "^~~~"},

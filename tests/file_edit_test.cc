@@ -18,11 +18,8 @@ namespace {
 
 using std::string_literals::operator""s;
 
-class FileEditTest : public testing::Test {
+class FileEditTest : public testing::Test, protected TempFolder {
  protected:
-  std::string Path(const std::string& name) const { return folder_ / name; }
-  void Write(const std::string& name, const std::string& text) const { folder_.Write(name, text); }
-  std::string Read(const std::string& name) const { return folder_.Read(name); }
   struct stat Status(const std::string& name) const {
     struct stat status {};
     EXPECT_EQ(lstat(Path(name).c_str(), &status), 0);
@@ -48,8 +45,6 @@ class FileEditTest : public testing::Test {
       return message;
     }
   }
-
-  const TempFolder folder_;
 };
 
 TEST_F(FileEditTest, KeepsWhatTheFileIs) {
@@ -105,35 +100,6 @@ TEST_F(FileEditTest, AddsNoAccess) {
   EXPECT_EQ(Edit("f", "new"), "");
   EXPECT_EQ(getxattr(Path("f").c_str(), "system.posix_acl_access", nullptr, 0), -1);
   EXPECT_EQ(Status("f").st_mode, static_cast<mode_t>(S_IFREG | 0600));
-}
-
-TEST_F(FileEditTest, RefusesWhatItWouldHarm) {
-  Write("two", "old");
-  link(Path("two").c_str(), Path("names").c_str());
-  mkfifo(Path("fifo").c_str(), 0666);
-  symlink("nowhere", Path("dangling").c_str());
-  struct Case {
-    const char* name;
-    std::optional<mode_t> new_mode;
-    const char* message;
-  };
-  const std::optional<mode_t> refuse, create = kUsualMode;
-  const Case cases[] = {
-      {"two", refuse, "two has 2 names (hard links), which an edit would part"},
-      {"fifo", refuse, "fifo is not a regular file"},
-      {"", create, "cannot open  for writing: Is a directory"},
-      {"absent", refuse, "cannot open absent: No such file or directory"},
-      {"absent/f", create, "cannot open the folder of absent/f: No such file or directory"},
-      {"absent/", create, "cannot open the folder of absent/: No such file or directory"},
-      {"two/f", create, "cannot open two/f: Not a directory"},
-      {"dangling", create, "dangling is a link to a file that does not exist"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(Edit(c.name, "new", c.new_mode), c.message);
-  }
-  EXPECT_EQ(Read("two"), "old");
-  EXPECT_EQ(CountFiles(), 4U);
 }
 
 TEST_F(FileEditTest, RefusesWhatTheCallerMayNot) {
@@ -198,15 +164,6 @@ TEST_F(FileEditTest, MakesAFileOnce) {
     other.join();
     EXPECT_EQ(Read("f"), text);
   }
-  EXPECT_EQ(CountFiles(), 1U);
-}
-
-TEST_F(FileEditTest, CreatesAFileAsOthersDo) {
-  const mode_t before = umask(027);
-  EXPECT_EQ(Edit("f", "new", kUsualMode), "");
-  umask(before);
-  EXPECT_EQ(Read("f"), "new");
-  EXPECT_EQ(Status("f").st_mode, static_cast<mode_t>(S_IFREG | 0640));
   EXPECT_EQ(CountFiles(), 1U);
 }
 

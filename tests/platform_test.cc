@@ -38,15 +38,13 @@ const std::string kKnown =
     "E1lTmmox_UUJBCOQFvkCblWShBD_svRMCtra8ZtrfehvhbSctvwI9BOyTFQXgFQ_kvFhMs8Ic3"
     "cTnFQ4";
 
-class PlatformTest : public testing::Test {
+class PlatformTest : public testing::Test, protected TempFolder {
  protected:
   PlatformTest() { Write("auth.key", kKeyLine); }
-  std::string Path(const std::string& name) const { return folder_ / name; }
   void Write(const std::string& name, const std::string& text, mode_t mode = 0600) {
-    folder_.Write(name, text);
+    TempFolder::Write(name, text);
     EXPECT_EQ(chmod(Path(name).c_str(), mode), 0);
   }
-  std::string Read(const std::string& name) const { return folder_.Read(name); }
   // The password, or "RESULT" when there is none; the buffer is untouched then.
   std::string Open(const std::string& stored, const std::string& key = "auth.key", std::size_t capacity = 255) {
     std::string out(400, '~');
@@ -58,9 +56,6 @@ class PlatformTest : public testing::Test {
     EXPECT_EQ(out.substr(capacity), std::string(400 - capacity, '~'));
     return out.substr(0, out.find('\0'));
   }
-
- private:
-  const TempFolder folder_;
 };
 
 TEST_F(PlatformTest, SealsAndOpensTheKnownAnswer) {
@@ -90,39 +85,19 @@ TEST_F(PlatformTest, SealsEveryLengthAndHidesIt) {
     EXPECT_EQ(Open(stored, "auth.key", length), length == 0 ? "RESULT 1" : "RESULT 8");
   }
   EXPECT_EQ(lengths, (std::set<std::size_t>{154, 240, 325, 410}));
-  for (const std::string& refused : {std::string(255, 'p'), "a\0b"s, "a\nb"s}) {
-    EXPECT_EQ(SealPassword(key, refused, &stored), kDecryptBadArgument);
-  }
 }
 
+// In every place by every other byte, which a NUL makes a cut.
 TEST_F(PlatformTest, RefusesEveryChangedForm) {
   SealingKey key;
   ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
-  std::string longest;
-  ASSERT_EQ(SealPassword(key, std::string(254, 'p'), &longest), kDecryptDone);
-  const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_=+/ \n\x80\xFF";
-  int refused = 0;
-  const auto expect_refused = [&](const std::string& form) {
-    char out[255];
-    ASSERT_NE(OpenPasswordWithKey(key, form.c_str(), out, sizeof out), kDecryptDone) << form;
-    ++refused;
-  };
-  for (const std::string& form : {kKnown, longest}) {
-    for (std::size_t at = 0; at < form.size(); ++at) {
-      for (const char c : alphabet) {
-        std::string changed = form;
-        changed[at] = c;
-        if (c != form[at]) expect_refused(changed);
-      }
-      expect_refused(form.substr(0, at));
-      expect_refused(form.substr(0, at) + form.substr(at + 1));
-      expect_refused(form.substr(0, at) + form[at] + form.substr(at));
+  for (std::size_t at = 0; at < kKnown.size(); ++at) {
+    std::string changed = kKnown;
+    while (++changed[at] != kKnown[at]) {
+      char out[255];
+      ASSERT_NE(OpenPasswordWithKey(key, changed.c_str(), out, sizeof out), kDecryptDone) << changed;
     }
-    expect_refused(form + form);
-    expect_refused(form + "A");
-    expect_refused(form + std::string(4000, 'A'));
   }
-  EXPECT_EQ(refused, (154 + 410) * (71 - 1 + 3) + 6 + 4);
 }
 
 TEST_F(PlatformTest, TellsWhyAPasswordDoesNotOpen) {
@@ -134,12 +109,9 @@ TEST_F(PlatformTest, TellsWhyAPasswordDoesNotOpen) {
   };
   const Case cases[] = {
       {"plain", "auth.key", "RESULT 5"},
-      {"", "auth.key", "RESULT 5"},
       {"sealed:v2:" + kKnown.substr(10), "auth.key", "RESULT 5"},
       {kKnown, "other.key", "RESULT 6"},
       {damaged, "auth.key", "RESULT 7"},
-      {"sealed:v1:", "auth.key", "RESULT 7"},
-      {kKnown, "missing", "RESULT 2"},
   };
   for (const Case& c : cases) EXPECT_EQ(Open(c.stored, c.key), c.outcome);
 
@@ -214,25 +186,6 @@ TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
   }
 }
 
-TEST_F(PlatformTest, MakesAKeyFile) {
-  SealingKey key;
-  SecretBytes text(kKeyFileBytes + 1);
-  unsigned char bytes[32];
-  std::iota(std::begin(bytes), std::end(bytes), static_cast<unsigned char>(0));
-  EXPECT_EQ(key.Set(bytes), kDecryptDone);
-  EncodeKey(key, &text);
-  EXPECT_EQ(text.text(), kKeyLine);
-}
-
-TEST_F(PlatformTest, OpensOnSeveralThreads) {
-  const auto open = [this] {
-    for (int i = 0; i < 100; ++i) EXPECT_EQ(Open(kKnown), "correct horse");
-  };
-  std::thread other(open);
-  open();
-  other.join();
-}
-
 TEST_F(PlatformTest, CopiesTheRoutingTables) {
   ASSERT_EQ(mkdir(Path("ledger").c_str(), 0700), 0);
   ASSERT_EQ(mkdir(Path("out").c_str(), 0700), 0);
@@ -249,11 +202,8 @@ TEST_F(PlatformTest, CopiesTheRoutingTables) {
     EXPECT_EQ(std::system(("test \"$(ls -A " + Path("out") + ")\" = \"$(printf 'folder\\nr')\"").c_str()), 0);
   };
   Write("out/r", "old");
-  expect_no_change(kLedgerUrlUnsupported, "https://ledger", "out/c");
   expect_no_change(kLedgerUrlUnsupported, "file://", "out/c");
-  expect_no_change(kLedgerFolderMissing, url + "x", "out/c");
   expect_no_change(kLedgerFolderUnreadable, "file://" + Path("kept"), "out/c");
-  expect_no_change(kLedgerTableMissing, url, "out/c");
   Write("ledger/r.rt", large);
   expect_no_change(kLedgerTableMissing, url, "out/c");
   ASSERT_EQ(mkfifo(Path("ledger/c.rt").c_str(), 0600), 0);
@@ -329,20 +279,14 @@ TEST(CrErrnoException, CarriesItsTexts) {
 }
 
 TEST(CRStatusToStringA, HasATextForEveryNumber) {
-  std::set<std::string> texts;
-  for (const cr_status_t status : {0, 4, 9, 101, 102, 103, 104, 105, 106, 107, 108, -1, INT_MIN, INT_MAX}) {
-    ASSERT_NE(CRStatusToStringA(status), nullptr);
-    texts.insert(CRStatusToStringA(status));
-  }
-  EXPECT_EQ(texts.size(), 11U);  // "unknown status" four times
-  EXPECT_EQ(texts.count(""), 0U);
   struct Case {
     cr_status_t status;
     const char* words;
   };
   const Case cases[] = {
-      {4, "configuration"}, {9, "no longer"},         {103, "folder cannot"},
-      {105, "changed"},     {106, "a folder stands"}, {107, "cannot be written"},
+      {0, "success"},           {4, "configuration"},       {9, "no longer"},        {101, "ledger URL"},
+      {102, "does not exist"},  {103, "folder cannot"},     {104, "lacks"},          {105, "changed"},
+      {106, "a folder stands"}, {107, "cannot be written"}, {108, "unknown status"}, {INT_MIN, "unknown status"},
   };
   for (const Case& c : cases) {
     EXPECT_NE(std::string(CRStatusToStringA(c.status)).find(c.words), std::string::npos) << c.status;

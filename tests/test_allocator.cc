@@ -1,9 +1,11 @@
 #include "tests/test_allocator.h"
 
+#include <gtest/gtest.h>
 #include <malloc.h>
 
 #include <cstdlib>
 #include <cstring>
+#include <iostream>
 #include <new>
 
 namespace {
@@ -28,12 +30,30 @@ bool FailsNow() {
 
 }  // namespace
 
-void FailAllocation(long n, bool for_ever) {
-  countdown = n;
-  fails_on = for_ever;
+long FailEachAllocation(const std::string& name, const std::function<void()>& prepare, const std::function<int()>& work,
+                        const std::function<void(int)>& look) {
+  SCOPED_TRACE(name);
+  const long faults_before = faults;
+  for (const bool persistent : {false, true}) {
+    fails_on = persistent;
+    for (long n = 1;; ++n) {
+      prepare();
+      const long faults_so_far = faults;
+      int result = kThrown;
+      countdown = n;
+      try {
+        result = work();
+      } catch (const std::bad_alloc&) {
+      }
+      countdown = 0;
+      if (faults == faults_so_far) break;
+      SCOPED_TRACE(n);
+      look(result);
+    }
+  }
+  std::cout << name << ": " << faults - faults_before << " allocations failed\n";
+  return faults - faults_before;
 }
-
-long AllocationFaults() { return faults; }
 
 void WatchFreedMemory(const std::string& secret) {
   watched = secret;

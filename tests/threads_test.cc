@@ -31,7 +31,7 @@ void OnThreads(const std::function<void()>& work) {
 TEST(Threads, LoadThroughOneFileIntoModelsOfTheirOwn) {
   const TempFolder folder;
   folder.Write("f", "# c\n[lynx]\ningest_mode = on\n");
-  quarry::storage::dmconfig::DMConfigFile file(folder / "f", "");
+  quarry::storage::dmconfig::DMConfigFile file(folder.Path("f"), "");
   OnThreads([&] {
     for (int i = 0; i < 50; ++i) {
       quarry::storage::dmconfig::DMConfig model;
@@ -49,15 +49,15 @@ TEST(Threads, LoadThroughOneFileIntoModelsOfTheirOwn) {
 TEST(Threads, StartAgentsWhileTheOwnerOfTheMetabaseLetsGo) {
   const TempFolder folder;
   folder.Write("auth.key", "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8\n");
-  ASSERT_EQ(chmod((folder / "auth.key").c_str(), 0600), 0);
+  ASSERT_EQ(chmod(folder.Path("auth.key").c_str(), 0600), 0);
   folder.Write("r.rt", "r");
   folder.Write("c.rt", "c");
   quarry::platform::SealingKey key;
   std::string sealed;
-  ASSERT_EQ(key.Load((folder / "auth.key").c_str()), 0);
+  ASSERT_EQ(key.Load(folder.Path("auth.key").c_str()), 0);
   ASSERT_EQ(SealPassword(key, "plain", &sealed), 0);
-  folder.Write("agent.conf", "[CR]\nlogin=l\npassword=" + sealed + "\n[SSL]\nkey_dir=" + (folder / "") +
-                                 "\n[Ledger]\nurl=file://" + (folder / "") +
+  folder.Write("agent.conf", "[CR]\nlogin=l\npassword=" + sealed + "\n[SSL]\nkey_dir=" + folder.Path("") +
+                                 "\n[Ledger]\nurl=file://" + folder.Path("") +
                                  "\n[Metabase]\nurl=m\n[Control]\naddress=a\n");
 
   auto owner = std::make_shared<storage::utils::LocalMetab>();
@@ -70,7 +70,7 @@ TEST(Threads, StartAgentsWhileTheOwnerOfTheMetabaseLetsGo) {
   OnThreads([&] {
     while (expired < kThreads) {
       try {
-        const storage::config::AgentCfg cfg(handle, folder / "agent.conf");
+        const storage::config::AgentCfg cfg(handle, folder.Path("agent.conf"));
         EXPECT_EQ(cfg.cr_password(), "plain");
         ++started;
       } catch (const Cr_ErrnoException& error) {
