@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -12,6 +14,18 @@
 
 #include "tests/support.h"
 #include "tools/errors.h"
+
+namespace {
+std::atomic<mode_t> locked_mode;  // of the file that was locked last
+}
+
+// In place of the system's, to look at a new file before anything is in it.
+extern "C" int flock(int file, int operation) noexcept {
+  struct stat status {};
+  fstat(file, &status);
+  locked_mode = status.st_mode;
+  return static_cast<int>(syscall(SYS_flock, file, operation));
+}
 
 namespace quarry::tool {
 namespace {
@@ -69,6 +83,7 @@ TEST_F(FileEditTest, KeepsWhatTheFileIs) {
   const struct stat before = Status("f");
 
   EXPECT_EQ(Edit("links/l", "new"), "");
+  EXPECT_EQ(locked_mode, static_cast<mode_t>(S_IFREG | 0600)) << "others could read the new file";
   EXPECT_EQ(Read("f"), "new");
   const struct stat after = Status("f");
   EXPECT_NE(after.st_ino, before.st_ino);
