@@ -110,31 +110,27 @@ TEST(AgentCfg, TakesItsSettingsAndRequestsTheTables) {
   EXPECT_EQ(metab.use_count(), 1);
 }
 
-// kComplete without a stretch.
-std::string Without(const std::string& stretch) {
-  std::string text = kComplete;
-  return text.erase(text.find(stretch), stretch.size());
-}
-
 TEST(AgentCfg, FailsAtTheFirstThingThatIsWrong) {
   struct Case {
-    std::string text;
-    const char* outcome;
+    const char *missing, *message;
   };
   const Case cases[] = {
-      {Without("login=me\n"), "4|Unable to get the CR login from config file|"},
-      {Without("PASSWORD=stored\n"), "4|Unable to get the CR password from config file|"},
-      {Without("key_dir=/keys\n"), "4|Unable to load SSL key dir from config file|"},
-      {Without("url=L\n"), "4|Unable to load LEDGER url from config file|"},
-      {Without("Url=M\n"), "4|Unable to load metabase url from config file|"},
-      {Without("address=C\n"), "4|Unable to load ctrl address from config file|"},
+      {"[CR]\nlogin=me\n", "Unable to get the CR login from config file"},
+      {"PASSWORD=stored\n", "Unable to get the CR password from config file"},
+      {"[SSL]\nkey_dir=/keys\n", "Unable to load SSL key dir from config file"},
+      {"[ledger]\nurl=L\n", "Unable to load LEDGER url from config file"},
+      {"[METABASE]\nUrl=M\n", "Unable to load metabase url from config file"},
+      {"[control]\naddress=C\n", "Unable to load ctrl address from config file"},
   };
   decryption = {};
   const auto metab = std::make_shared<FakeMetab>();
+  std::string text;
   for (const Case& c : cases) {
-    EXPECT_EQ(Start(Written(c.text), metab), c.outcome);
+    EXPECT_EQ(Start(Written(text), metab), "4|" + std::string(c.message) + '|');
     EXPECT_EQ(decryption.asked + metab->asked, "");
+    text += c.missing;
   }
+  EXPECT_EQ(Start("missing/./a&b\"c", metab), "4|Unable to parse the agent config file: \"missing/./a&&b&\"c\"|");
   EXPECT_EQ(Start(Written("[cr]\nlogin=\npassword=\n[ssl]\nkey_dir=\n[ledger]\nurl=\n"
                           "[metabase]\nurl=\n[control]\naddress=\n"),
                   metab),
@@ -146,29 +142,8 @@ TEST(AgentCfg, FailsAtTheFirstThingThatIsWrong) {
   EXPECT_EQ(Start(Written(kComplete), metab), "4|Unable to decrypt password from config file|");
   EXPECT_EQ(metab->asked, "");
   decryption.result = 0;
-  metab->status = 102;
-  EXPECT_EQ(Start(Written(kComplete), metab),
-            "102|Unable to get the routing tables from ledgerd|"
-            "the ledger folder does not exist");
   metab->status = -5;
   EXPECT_EQ(Start(Written(kComplete), metab), "-5|Unable to get the routing tables from ledgerd|unknown status");
-}
-
-TEST(AgentCfg, QuotesThePathOfAFileThatItCannotLoad) {
-  const auto metab = std::make_shared<FakeMetab>();
-  struct Case {
-    std::string path, quoted;
-  };
-  const Case cases[] = {
-      {"", "\"\""},
-      {"/missing/a&b\"c", "\"/missing/a&&b&\"c\""},
-      {"relative/./x", "\"relative/./x\""},
-      {Written("[CR]\nlogin\n"), '"' + AgentFile() + '"'},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(Start(c.path, metab), "4|Unable to parse the agent config file: " + c.quoted + '|');
-  }
-  EXPECT_EQ(metab->asked, "");
 }
 
 TEST(AgentCfg, FormsThePathOfTheKeyFile) {
