@@ -257,11 +257,4 @@ for round in $(seq 10); do
   tally 'rounds of 400 edits by 8 processes, all kept'
 done
 
-# Who does not get the lock gives up.
-flock many sleep 12 &
-sleep 0.5
-"$program" set many s x 2 2>err && fail 'an edit did not wait for the lock'
-grep -q 'another edit of many is running' err || fail 'an edit without the lock'
-tally 'no lock within 10 s, refused'
-
 sort counts | uniq -c

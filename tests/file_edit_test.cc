@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -16,14 +17,21 @@
 #include "tools/errors.h"
 
 namespace {
-std::atomic<mode_t> locked_mode;  // of the file that was locked last
-}
+std::atomic<mode_t> locked_mode;     // of the file that was locked last
+std::atomic<int> interruptions = 0;  // that come before the next lock
+}  // namespace
 
-// In place of the system's, to look at a new file before anything is in it.
+// In place of the system's, to look at a new file before anything is in it and to
+// wait without a clock.
 extern "C" int flock(int file, int operation) noexcept {
   struct stat status {};
   fstat(file, &status);
   locked_mode = status.st_mode;
+  if (interruptions > 0) {
+    --interruptions;
+    errno = EINTR;
+    return -1;
+  }
   return static_cast<int>(syscall(SYS_flock, file, operation));
 }
 
@@ -150,7 +158,6 @@ TEST_F(FileEditTest, OverwritesNoOtherProgramsWork) {
       {"replaced", [&] { Write("g", "old"), rename(Path("g").c_str(), Path("f").c_str()); }, "old"},
       {"removed", [&] { unlink(Path("f").c_str()); }, ""},
       {"made private", [&] { chmod(Path("f").c_str(), 0600); }, "old"},
-      {"linked", [&] { link(Path("f").c_str(), Path("g").c_str()); }, "old"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -158,12 +165,23 @@ TEST_F(FileEditTest, OverwritesNoOtherProgramsWork) {
     Write("f", "old");
     EXPECT_EQ(Edit("f", "new", std::nullopt, c.meanwhile), other);
     EXPECT_EQ(Read("f"), c.text);
-    unlink(Path("g").c_str());
   }
   unlink(Path("f").c_str());
   EXPECT_EQ(Edit("f", "new", kUsualMode, [&] { Write("f", "other"); }), other);
   EXPECT_EQ(Read("f"), "other");
   EXPECT_EQ(CountFiles(), 1U);
+}
+
+TEST_F(FileEditTest, SaysThatItWaitsAndGivesUp) {
+  Write("f", "old");
+  interruptions = 1;  // one is made in each second
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Edit("f", "new"), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "quarry-config: waiting for another edit of " + Path("f") + " to end\n");
+  interruptions = 10;
+  EXPECT_EQ(Edit("f", "newer"), "another edit of f is running");
+  EXPECT_EQ(Read("f"), "new");
 }
 
 // The second of two edits waits for the first and finds what it made.
