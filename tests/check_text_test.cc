@@ -44,8 +44,10 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
       {"byte-order mark in the middle", "[b]\nx=1\n\xEF\xBB\xBF[a]\nx=2\n", "3:1+3 byte-order mark\n"},
       {"byte-order mark before an option", "\xEF\xBB\xBFx=1\ny=1\n",
        "1:1+3 byte-order mark\n2:1+3 option line before any section\n"},
-      {"in order of columns", "[a\t] x\n",
-       "1:2+2w blanks belong to the section name\n1:6+1 text after the section header\n"},
+      {"in order of columns", "[ a] x\n[b\t]\n",
+       "1:2+2w blanks belong to the section name\n"
+       "1:6+1 text after the section header\n"
+       "2:2+2w blanks belong to the section name\n"},
       {"carriage returns", "[a]\r\n#c\r\nx=1\r\ny=2\r\n",
        "3:4+1w value ends in a carriage return, which the agent sees\n"},
       {"comments in values", "[a]\nx = 1 # c\ny=1\t;c\nz= # c\nu=a#b # c\n",

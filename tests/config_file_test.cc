@@ -7,8 +7,6 @@
 namespace quarry::storage::dmconfig {
 namespace {
 
-using std::string_literals::operator""s;
-
 // fuzz/reader.cc compares every text with a second reader; these are what a
 // user reads first in the contract.
 TEST(LoadConfig, ReadsTheFormatUpToTheFirstInvalidLine) {
@@ -25,7 +23,6 @@ TEST(LoadConfig, ReadsTheFormatUpToTheFirstInvalidLine) {
        0, "",
        "Server{empty= path=/var/lib/data=old # not a comment "
        "threads=8(\n; raised)} client(\n; about the client){Mode=on}"},
-      {"[s\0t]\na\0b=c\0d\n[S]\nA=2\n"s, 0, "", "s\0t{a\0b=2}"s},
       {"[a]\nx=1\n[b\n[c]\n", -2, "", "a{x=1}"},
       {"[a] ;n\n", -2, "Found invalid line: [a] ;n\n", ""},
       {"#c\n x=1 \n\n", -2, "Found an invalid line: x=1 \n", ""},
@@ -69,16 +66,6 @@ TEST(LoadConfig, RefusesStreamsThatAreNotGood) {
     EXPECT_EQ(Render(&model), "");
     EXPECT_EQ(in.rdstate(), state);
   }
-}
-
-TEST(LoadConfig, KeepsWhatWasReadBeforeAStreamFailed) {
-  ChunkBuffer buffer("[s]\na=1\nb=2", 3, true);
-  std::istream in(&buffer);
-  DMConfig model;
-  CerrCapture cerr;
-  EXPECT_EQ(DMConfigFile("", "").LoadConfig(&in, &model), -4);
-  EXPECT_EQ(Render(&model), "s{a=1}");
-  EXPECT_EQ(cerr.text(), "");
 }
 
 TEST(LoadConfig, PassesTheStreamsExceptionsOn) {

@@ -27,8 +27,6 @@
 namespace quarry::platform {
 namespace {
 
-using std::string_literals::operator""s;
-
 const std::string kKeyLine = "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8\n";
 
 // Made by another implementation of both ciphers, with the key above and the
@@ -172,9 +170,6 @@ TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
   const gid_t more_groups[] = {kMore};
   ASSERT_EQ(setgroups(1, more_groups), 0);
   for (const Case& c : cases) {
-    std::ostringstream name;
-    name << "caller " << c.caller << " owner " << c.owner << " group " << c.group << " mode " << std::oct << c.mode;
-    SCOPED_TRACE(name.str());
     ASSERT_EQ(chown(Path("auth.key").c_str(), c.owner, c.group), 0);
     ASSERT_EQ(chmod(Path("auth.key").c_str(), c.mode), 0);
     ASSERT_EQ(setegid(c.caller), 0);
@@ -182,7 +177,7 @@ TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
     const std::string outcome = Open(kKnown);
     ASSERT_EQ(seteuid(kRoot), 0);
     ASSERT_EQ(setegid(kRoot), 0);
-    EXPECT_EQ(outcome, c.outcome);
+    EXPECT_EQ(outcome, c.outcome) << c.caller << ' ' << c.owner << ' ' << c.group << ' ' << std::oct << c.mode;
   }
 }
 

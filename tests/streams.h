@@ -6,22 +6,18 @@
 #include <iostream>
 #include <limits>
 #include <sstream>
-#include <stdexcept>
 #include <streambuf>
 #include <string>
 #include <utility>
 
-// A stream buffer that shows `chunk` bytes of its text at a time and, when
-// `fails` is set, throws at the end instead of ending.
+// A stream buffer that shows `chunk` bytes of its text at a time.
 class ChunkBuffer : public std::streambuf {
  public:
-  ChunkBuffer(std::string text, std::size_t chunk, bool fails = false)
-      : text_(std::move(text)), chunk_(chunk), fails_(fails) {}
+  ChunkBuffer(std::string text, std::size_t chunk) : text_(std::move(text)), chunk_(chunk) {}
 
  protected:
   int_type underflow() override {
     const std::size_t count = std::min(chunk_, text_.size() - shown_);
-    if (count == 0 && fails_) throw std::runtime_error("read error");
     if (count == 0) return traits_type::eof();
     char* const begin = text_.data() + shown_;
     setg(begin, begin, begin + count);
@@ -32,7 +28,6 @@ class ChunkBuffer : public std::streambuf {
  private:
   std::string text_;
   const std::size_t chunk_;
-  const bool fails_;
   std::size_t shown_ = 0;
 };
 
