@@ -7,7 +7,6 @@
 #include <fstream>
 #include <list>
 #include <sstream>
-#include <vector>
 
 std::string Render(quarry::storage::dmconfig::DMConfig* model) {
   const auto comment = [](const std::string& text) { return text.empty() ? text : "(" + text + ")"; };

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 #include <atomic>
-#include <fstream>
 #include <functional>
 #include <thread>
 #include <vector>
