@@ -198,6 +198,13 @@ TEST(DMConfig, OperatesOnWhatIsThereAndCreatesWhatIsMissing) {
   EXPECT_GT(faults, 100);
 }
 
+TEST(DMConfig, TakesAnEmptySectionNameInGetOptionMapOnly) {
+  DMConfig model;
+  ASSERT_NE(model.GetOptionMap(""), nullptr);
+  EXPECT_EQ(model.HasSection(""), -1);
+  EXPECT_EQ(Render(&model), "{}");
+}
+
 TEST(DMConfig, HandsOutRecordsThatStay) {
   DMConfig model;
   SectionOptionMap* record = model.GetOptionMap("first");

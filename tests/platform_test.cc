@@ -83,17 +83,27 @@ TEST_F(PlatformTest, SealsEveryLengthAndHidesIt) {
   EXPECT_EQ(lengths, (std::set<std::size_t>{154, 240, 325, 410}));
 }
 
-// In every place by every other byte, which a NUL makes a cut.
+// Of every length that there is, in every place by every other byte, which a NUL makes
+// a cut.
 TEST_F(PlatformTest, RefusesEveryChangedForm) {
   SealingKey key;
   ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
-  for (std::size_t at = 0; at < kKnown.size(); ++at) {
-    std::string changed = kKnown;
-    while (++changed[at] != kKnown[at]) {
-      char out[255];
-      ASSERT_NE(OpenPasswordWithKey(key, changed.c_str(), out, sizeof out), kDecryptDone) << changed;
+  int refused = 0;
+  const auto expect_refused = [&](const std::string& form) {
+    char out[255];
+    ASSERT_NE(OpenPasswordWithKey(key, form.c_str(), out, sizeof out), kDecryptDone) << form;
+    ++refused;
+  };
+  for (const std::size_t size : {63U, 64U, 128U, 254U}) {
+    std::string form;
+    ASSERT_EQ(SealPassword(key, std::string(size, 'p'), &form), kDecryptDone);
+    for (std::size_t at = 0; at < form.size(); ++at) {
+      std::string changed = form;
+      while (++changed[at] != form[at]) expect_refused(changed);
     }
+    for (const std::string& more : {form, std::string("A"), std::string(4000, 'A')}) expect_refused(form + more);
   }
+  EXPECT_EQ(refused, (154 + 240 + 325 + 410) * 255 + 4 * 3);
 }
 
 TEST_F(PlatformTest, TellsWhyAPasswordDoesNotOpen) {
