@@ -67,7 +67,7 @@ level = notice
 [lynx]
 ingest_mode = on
 END
-for command in check 'check --json' 'check --as agent' 'check --as client' list 'list --json' 'list --origin' \
+for command in check 'check --json' 'check --format=sarif' 'check --format=github' 'check --as agent' 'check --as client' list 'list --json' 'list --origin' \
   dump client agent 'agent --json'; do
   read -ra words <<<"$command"
   run "$secret" 0 "${words[@]}" agent.conf
@@ -111,7 +111,7 @@ sed 's|^\[Log\]|&]|' plain/agent.conf >plain/broken.conf
 sed "s|^password = .*|password $stored_plain|" agent.conf >plain/no-equals.conf
 for file in agent broken no-equals; do
   run "$stored_plain" 1 check --as agent plain/$file.conf
-  run "$stored_plain" 1 check --json --as agent plain/$file.conf
+  for format in json sarif github; do run "$stored_plain" 1 check --format=$format --as agent plain/$file.conf; done
   run "$stored_plain" 1 agent plain/$file.conf
 done
 for file in broken no-equals; do
