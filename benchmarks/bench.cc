@@ -42,9 +42,7 @@ class Folder {
   ~Folder() { std::filesystem::remove_all(path_); }
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
-  std::string operator/(const std::string& name) const {
-    return path_ + '/' + name;
-  }
+  std::string operator/(const std::string& name) const { return path_ + '/' + name; }
 
  private:
   std::string path_ = "/tmp/quarry-bench-XXXXXX";
@@ -126,16 +124,16 @@ bool is_quick = false;
 // Few of what takes long.
 int RoundsOf(const std::string& workload) {
   if (is_quick) return 3;
-  const bool is_large = workload == "wide" || workload == "deep" ||
-                        workload == "sorted" || workload == "lines-1000000";
+  const bool is_large = workload == "wide" || workload == "deep" || workload == "sorted" ||
+                        workload == "lines-1000000";
   return is_large ? 5 : 9;
 }
 
 // Registers `work`, which is given what `prepare` makes anew for each round.
 // Only `work` is timed: what it returns is destroyed outside.
 template <typename Prepare, typename Work>
-void Register(const std::string& operation, const std::string& workload,
-              const std::string& who, Prepare prepare, Work work) {
+void Register(const std::string& operation, const std::string& workload, const std::string& who,
+              Prepare prepare, Work work) {
   const std::string name = operation + '/' + workload + '/' + who;
   Names().push_back(name);
   const auto run = [prepare, work](benchmark::State& state) {
@@ -150,14 +148,12 @@ void Register(const std::string& operation, const std::string& workload,
       state.SetIterationTime(time.count());
     }
   };
-  benchmark::RegisterBenchmark(name.c_str(), run)
-      ->UseManualTime()
-      ->Repetitions(RoundsOf(workload));
+  benchmark::RegisterBenchmark(name.c_str(), run)->UseManualTime()->Repetitions(RoundsOf(workload));
 }
 
 template <typename Work>
-void Register(const std::string& operation, const std::string& workload,
-              const std::string& who, Work work) {
+void Register(const std::string& operation, const std::string& workload, const std::string& who,
+              Work work) {
   const auto nothing = [] { return 0; };
   Register(operation, workload, who, nothing, [work](int) { return work(); });
 }
@@ -166,10 +162,8 @@ template <typename Peer>
 void RegisterLoads(const std::string& workload) {
   const std::string& text = WorkloadOf(workload).text;
   const std::string path = FileOf(workload);
-  Register("load file", workload, Peer::kName,
-           [path] { return Loaded(Peer::LoadFile(path)); });
-  Register("load text", workload, Peer::kName,
-           [&text] { return Loaded(Peer::LoadText(text)); });
+  Register("load file", workload, Peer::kName, [path] { return Loaded(Peer::LoadFile(path)); });
+  Register("load text", workload, Peer::kName, [&text] { return Loaded(Peer::LoadText(text)); });
 }
 
 // Measures the end of a model's life, not its making.
@@ -188,25 +182,20 @@ void RegisterDestroy(const std::string& workload) {
       state.SetIterationTime(time.count());
     }
   };
-  benchmark::RegisterBenchmark(name.c_str(), run)
-      ->UseManualTime()
-      ->Repetitions(RoundsOf(workload));
+  benchmark::RegisterBenchmark(name.c_str(), run)->UseManualTime()->Repetitions(RoundsOf(workload));
 }
 
 // What is done with a model of the workload's text.
 template <typename Peer, typename Work>
-void RegisterUse(const std::string& operation, const std::string& workload,
-                 Work work) {
+void RegisterUse(const std::string& operation, const std::string& workload, Work work) {
   const std::string& text = WorkloadOf(workload).text;
   Register(
-      operation, workload, Peer::kName,
-      [&text] { return Loaded(Peer::LoadText(text)); },
+      operation, workload, Peer::kName, [&text] { return Loaded(Peer::LoadText(text)); },
       [work](auto& model) { return work(model.get()); });
 }
 
 template <typename Peer>
-void RegisterLook(const std::string& operation, const std::string& workload,
-                  bool other_case) {
+void RegisterLook(const std::string& operation, const std::string& workload, bool other_case) {
   const auto& sample = SampleOf(workload, other_case);
   RegisterUse<Peer>(operation, workload, [&sample](auto* model) {
     std::size_t sum = 0;
@@ -226,15 +215,13 @@ void RegisterWrites(const std::string& workload) {
     }
     return 0;
   });
-  RegisterUse<Peer>("list", workload,
-                    [](auto* model) { return Peer::List(model); });
+  RegisterUse<Peer>("list", workload, [](auto* model) { return Peer::List(model); });
   RegisterUse<Peer>("dump to string", workload,
                     [](auto* model) { return Peer::DumpString(model); });
-  RegisterUse<Peer>("dump to file", workload,
-                    [path = TheFolder() / "dump"](auto* model) {
-                      Peer::DumpFile(model, path);
-                      return 0;
-                    });
+  RegisterUse<Peer>("dump to file", workload, [path = TheFolder() / "dump"](auto* model) {
+    Peer::DumpFile(model, path);
+    return 0;
+  });
 }
 
 template <typename Peer>
@@ -250,10 +237,8 @@ void RegisterFloors(const std::string& workload) {
   Register("load file", workload, "read(2)",
            [&made, path] { return ReadWhole(path, made.text.size()); });
   Register("load file", workload, "getline", [path] { return GetLines(path); });
-  Register("load text", workload, "memchr",
-           [&made] { return ScanLines(made.text); });
-  Register("load text", workload, "maps",
-           [&made] { return BuildMaps(made.entries); });
+  Register("load text", workload, "memchr", [&made] { return ScanLines(made.text); });
+  Register("load text", workload, "maps", [&made] { return BuildMaps(made.entries); });
   Register(
       "dump to file", workload, "write a line",
       [&made] { return Ours::DumpString(Ours::LoadText(made.text).get()); },
@@ -267,14 +252,10 @@ void RegisterFloors(const std::string& workload) {
 void RegisterPrograms(const std::string& workload) {
   const std::string path = FileOf(workload, kAgentText);
   const std::string text = WorkloadOf(workload).text + kAgentText;
-  Register("agent start", workload, "ours",
-           [path] { return StartAgent(path); });
-  Register("agent start", workload, "load alone",
-           [path] { return Ours::LoadFile(path); });
-  Register("client's SetCfg", workload, "ours",
-           [text] { return SetClient(text); });
-  Register("client's SetCfg", workload, "load alone",
-           [text] { return Ours::LoadText(text); });
+  Register("agent start", workload, "ours", [path] { return StartAgent(path); });
+  Register("agent start", workload, "load alone", [path] { return Ours::LoadFile(path); });
+  Register("client's SetCfg", workload, "ours", [text] { return SetClient(text); });
+  Register("client's SetCfg", workload, "load alone", [text] { return Ours::LoadText(text); });
 }
 
 void RegisterWorkload(const std::string& workload) {
@@ -296,8 +277,7 @@ void RegisterWorkload(const std::string& workload) {
 
 // Loads of texts that grow.
 void RegisterGrowth() {
-  for (const char* workload :
-       {"lines-1000", "lines-10000", "lines-100000", "lines-1000000"}) {
+  for (const char* workload : {"lines-1000", "lines-10000", "lines-100000", "lines-1000000"}) {
     RegisterLoads<Ours>(workload);
     RegisterLoads<SimpleIni>(workload);
   }
@@ -306,8 +286,7 @@ void RegisterGrowth() {
 int Main(int argc, char** argv) {
   std::vector<std::string> words(argv, argv + argc);
   if (words.size() < 2) {
-    std::fputs("usage: bench WORKLOAD|growth [--quick] [--benchmark_...]\n",
-               stderr);
+    std::fputs("usage: bench WORKLOAD|growth [--quick] [--benchmark_...]\n", stderr);
     return 2;
   }
   const std::string workload = words[1];

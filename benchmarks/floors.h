@@ -33,8 +33,8 @@ inline std::size_t ScanLines(std::string_view text) {
   std::size_t lines = 0;
   const char* const end = text.data() + text.size();
   for (const char* at = text.data();
-       (at = static_cast<const char*>(std::memchr(
-            at, '\n', static_cast<std::size_t>(end - at)))) != nullptr;
+       (at = static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)))) !=
+       nullptr;
        ++at) {
     ++lines;
   }
@@ -48,8 +48,8 @@ inline std::size_t GetLines(const std::string& path) {
   return bytes;
 }
 
-using Records = std::map<std::string, storage::dmconfig::SectionOptionMap,
-                         storage::dmconfig::StringCaseCmp>;
+using Records =
+    std::map<std::string, storage::dmconfig::SectionOptionMap, storage::dmconfig::StringCaseCmp>;
 
 inline std::unique_ptr<Records> BuildMaps(const std::vector<Entry>& entries) {
   auto records = std::make_unique<Records>();

@@ -23,8 +23,7 @@ bool Load(const std::string& text, DMConfig* model) {
 bool LookUpAll(const std::vector<Entry>& entries, DMConfig* model) {
   std::string value, comment;
   for (const Entry& entry : entries) {
-    if (model->GetOptionValue(entry.section, entry.option, &value, &comment) !=
-        0) {
+    if (model->GetOptionValue(entry.section, entry.option, &value, &comment) != 0) {
       return false;
     }
   }
@@ -40,8 +39,7 @@ bool Dump(DMConfig* model) {
 
 int main(int argc, char** argv) {
   const std::string operation = argc > 1 ? argv[1] : "";
-  const auto workload =
-      quarry::benchmarks::MakeWorkload(argc > 2 ? argv[2] : "mid");
+  const auto workload = quarry::benchmarks::MakeWorkload(argc > 2 ? argv[2] : "mid");
   DMConfig model;
   bool done = operation == "load" || Load(workload.text, &model);
   CALLGRIND_TOGGLE_COLLECT;

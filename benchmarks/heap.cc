@@ -87,8 +87,7 @@ int Main() {
   std::string folder = "/tmp/quarry-heap-XXXXXX";
   if (mkdtemp(folder.data()) == nullptr) return 1;
   std::printf("heap of a loaded file: ours, to others, more at the peak\n");
-  for (const char* name :
-       {"typical", "mid", "commented", "wide", "deep", "sorted"}) {
+  for (const char* name : {"typical", "mid", "commented", "wide", "deep", "sorted"}) {
     const std::string path = folder + '/' + name;
     std::ofstream(path) << MakeWorkload(name).text;
     const Heap ours = MeasureLoad<Ours>(path);

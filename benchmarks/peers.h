@@ -43,14 +43,13 @@ struct Ours {
     return model;
   }
   // What a caller gets: a copy of the value here, a pointer from others.
-  static std::size_t Look(Model* model, const std::string& section,
-                          const std::string& option) {
+  static std::size_t Look(Model* model, const std::string& section, const std::string& option) {
     static std::string value, comment;
     model->GetOptionValue(section, option, &value, &comment);
     return value.size();
   }
-  static void Set(Model* model, const std::string& section,
-                  const std::string& option, const std::string& value) {
+  static void Set(Model* model, const std::string& section, const std::string& option,
+                  const std::string& value) {
     model->SetOptionValue(section, option, value);
   }
   // The number of options.
@@ -70,9 +69,7 @@ struct Ours {
     File("", "").DumpConfig(&out, model);
     return out.str();
   }
-  static void DumpFile(Model* model, const std::string& path) {
-    File("", path).DumpConfig(model);
-  }
+  static void DumpFile(Model* model, const std::string& path) { File("", path).DumpConfig(model); }
 };
 
 struct SimpleIni {
@@ -88,13 +85,11 @@ struct SimpleIni {
     if (model->LoadData(text) < 0) return nullptr;
     return model;
   }
-  static std::size_t Look(Model* model, const std::string& section,
-                          const std::string& option) {
-    return static_cast<unsigned char>(
-        *model->GetValue(section.c_str(), option.c_str(), ""));
+  static std::size_t Look(Model* model, const std::string& section, const std::string& option) {
+    return static_cast<unsigned char>(*model->GetValue(section.c_str(), option.c_str(), ""));
   }
-  static void Set(Model* model, const std::string& section,
-                  const std::string& option, const std::string& value) {
+  static void Set(Model* model, const std::string& section, const std::string& option,
+                  const std::string& value) {
     model->SetValue(section.c_str(), option.c_str(), value.c_str());
   }
   static std::size_t List(Model* model) {
@@ -112,9 +107,7 @@ struct SimpleIni {
     model->Save(out);
     return out;
   }
-  static void DumpFile(Model* model, const std::string& path) {
-    model->SaveFile(path.c_str());
-  }
+  static void DumpFile(Model* model, const std::string& path) { model->SaveFile(path.c_str()); }
 };
 
 struct GKeyFileDeleter {
@@ -127,31 +120,28 @@ struct Glib {
   using Pointer = std::unique_ptr<Model, GKeyFileDeleter>;
   static Pointer LoadFile(const std::string& path) {
     Pointer model(g_key_file_new());
-    if (!g_key_file_load_from_file(model.get(), path.c_str(),
-                                   G_KEY_FILE_KEEP_COMMENTS, nullptr)) {
+    if (!g_key_file_load_from_file(model.get(), path.c_str(), G_KEY_FILE_KEEP_COMMENTS, nullptr)) {
       return nullptr;
     }
     return model;
   }
   static Pointer LoadText(const std::string& text) {
     Pointer model(g_key_file_new());
-    if (!g_key_file_load_from_data(model.get(), text.data(), text.size(),
-                                   G_KEY_FILE_KEEP_COMMENTS, nullptr)) {
+    if (!g_key_file_load_from_data(model.get(), text.data(), text.size(), G_KEY_FILE_KEEP_COMMENTS,
+                                   nullptr)) {
       return nullptr;
     }
     return model;
   }
-  static std::size_t Look(Model* model, const std::string& section,
-                          const std::string& option) {
+  static std::size_t Look(Model* model, const std::string& section, const std::string& option) {
     static std::string value;
-    char* const found =
-        g_key_file_get_value(model, section.c_str(), option.c_str(), nullptr);
+    char* const found = g_key_file_get_value(model, section.c_str(), option.c_str(), nullptr);
     value = found;
     g_free(found);
     return value.size();
   }
-  static void Set(Model* model, const std::string& section,
-                  const std::string& option, const std::string& value) {
+  static void Set(Model* model, const std::string& section, const std::string& option,
+                  const std::string& value) {
     g_key_file_set_value(model, section.c_str(), option.c_str(), value.c_str());
   }
   static std::size_t List(Model* model) {
@@ -192,15 +182,13 @@ struct PropertyTree {
     boost::property_tree::read_ini(in, *model);
     return model;
   }
-  static std::size_t Look(Model* model, const std::string& section,
-                          const std::string& option) {
+  static std::size_t Look(Model* model, const std::string& section, const std::string& option) {
     static std::string value;
-    value = model->get_child(Path(section, '\0'))
-                .get<std::string>(Path(option, '\0'));
+    value = model->get_child(Path(section, '\0')).get<std::string>(Path(option, '\0'));
     return value.size();
   }
-  static void Set(Model* model, const std::string& section,
-                  const std::string& option, const std::string& value) {
+  static void Set(Model* model, const std::string& section, const std::string& option,
+                  const std::string& value) {
     model->get_child(Path(section, '\0')).put(Path(option, '\0'), value);
   }
   static std::size_t List(Model* model) {
@@ -233,8 +221,7 @@ struct Inih {
     if (model->ParseError() != 0) return nullptr;
     return model;
   }
-  static std::size_t Look(Model* model, const std::string& section,
-                          const std::string& option) {
+  static std::size_t Look(Model* model, const std::string& section, const std::string& option) {
     static std::string value;
     value = model->Get(section, option, "");
     return value.size();

@@ -8,8 +8,7 @@
 #include "platform/lib_metab_interface.h"
 
 // Takes the place of the platform library's.
-extern "C" int DecryptPasswdWithKey(const char* /*key_file*/,
-                                    const char* /*stored*/, char* out,
+extern "C" int DecryptPasswdWithKey(const char* /*key_file*/, const char* /*stored*/, char* out,
                                     std::size_t capacity) {
   out[std::string("password").copy(out, capacity - 1)] = '\0';
   return 0;
@@ -21,12 +20,9 @@ namespace {
 
 class ImmediateMetab : public ::storage::utils::LibMetabInterface {
  public:
-  cr_status_t GetRoutingTables(const std::string& /*ledger_url*/,
-                               const std::string& /*cr_login*/,
-                               const std::string& /*cr_password*/,
-                               std::int32_t /*reserved*/,
-                               const std::string& /*ssl_key_dir*/,
-                               const std::string& /*r_path*/,
+  cr_status_t GetRoutingTables(const std::string& /*ledger_url*/, const std::string& /*cr_login*/,
+                               const std::string& /*cr_password*/, std::int32_t /*reserved*/,
+                               const std::string& /*ssl_key_dir*/, const std::string& /*r_path*/,
                                const std::string& /*c_path*/) override {
     return 0;
   }

@@ -14,8 +14,7 @@ constexpr char kOurs[] = "ours";
 
 // The value of the key; keys stay in the order in which they came.
 template <typename Value>
-Value& At(std::vector<std::pair<std::string, Value>>* list,
-          const std::string& key) {
+Value& At(std::vector<std::pair<std::string, Value>>* list, const std::string& key) {
   for (auto& entry : *list) {
     if (entry.first == key) return entry.second;
   }
@@ -36,9 +35,9 @@ struct Goal {
 };
 
 const std::vector<Goal>& Goals() {
-  static const std::map<std::string, double> kLookUp = {
-      {"typical", 0.80}, {"mid", 0.80},  {"commented", 0.70},
-      {"wide", 0.90},    {"deep", 0.90}, {"sorted", 0.90}};
+  static const std::map<std::string, double> kLookUp = {{"typical", 0.80},   {"mid", 0.80},
+                                                        {"commented", 0.70}, {"wide", 0.90},
+                                                        {"deep", 0.90},      {"sorted", 0.90}};
   static const std::vector<Goal> kGoals = {
       {"load file",
        "SimpleIni",
@@ -78,8 +77,7 @@ const std::vector<Goal>& Goals() {
   return kGoals;
 }
 
-std::optional<double> GoalOf(const std::string& operation,
-                             const std::string& workload,
+std::optional<double> GoalOf(const std::string& operation, const std::string& workload,
                              const std::string& who) {
   for (const Goal& goal : Goals()) {
     if (goal.operation != operation || goal.who != who) continue;
@@ -140,8 +138,7 @@ void RatioReporter::Finalize() {
   if (missed_ > 0) std::printf("  goals missed: %d\n", missed_);
 }
 
-void RatioReporter::PrintOperation(const std::string& operation,
-                                   const Workloads& workloads) {
+void RatioReporter::PrintOperation(const std::string& operation, const Workloads& workloads) {
   for (const auto& [workload, contestants] : workloads) {
     const Rounds& ours = contestants.front().second;
     if (ours.empty()) continue;  // not among those that were chosen to run
@@ -166,8 +163,7 @@ void RatioReporter::PrintRatio(const std::string& ratio_of, const Rounds& ours,
   const auto [low, high] = std::minmax_element(ratios.begin(), ratios.end());
   std::printf("  %s %.2f (%.2f-%.2f)", who.c_str(), ratio, *low, *high);
   const std::size_t slash = ratio_of.find('/');
-  const auto goal =
-      GoalOf(ratio_of.substr(0, slash), ratio_of.substr(slash + 1), who);
+  const auto goal = GoalOf(ratio_of.substr(0, slash), ratio_of.substr(slash + 1), who);
   if (!goal) return;
   std::printf(ratio <= *goal ? " <=%.2f" : " MISSES %.2f", *goal);
   if (ratio > *goal) ++missed_;

@@ -14,10 +14,9 @@ namespace {
 
 constexpr std::uint32_t kSeed = 20261124;
 
-const char* const kWords[] = {
-    "cache", "Limit", "path",    "retry",   "volume",   "Mode", "timeout",
-    "log",   "level", "address", "Threads", "interval", "url",  "zone",
-    "quota", "queue", "Depth",   "flush",   "replica",  "port"};
+const char* const kWords[] = {"cache", "Limit", "path",    "retry",   "volume",   "Mode", "timeout",
+                              "log",   "level", "address", "Threads", "interval", "url",  "zone",
+                              "quota", "queue", "Depth",   "flush",   "replica",  "port"};
 const char* const kValues[] = {"on",
                                "4096",
                                "/var/lib/quarry/volumes/data-0",
@@ -40,8 +39,7 @@ class Generator {
     }
   }
 
-  void AddOption(const std::string& section, const std::string& option,
-                 std::size_t comments) {
+  void AddOption(const std::string& section, const std::string& option, std::size_t comments) {
     const std::string comment = AddComment(comments);
     const std::string value = Value();
     Line(option + " = " + value);
@@ -55,8 +53,8 @@ class Generator {
 
   // Unique for each number.
   std::string Name(std::size_t number) {
-    return std::string(kWords[Below(std::size(kWords))]) + '_' +
-           kWords[Below(std::size(kWords))] + '_' + std::to_string(number);
+    return std::string(kWords[Below(std::size(kWords))]) + '_' + kWords[Below(std::size(kWords))] +
+           '_' + std::to_string(number);
   }
 
   std::size_t Below(std::size_t end) { return random_() % end; }
@@ -100,8 +98,8 @@ Workload Typical() {
   return generator.Take("typical");
 }
 
-Workload Sections(const std::string& name, std::size_t sections,
-                  std::size_t options, std::size_t comments) {
+Workload Sections(const std::string& name, std::size_t sections, std::size_t options,
+                  std::size_t comments) {
   Generator generator;
   for (std::size_t i = 0; i < sections; ++i) {
     generator.AddSection(options, comments);
@@ -137,8 +135,7 @@ Workload MakeWorkload(const std::string& name) {
   if (name.compare(0, 6, "lines-") == 0) {
     constexpr std::size_t kLines = 51;  // a section
     const std::size_t lines = std::strtoul(name.c_str() + 6, nullptr, 10);
-    return Sections(name, std::max<std::size_t>(lines / kLines, 1), kLines - 1,
-                    0);
+    return Sections(name, std::max<std::size_t>(lines / kLines, 1), kLines - 1, 0);
   }
   throw std::invalid_argument("no workload " + name);
 }

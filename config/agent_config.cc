@@ -64,9 +64,7 @@ struct PasswordBuffer {
   throw Cr_ErrnoException(kCrConfigFailure, message, nullptr);
 }
 
-std::string UpToNul(const std::string& value) {
-  return value.substr(0, value.find('\0'));
-}
+std::string UpToNul(const std::string& value) { return value.substr(0, value.find('\0')); }
 
 }  // namespace
 
@@ -99,24 +97,18 @@ void AgentCfg::GetConfigValuesOrDie(DMConfig* config) {
     const char* message;
   };
   const RequiredSetting settings[] = {
-      {kSectionCr, kEntryLogin, &cr_login_,
-       "Unable to get the CR login from config file"},
-      {kSectionCr, kEntryPassword, &cr_password_,
-       "Unable to get the CR password from config file"},
-      {kSectionSsl, kEntryKeyDir, &ssl_key_dir_,
-       "Unable to load SSL key dir from config file"},
-      {kSectionLedger, kEntryUrl, &ledger_url_,
-       "Unable to load LEDGER url from config file"},
-      {kSectionMetabase, kEntryUrl, &metabase_url_,
-       "Unable to load metabase url from config file"},
+      {kSectionCr, kEntryLogin, &cr_login_, "Unable to get the CR login from config file"},
+      {kSectionCr, kEntryPassword, &cr_password_, "Unable to get the CR password from config file"},
+      {kSectionSsl, kEntryKeyDir, &ssl_key_dir_, "Unable to load SSL key dir from config file"},
+      {kSectionLedger, kEntryUrl, &ledger_url_, "Unable to load LEDGER url from config file"},
+      {kSectionMetabase, kEntryUrl, &metabase_url_, "Unable to load metabase url from config file"},
       {kSectionControl, kEntryAddress, &ctrl_address_,
        "Unable to load ctrl address from config file"},
   };
   std::string comment;  // required by the look-up, not used
   for (const RequiredSetting& setting : settings) {
     const int status = config->GetOptionValue(SectionName(setting.section),
-                                              EntryName(setting.entry),
-                                              setting.field, &comment);
+                                              EntryName(setting.entry), setting.field, &comment);
     if (status != kStatusOk) Die(setting.message);
   }
   GetNumericOption(config);
@@ -125,9 +117,8 @@ void AgentCfg::GetConfigValuesOrDie(DMConfig* config) {
 
 void AgentCfg::GetNumericOption(DMConfig* config) {
   std::string text, comment;
-  const int status =
-      config->GetOptionValue(SectionName(kSectionAgent),
-                             EntryName(kEntryNumericOption), &text, &comment);
+  const int status = config->GetOptionValue(SectionName(kSectionAgent),
+                                            EntryName(kEntryNumericOption), &text, &comment);
   numeric_option_ = kDefaultNumericOption;
   if (status != kStatusOk) return;
   // Whatever is written there has a number.
@@ -138,12 +129,10 @@ void AgentCfg::GetNumericOption(DMConfig* config) {
 void AgentCfg::DecryptPasswordOrDie() {
   char key_file[kPathBytes];
   // A longer path is cut.
-  (void)std::snprintf(key_file, kPathBytes - 1, "%s%c%s", ssl_key_dir_.c_str(),
-                      '/', "auth.key");
+  (void)std::snprintf(key_file, kPathBytes - 1, "%s%c%s", ssl_key_dir_.c_str(), '/', "auth.key");
 
   PasswordBuffer password;
-  if (DecryptPasswdWithKey(key_file, cr_password_.c_str(), password.text,
-                           kPasswordCapacity) != 0) {
+  if (DecryptPasswdWithKey(key_file, cr_password_.c_str(), password.text, kPasswordCapacity) != 0) {
     Die("Unable to decrypt password from config file");
   }
   Wipe(&cr_password_);  // first: a longer password takes other memory
@@ -151,8 +140,7 @@ void AgentCfg::DecryptPasswordOrDie() {
 }
 
 void AgentCfg::GetRoutingTablesOrDie() {
-  const std::shared_ptr<LibMetabInterface> metab =
-      LibMetabInterface::LockPointer(lib_metab_);
+  const std::shared_ptr<LibMetabInterface> metab = LibMetabInterface::LockPointer(lib_metab_);
   char r_path[kPathBytes];
   char c_path[kPathBytes];
   (void)std::snprintf(r_path, sizeof r_path, "%s", "/tmp/r.rt");
@@ -160,12 +148,11 @@ void AgentCfg::GetRoutingTablesOrDie() {
 
   std::string password = UpToNul(cr_password_);
   const StringWiper password_wiper(&password);
-  const cr_status_t status = metab->GetRoutingTables(
-      UpToNul(ledger_url_), UpToNul(cr_login_), password, kAllBitsSet,
-      UpToNul(ssl_key_dir_), r_path, c_path);
+  const cr_status_t status =
+      metab->GetRoutingTables(UpToNul(ledger_url_), UpToNul(cr_login_), password, kAllBitsSet,
+                              UpToNul(ssl_key_dir_), r_path, c_path);
   if (status != 0) {
-    throw Cr_ErrnoException(status,
-                            "Unable to get the routing tables from ledgerd",
+    throw Cr_ErrnoException(status, "Unable to get the routing tables from ledgerd",
                             CRStatusToStringA(status));
   }
   routing_table_r_path_ = r_path;

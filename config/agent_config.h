@@ -92,21 +92,15 @@ class QUARRY_EXPORT AgentCfg {
   const std::string& ssl_key_dir() const { return ssl_key_dir_; }
   // Where the metabase service library has left the first routing table:
   // "/tmp/r.rt", for every agent on the machine.
-  const std::string& routing_table_r_path() const {
-    return routing_table_r_path_;
-  }
+  const std::string& routing_table_r_path() const { return routing_table_r_path_; }
   // The same of the second one: "/tmp/c.rt".
-  const std::string& routing_table_c_path() const {
-    return routing_table_c_path_;
-  }
+  const std::string& routing_table_c_path() const { return routing_table_c_path_; }
   // The file's path as it was given.
   const boost::filesystem::path& config_path() const { return config_path_; }
   // `[Metabase] url`.
   const std::string& metabase_url() const { return metabase_url_; }
   // The handle as it was given; what it refers to may be gone since.
-  const std::weak_ptr<utils::LibMetabInterface>& lib_metab() const {
-    return lib_metab_;
-  }
+  const std::weak_ptr<utils::LibMetabInterface>& lib_metab() const { return lib_metab_; }
   // `[Control] address`.
   const std::string& ctrl_address() const { return ctrl_address_; }
   // `[Agent] numeric_option`: the value's leading decimal number, 0 when there

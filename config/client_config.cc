@@ -38,8 +38,7 @@ int ClientCfg::ParseCfg(const std::string& text, DMConfig* model) {
 
 int ClientCfg::GetConfigValues(DMConfig* model) {
   std::string value, comment;
-  const int status =
-      model->GetOptionValue(CFG_LYNX, CFG_LYNX_INGEST_MODE, &value, &comment);
+  const int status = model->GetOptionValue(CFG_LYNX, CFG_LYNX_INGEST_MODE, &value, &comment);
   if (status == kStatusOk) ingest_mode_on_ = value == CFG_LYNX_INGEST_MODE_ON;
   return kStatusOk;
 }

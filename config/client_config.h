@@ -30,8 +30,7 @@ class QUARRY_EXPORT ClientCfg {
 
   // The first step of SetCfg: reads `text` into the caller's `*model`, which is
   // emptied first. Returns -1 when it is null, else what the reader returns.
-  int ParseCfg(const std::string& text,
-               quarry::storage::dmconfig::DMConfig* model);
+  int ParseCfg(const std::string& text, quarry::storage::dmconfig::DMConfig* model);
 
   // The second step: takes the setting from a model, which must not be null,
   // and returns 0. As every look-up it may add the empty section to the model.

@@ -44,8 +44,7 @@ int DMConfig::GetSectionList(std::list<std::string>* sections) {
   return kStatusOk;
 }
 
-int DMConfig::GetSectionComment(const std::string& section,
-                                std::string* comment) {
+int DMConfig::GetSectionComment(const std::string& section, std::string* comment) {
   if (section.empty() || comment == nullptr) return kStatusInvalidArgument;
   const SectionOptionMap* record = GetOptionMap(section);
   if (record == nullptr) return kStatusNoRecord;
@@ -53,8 +52,7 @@ int DMConfig::GetSectionComment(const std::string& section,
   return kStatusOk;
 }
 
-int DMConfig::SetSectionComment(const std::string& section,
-                                const std::string& comment) {
+int DMConfig::SetSectionComment(const std::string& section, const std::string& comment) {
   if (section.empty()) return kStatusInvalidArgument;
   SectionOptionMap* record = GetOptionMap(section);
   if (record == nullptr) return kStatusNoRecord;
@@ -69,8 +67,7 @@ int DMConfig::DelSectionComment(const std::string& section) {
   return kStatusOk;
 }
 
-int DMConfig::SetOptionValue(const std::string& section,
-                             const std::string& option,
+int DMConfig::SetOptionValue(const std::string& section, const std::string& option,
                              const std::string& value) {
   if (section.empty() || option.empty()) return kStatusInvalidArgument;
   SectionOptionMap* record = GetOptionMap(section);
@@ -79,10 +76,8 @@ int DMConfig::SetOptionValue(const std::string& section,
   return kStatusOk;
 }
 
-int DMConfig::SetOptionValue(const std::string& section,
-                             const std::string& option,
-                             const std::string& value,
-                             const std::string& comment) {
+int DMConfig::SetOptionValue(const std::string& section, const std::string& option,
+                             const std::string& value, const std::string& comment) {
   if (section.empty() || option.empty()) return kStatusInvalidArgument;
   SectionOptionMap* record = GetOptionMap(section);
   if (record == nullptr) return kStatusNoRecord;
@@ -90,8 +85,7 @@ int DMConfig::SetOptionValue(const std::string& section,
   return kStatusOk;
 }
 
-int DMConfig::SetOptionComment(const std::string& section,
-                               const std::string& option,
+int DMConfig::SetOptionComment(const std::string& section, const std::string& option,
                                const std::string& comment) {
   if (section.empty() || option.empty()) return kStatusInvalidArgument;
   SectionOptionMap* record = GetOptionMap(section);
@@ -100,9 +94,8 @@ int DMConfig::SetOptionComment(const std::string& section,
   return kStatusOk;
 }
 
-int DMConfig::GetOptionValue(const std::string& section,
-                             const std::string& option, std::string* value,
-                             std::string* comment) {
+int DMConfig::GetOptionValue(const std::string& section, const std::string& option,
+                             std::string* value, std::string* comment) {
   if (section.empty() || option.empty()) return kStatusInvalidArgument;
   if (value == nullptr || comment == nullptr) return kStatusInvalidArgument;
   const SectionOptionMap* record = GetOptionMap(section);
@@ -115,8 +108,7 @@ int DMConfig::GetOptionValue(const std::string& section,
   return kStatusOk;
 }
 
-int DMConfig::GetSectionOptionList(const std::string& section,
-                                   std::string* comment,
+int DMConfig::GetSectionOptionList(const std::string& section, std::string* comment,
                                    std::list<std::string>* options) {
   if (section.empty()) return kStatusInvalidArgument;
   if (comment == nullptr || options == nullptr) return kStatusInvalidArgument;
@@ -138,8 +130,7 @@ int DMConfig::DelOption(const std::string& section, const std::string& option) {
   return kStatusOk;
 }
 
-int DMConfig::DelOptionComment(const std::string& section,
-                               const std::string& option) {
+int DMConfig::DelOptionComment(const std::string& section, const std::string& option) {
   if (section.empty() || option.empty()) return kStatusInvalidArgument;
   SectionOptionMap* record = GetOptionMap(section);
   if (record == nullptr) return kStatusOk;

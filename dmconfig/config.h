@@ -49,8 +49,7 @@ namespace quarry::storage::dmconfig {
 // last; letters outside ASCII are not folded.
 struct StringCaseCmp {
   // Whether `left` comes before `right`. Any thread may call.
-  bool operator()(const std::string& left,
-                  const std::string& right) const noexcept {
+  bool operator()(const std::string& left, const std::string& right) const noexcept {
     const char* l = left.c_str();
     const char* r = right.c_str();
     // Half of all comparisons end here.
@@ -64,8 +63,7 @@ struct StringCaseCmp {
       const std::uint64_t right_word = Folded(WordAt(r + at));
       if (HasNul(left_word | right_word)) break;  // in the same place
       if (left_word != right_word) return left_word < right_word;
-      if (at + kWordSize == shared)
-        return Folded(l[shared]) < Folded(r[shared]);
+      if (at + kWordSize == shared) return Folded(l[shared]) < Folded(r[shared]);
     }
 
     for (;; ++l, ++r) {
@@ -182,8 +180,8 @@ class QUARRY_EXPORT DMConfig {
   // required. 0, or
   //   -7  the section has no such option; nothing is added to it
   // On std::bad_alloc `*value` may have been written already.
-  int GetOptionValue(const std::string& section, const std::string& option,
-                     std::string* value, std::string* comment);
+  int GetOptionValue(const std::string& section, const std::string& option, std::string* value,
+                     std::string* comment);
 
   // Copies the section's comment to `*comment` and replaces the caller's list
   // by the section's option names in ascending order of StringCaseCmp. On

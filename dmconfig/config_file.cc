@@ -40,8 +40,7 @@ int Refuse(LineFault fault, std::string_view line) {
 // Reads one text into one model.
 class TextReader {
  public:
-  TextReader(std::istream* in, DMConfig* config)
-      : in_(in), lines_(in), config_(config) {}
+  TextReader(std::istream* in, DMConfig* config) : in_(in), lines_(in), config_(config) {}
 
   int ReadAll();
 
@@ -106,8 +105,8 @@ int TextReader::ReadOption(std::string_view line) {
   const OptionLine option = ParseOption(line, section_ != nullptr);
   if (option.fault != LineFault::kNone) return Refuse(option.fault, line);
 
-  OptionValue* const present = AddOption(section_, std::string(option.name),
-                                         option.value, pending_comment_);
+  OptionValue* const present =
+      AddOption(section_, std::string(option.name), option.value, pending_comment_);
   if (present != nullptr && pending_comment_.empty()) {
     present->value = option.value;
   } else if (present != nullptr) {
@@ -140,8 +139,7 @@ int TextWriter::WriteAll() {
   int status = model_->GetSectionList(&sections);
   for (const std::string& name : sections) {
     if (name.empty()) {
-      std::cerr << "Failed to get option list for section: " << name
-                << std::endl;
+      std::cerr << "Failed to get option list for section: " << name << std::endl;
       return kStatusInvalidArgument;
     }
     const int section_status = WriteSection(name);
@@ -194,8 +192,7 @@ void TextWriter::WriteLine() {
 
 }  // namespace
 
-DMConfigFile::DMConfigFile(const std::string& input_file,
-                           const std::string& output_file)
+DMConfigFile::DMConfigFile(const std::string& input_file, const std::string& output_file)
     : input_file_(input_file), output_file_(output_file) {}
 
 DMConfigFile::~DMConfigFile() = default;

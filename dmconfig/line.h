@@ -43,8 +43,8 @@ struct OptionLine {
 // All functions below expect a line without them.
 inline std::string_view WithoutLeadingBlanks(std::string_view line) {
   std::size_t blanks = 0;
-  while (blanks < line.size() && (line[blanks] == ' ' || line[blanks] == '\t' ||
-                                  line[blanks] == '\r')) {
+  while (blanks < line.size() &&
+         (line[blanks] == ' ' || line[blanks] == '\t' || line[blanks] == '\r')) {
     ++blanks;
   }
   return line.substr(blanks);
@@ -87,11 +87,9 @@ inline std::string_view Trimmed(std::string_view text) {
 inline OptionLine ParseOption(std::string_view line, bool in_section) {
   if (!in_section) return {LineFault::kNoSection, 0, {}, {}};
   const std::size_t equals = line.find('=');
-  if (equals == std::string_view::npos)
-    return {LineFault::kNoEquals, 0, {}, {}};
+  if (equals == std::string_view::npos) return {LineFault::kNoEquals, 0, {}, {}};
   if (equals == 0) return {LineFault::kOptionNameEmpty, 0, {}, {}};
-  return {LineFault::kNone, 0, Trimmed(line.substr(0, equals)),
-          Trimmed(line.substr(equals + 1))};
+  return {LineFault::kNone, 0, Trimmed(line.substr(0, equals)), Trimmed(line.substr(equals + 1))};
 }
 
 }  // namespace quarry::storage::dmconfig

@@ -6,31 +6,26 @@
 
 namespace quarry::storage::dmconfig {
 
-OptionValue& FindOrAddOption(SectionOptionMap* record,
-                             const std::string& option) {
+OptionValue& FindOrAddOption(SectionOptionMap* record, const std::string& option) {
   return record->option_map.try_emplace(option).first->second;
 }
 
-OptionValue* AddOption(SectionOptionMap* record, std::string&& option,
-                       std::string_view value, std::string_view comment) {
+OptionValue* AddOption(SectionOptionMap* record, std::string&& option, std::string_view value,
+                       std::string_view comment) {
   auto& options = record->option_map;
   auto name = std::forward_as_tuple(std::move(option));
   const auto texts = std::forward_as_tuple(value, comment);
   // Saved texts hold their options in order, so most belong at the end.
-  if (options.empty() ||
-      StringCaseCmp()(std::prev(options.end())->first, std::get<0>(name))) {
-    options.emplace_hint(options.end(), std::piecewise_construct,
-                         std::move(name), texts);
+  if (options.empty() || StringCaseCmp()(std::prev(options.end())->first, std::get<0>(name))) {
+    options.emplace_hint(options.end(), std::piecewise_construct, std::move(name), texts);
     return nullptr;
   }
   // One descent; the node is made in vain for an option that is there already.
-  const auto [at, is_new] =
-      options.emplace(std::piecewise_construct, std::move(name), texts);
+  const auto [at, is_new] = options.emplace(std::piecewise_construct, std::move(name), texts);
   return is_new ? nullptr : &at->second;
 }
 
-void StoreValueAndComment(OptionValue* stored, std::string_view value,
-                          std::string_view comment) {
+void StoreValueAndComment(OptionValue* stored, std::string_view value, std::string_view comment) {
   OptionValue fresh(value, comment);
   *stored = std::move(fresh);
 }

@@ -12,17 +12,15 @@
 namespace quarry::storage::dmconfig {
 
 // Returns the option of that name, added with empty texts when it is missing.
-OptionValue& FindOrAddOption(SectionOptionMap* record,
-                             const std::string& option);
+OptionValue& FindOrAddOption(SectionOptionMap* record, const std::string& option);
 
 // Adds the option whole. Returns null, or the option of that name when there is
 // one already, which is left as it is.
-OptionValue* AddOption(SectionOptionMap* record, std::string&& option,
-                       std::string_view value, std::string_view comment);
+OptionValue* AddOption(SectionOptionMap* record, std::string&& option, std::string_view value,
+                       std::string_view comment);
 
 // Replaces value and comment together, or neither.
-void StoreValueAndComment(OptionValue* stored, std::string_view value,
-                          std::string_view comment);
+void StoreValueAndComment(OptionValue* stored, std::string_view value, std::string_view comment);
 
 }  // namespace quarry::storage::dmconfig
 

@@ -18,13 +18,12 @@ int main(int argc, char** argv) {
   const auto metab = std::make_shared<storage::utils::LocalMetab>();
   try {
     const storage::config::AgentCfg cfg(metab, argv[1]);
-    std::cout << "agent " << cfg.numeric_option() << " of " << cfg.cr_login()
-              << " listens on " << cfg.ctrl_address() << '\n'
+    std::cout << "agent " << cfg.numeric_option() << " of " << cfg.cr_login() << " listens on "
+              << cfg.ctrl_address() << '\n'
               << "routing tables: " << cfg.routing_table_r_path() << ", "
               << cfg.routing_table_c_path() << '\n';
   } catch (const Cr_ErrnoException& error) {
-    std::cerr << "agent: " << error.what() << " (status " << error.status()
-              << ")\n";
+    std::cerr << "agent: " << error.what() << " (status " << error.status() << ")\n";
     return 1;
   }
   return 0;

@@ -29,18 +29,20 @@ void TryInput(const std::string& input) {
   storage::dmconfig::DMConfig model;
   const bool loads = Load(text, &model) == 0;
   const std::vector<Finding> findings = tool::CheckText(text, "a file");
-  const auto first =
-      std::find_if(findings.begin(), findings.end(), [](const Finding& finding) { return finding.IsError(); });
+  const auto first = std::find_if(findings.begin(), findings.end(),
+                                  [](const Finding& finding) { return finding.IsError(); });
   Demand((first == findings.end()) == loads, "errors are what the library refuses");
   if (!loads) {
     const auto stop = text.begin() + static_cast<std::ptrdiff_t>(reading.consumed);
-    const auto line = static_cast<std::size_t>(std::count(text.begin(), stop, '\n')) + (reading.end_seen ? 1 : 0);
+    const auto line =
+        static_cast<std::size_t>(std::count(text.begin(), stop, '\n')) + (reading.end_seen ? 1 : 0);
     Demand(first->line == line, "the first error is where the library stops");
   }
   Saw(loads ? findings.empty() ? "clean" : "warned" : "refused");
   for (const Finding& finding : findings) {
     Demand(finding.line > 0 && finding.column > 0 && finding.length > 0, "a finding is somewhere");
-    Demand(IsFitForATerminal(FindingReport(finding, "a file", false)), "no control bytes reach a terminal");
+    Demand(IsFitForATerminal(FindingReport(finding, "a file", false)),
+           "no control bytes reach a terminal");
   }
 }
 

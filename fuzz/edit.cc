@@ -29,10 +29,14 @@ std::string Unset(const std::string& text, const Setting& setting, bool with_com
 // Whether a reader of the lines that the writer makes of a setting gets it. A NUL
 // comes back, but programs take it for the end of a name or value.
 bool ComesBack(const Setting& setting) {
-  if ((setting.section + setting.option + setting.value).find('\0') != std::string::npos) return false;
-  Sections read = ReadText('[' + setting.section + "]\n" + setting.option + '=' + setting.value + '\n').sections;
+  if ((setting.section + setting.option + setting.value).find('\0') != std::string::npos)
+    return false;
+  Sections read =
+      ReadText('[' + setting.section + "]\n" + setting.option + '=' + setting.value + '\n')
+          .sections;
   Section* const section = Find(&read, setting.section);
-  const Option* const option = section == nullptr ? nullptr : Find(&section->options, setting.option);
+  const Option* const option =
+      section == nullptr ? nullptr : Find(&section->options, setting.option);
   return option != nullptr && option->value == setting.value;
 }
 
@@ -45,11 +49,13 @@ std::vector<std::string> Lines(const std::string& text) {
 
 // How many of the old lines did not stay, from both ends towards the edit.
 std::size_t CountTouched(std::vector<std::string> before, std::vector<std::string> after) {
-  while (!before.empty() && !after.empty() && before.back() == after.back()) before.pop_back(), after.pop_back();
+  while (!before.empty() && !after.empty() && before.back() == after.back())
+    before.pop_back(), after.pop_back();
   const auto shared = std::min(before.size(), after.size());
   const auto end = before.begin() + static_cast<std::ptrdiff_t>(shared);
   return before.size() -
-         static_cast<std::size_t>(std::mismatch(before.begin(), end, after.begin()).first - before.begin());
+         static_cast<std::size_t>(std::mismatch(before.begin(), end, after.begin()).first -
+                                  before.begin());
 }
 
 // Comments may change owner when a line between them goes.
@@ -95,8 +101,10 @@ void TrySet(const std::string& text, const Setting& setting, Sections sections) 
     option->value = setting.value;
   }
   Demand(found.sections == sections, "set changes the option and nothing else");
-  Demand(CountTouched(Lines(text), Lines(edited)) <= may_differ, "at most the option's line differs");
-  Demand((text.empty() || text.back() == '\n') == (edited.back() == '\n'), "the end of the text stays as it was");
+  Demand(CountTouched(Lines(text), Lines(edited)) <= may_differ,
+         "at most the option's line differs");
+  Demand((text.empty() || text.back() == '\n') == (edited.back() == '\n'),
+         "the end of the text stays as it was");
   Demand(Set(edited, setting) == edited, "the same edit again changes nothing");
   Saw(is_new_section ? "new section" : option == nullptr ? "new option" : "option set");
   if (option == nullptr && !is_new_section) {
@@ -104,7 +112,8 @@ void TrySet(const std::string& text, const Setting& setting, Sections sections) 
   }
 }
 
-void TryUnset(const std::string& text, const Setting& setting, bool with_comment, Sections sections) {
+void TryUnset(const std::string& text, const Setting& setting, bool with_comment,
+              Sections sections) {
   // A name that begins with a NUL is the same as this to the order, but it cannot be asked for.
   if (setting.section.empty() || setting.option.empty()) return;
   Section* const section = Find(&sections, setting.section);
@@ -117,7 +126,8 @@ void TryUnset(const std::string& text, const Setting& setting, bool with_comment
   section->options.erase(section->options.begin() + (option - section->options.data()));
   const Reading found = ReadText(edited);
   Demand(found.status == 0, "a text without an option is valid");
-  Demand(WithoutComments(found.sections) == WithoutComments(sections), "unset removes the option and nothing else");
+  Demand(WithoutComments(found.sections) == WithoutComments(sections),
+         "unset removes the option and nothing else");
   if (ComesBack(before)) {
     Demand(WithoutComments(ReadText(Set(edited, before)).sections) == all, "set takes unset back");
   }

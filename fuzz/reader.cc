@@ -32,7 +32,9 @@ void TryInput(const std::string& input) {
   if (input.empty()) return;
   const std::string text = input.substr(1);
   const Reading wanted = ReadText(text);
-  Saw(wanted.status == 0 ? "loaded" : wanted.message.empty() ? "refused silently" : "refused with a message");
+  Saw(wanted.status == 0       ? "loaded"
+      : wanted.message.empty() ? "refused silently"
+                               : "refused with a message");
 
   std::istringstream whole(text);
   ReadAndCompare(&whole, text, wanted);

@@ -42,16 +42,21 @@ class Changes {
       const std::size_t at = Below(input.size() + 1);
       const std::size_t kind = Below(3);
       const std::string& source = kind == 0 ? input : Any();
-      const std::string piece = kind < 2 ? Stretch(source) : std::string(1, static_cast<char>(Below(256)));
+      const std::string piece =
+          kind < 2 ? Stretch(source) : std::string(1, static_cast<char>(Below(256)));
       input.replace(at, Below(2) * Below(8), piece);
     }
     return input;
   }
 
  private:
-  std::size_t Below(std::size_t end) { return std::uniform_int_distribution<std::size_t>(0, end - 1)(random_); }
+  std::size_t Below(std::size_t end) {
+    return std::uniform_int_distribution<std::size_t>(0, end - 1)(random_);
+  }
   const std::string& Any() { return inputs_[Below(inputs_.size())]; }
-  std::string Stretch(const std::string& text) { return text.substr(Below(text.size() + 1), Below(12)); }
+  std::string Stretch(const std::string& text) {
+    return text.substr(Below(text.size() + 1), Below(12));
+  }
 
   const Inputs& inputs_;
   // NOLINTNEXTLINE(cert-msc32-c,cert-msc51-cpp): the same changes every time

@@ -34,19 +34,23 @@ void TryInput(const std::string& input) {
 
   SealingKey key;
   unsigned char bytes[kKeyBytes], nonce[kNonceBytes];
-  for (std::size_t i = 0; i < kKeyBytes; ++i) bytes[i] = static_cast<unsigned char>(i + input.size());
+  for (std::size_t i = 0; i < kKeyBytes; ++i)
+    bytes[i] = static_cast<unsigned char>(i + input.size());
   std::copy(bytes, bytes + kNonceBytes, nonce);
   Demand(key.Set(bytes) == kDecryptDone, "any bytes are a key");
 
   const Opened made_up = Open(key, fields[0]);
-  Demand(made_up.result != kDecryptDone && made_up.out == untouched, "what was not sealed does not open");
+  Demand(made_up.result != kDecryptDone && made_up.out == untouched,
+         "what was not sealed does not open");
 
   const std::string& password = fields[1];
   std::string stored;
-  const bool sealable = password.size() <= platform::kLongestPassword && password.find('\n') == std::string::npos &&
+  const bool sealable = password.size() <= platform::kLongestPassword &&
+                        password.find('\n') == std::string::npos &&
                         password.find('\0') == std::string::npos;
   const DecryptResult sealed = platform::SealPasswordWithNonce(key, nonce, password, &stored);
-  Demand((sealed == kDecryptDone) == sealable, "a password of one line and fitting length is sealed");
+  Demand((sealed == kDecryptDone) == sealable,
+         "a password of one line and fitting length is sealed");
   if (!sealable) {
     Saw("refused to seal");
     return;
@@ -60,11 +64,13 @@ void TryInput(const std::string& input) {
   const std::string& change = fields[2];
   if (change.size() < 3) return;
   const auto at =
-      (static_cast<unsigned char>(change[0]) * 256U + static_cast<unsigned char>(change[1])) % stored.size();
+      (static_cast<unsigned char>(change[0]) * 256U + static_cast<unsigned char>(change[1])) %
+      stored.size();
   changed.replace(at, (change[2] & 1) != 0 ? 1U : 0U, change.substr(3));
   if (std::strcmp(changed.c_str(), stored.c_str()) == 0) return;
   const Opened forged = Open(key, changed);
-  Demand(forged.result != kDecryptDone && forged.out == untouched, "what was changed does not open");
+  Demand(forged.result != kDecryptDone && forged.out == untouched,
+         "what was changed does not open");
   Saw("forgery refused");
 }
 

@@ -54,7 +54,10 @@ class Machine {
     line_ += c;
     switch (in_) {
       case In::kMargin:
-        in_ = c == '[' ? In::kName : c == '#' || c == ';' ? In::kComment : c == '=' ? In::kValue : In::kKey;
+        in_ = c == '['               ? In::kName
+              : c == '#' || c == ';' ? In::kComment
+              : c == '='             ? In::kValue
+                                     : In::kKey;
         if (in_ == In::kKey) key_ += c;
         break;
       case In::kComment:
@@ -181,6 +184,8 @@ Sections SectionsOf(storage::dmconfig::DMConfig* model) {
 Reading ReadText(const std::string& text) { return Machine(text).Run(); }
 
 Section* Find(Sections* sections, const std::string& name) { return FindNamed(sections, name); }
-Option* Find(std::vector<Option>* options, const std::string& name) { return FindNamed(options, name); }
+Option* Find(std::vector<Option>* options, const std::string& name) {
+  return FindNamed(options, name);
+}
 
 }  // namespace quarry::fuzz

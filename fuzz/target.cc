@@ -47,7 +47,8 @@ int Load(const std::string& text, storage::dmconfig::DMConfig* model) {
 
 std::string Dump(storage::dmconfig::DMConfig* model) {
   std::ostringstream out;
-  Demand(storage::dmconfig::DMConfigFile("", "").DumpConfig(&out, model) == 0, "a model that was loaded is dumped");
+  Demand(storage::dmconfig::DMConfigFile("", "").DumpConfig(&out, model) == 0,
+         "a model that was loaded is dumped");
   return out.str();
 }
 

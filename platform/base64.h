@@ -15,13 +15,13 @@ inline constexpr int kBase64 = sodium_base64_VARIANT_URLSAFE_NO_PADDING;
 
 // False for a text that is not the one that encoding its bytes gives, and when
 // it has more than `capacity` bytes.
-inline bool DecodeBase64(std::string_view text, unsigned char* bytes,
-                         std::size_t capacity, std::size_t* size) {
+inline bool DecodeBase64(std::string_view text, unsigned char* bytes, std::size_t capacity,
+                         std::size_t* size) {
   // libsodium takes every byte beyond ASCII for "_".
   const auto is_ascii = [](char c) { return static_cast<signed char>(c) >= 0; };
   return std::all_of(text.begin(), text.end(), is_ascii) &&
-         sodium_base642bin(bytes, capacity, text.data(), text.size(), nullptr,
-                           size, nullptr, kBase64) == 0;
+         sodium_base642bin(bytes, capacity, text.data(), text.size(), nullptr, size, nullptr,
+                           kBase64) == 0;
 }
 
 }  // namespace quarry::platform

@@ -49,34 +49,24 @@ namespace {
 
 // Whether `name` is what starts at `offset` of the pool, right behind a NUL.
 template <std::size_t size>
-constexpr bool StartsAt(const char (&pool)[size], std::size_t offset,
-                        std::string_view name) {
-  return offset + name.size() < size &&
-         (offset == 0 || pool[offset - 1] == '\0') &&
+constexpr bool StartsAt(const char (&pool)[size], std::size_t offset, std::string_view name) {
+  return offset + name.size() < size && (offset == 0 || pool[offset - 1] == '\0') &&
          std::string_view(pool + offset) == name;
 }
 
-static_assert(StartsAt(_dct_config_section_string_table_, kSectionAgent,
-                       "Agent"));
-static_assert(StartsAt(_dct_config_section_string_table_, kSectionMetabase,
-                       "Metabase"));
+static_assert(StartsAt(_dct_config_section_string_table_, kSectionAgent, "Agent"));
+static_assert(StartsAt(_dct_config_section_string_table_, kSectionMetabase, "Metabase"));
 static_assert(StartsAt(_dct_config_section_string_table_, kSectionSsl, "SSL"));
-static_assert(StartsAt(_dct_config_section_string_table_, kSectionLedger,
-                       "Ledger"));
+static_assert(StartsAt(_dct_config_section_string_table_, kSectionLedger, "Ledger"));
 static_assert(StartsAt(_dct_config_section_string_table_, kSectionCr, "CR"));
-static_assert(StartsAt(_dct_config_section_string_table_, kSectionControl,
-                       "Control"));
+static_assert(StartsAt(_dct_config_section_string_table_, kSectionControl, "Control"));
 
 static_assert(StartsAt(_dct_config_entry_string_table_, kEntryLogin, "login"));
-static_assert(StartsAt(_dct_config_entry_string_table_, kEntryPassword,
-                       "password"));
-static_assert(StartsAt(_dct_config_entry_string_table_, kEntryNumericOption,
-                       "numeric_option"));
+static_assert(StartsAt(_dct_config_entry_string_table_, kEntryPassword, "password"));
+static_assert(StartsAt(_dct_config_entry_string_table_, kEntryNumericOption, "numeric_option"));
 static_assert(StartsAt(_dct_config_entry_string_table_, kEntryUrl, "url"));
-static_assert(StartsAt(_dct_config_entry_string_table_, kEntryKeyDir,
-                       "key_dir"));
-static_assert(StartsAt(_dct_config_entry_string_table_, kEntryAddress,
-                       "address"));
+static_assert(StartsAt(_dct_config_entry_string_table_, kEntryKeyDir, "key_dir"));
+static_assert(StartsAt(_dct_config_entry_string_table_, kEntryAddress, "address"));
 
 // Login and password are two options of one section; the two URLs are one
 // option name in two sections.

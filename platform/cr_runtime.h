@@ -22,11 +22,9 @@ using cr_status_t = std::int32_t;
 class QUARRY_EXPORT Cr_ErrnoException : public std::exception {
  public:
   // The texts are copied; each may be null. Throws std::bad_alloc.
-  Cr_ErrnoException(cr_status_t status, const char* message,
-                    const char* detail);
+  Cr_ErrnoException(cr_status_t status, const char* message, const char* detail);
   // The message is all that was written into the stream.
-  Cr_ErrnoException(cr_status_t status, const std::stringstream& message,
-                    const char* detail);
+  Cr_ErrnoException(cr_status_t status, const std::stringstream& message, const char* detail);
   // Shares the other's texts.
   Cr_ErrnoException(const Cr_ErrnoException& other) noexcept;
   // Lets go of its own texts and shares the other's.
@@ -57,8 +55,8 @@ QUARRY_EXPORT const char* CRStatusToStringA(cr_status_t status);
 // password and a NUL to `out`, which has room for `capacity` bytes, and returns
 // 0. Any other result is a failure; `out` is untouched then. The stand-in's
 // results are those of DecryptResult. Any number of threads may call at once.
-QUARRY_EXPORT int DecryptPasswdWithKey(const char* key_file, const char* stored,
-                                       char* out, std::size_t capacity);
+QUARRY_EXPORT int DecryptPasswdWithKey(const char* key_file, const char* stored, char* out,
+                                       std::size_t capacity);
 
 }  // extern "C"
 

@@ -51,8 +51,7 @@ inline bool Retry(int descriptor, short events) {
 
 // Reads until `capacity` bytes are there or the end comes; `*size` is what was
 // read. False with errno on failure.
-inline bool ReadUpTo(int descriptor, char* bytes, std::size_t capacity,
-                     std::size_t* size) {
+inline bool ReadUpTo(int descriptor, char* bytes, std::size_t capacity, std::size_t* size) {
   *size = 0;
   while (*size < capacity) {
     const ssize_t count = read(descriptor, bytes + *size, capacity - *size);

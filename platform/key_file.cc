@@ -25,23 +25,19 @@ static_assert(kKeyFileBytes == kPrefix.size() + kEncodedBytes + 1);
 // Whether nobody but the caller and root can have read or written the key.
 bool IsPrivate(const struct stat& status) {
   const uid_t caller = geteuid();
-  const bool trusted_owner =
-      caller == 0 || status.st_uid == caller || status.st_uid == 0;
-  const bool mounted_secret =
-      caller != 0 && status.st_uid == 0 && status.st_gid == getegid();
+  const bool trusted_owner = caller == 0 || status.st_uid == caller || status.st_uid == 0;
+  const bool mounted_secret = caller != 0 && status.st_uid == 0 && status.st_gid == getegid();
   const mode_t allowed = mounted_secret ? S_IRWXU | S_IRGRP : S_IRWXU;
   const mode_t permissions = status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
   return trusted_owner && (permissions & ~allowed) == 0;
 }
 
 DecryptResult DecodeKey(const char* text, unsigned char* key) {
-  if (std::memcmp(text, kPrefix.data(), kPrefix.size()) != 0 ||
-      text[kKeyFileBytes - 1] != '\n') {
+  if (std::memcmp(text, kPrefix.data(), kPrefix.size()) != 0 || text[kKeyFileBytes - 1] != '\n') {
     return kDecryptNotAKeyFile;
   }
   std::size_t size = 0;
-  const bool decoded = DecodeBase64({text + kPrefix.size(), kEncodedBytes}, key,
-                                    kKeyBytes, &size);
+  const bool decoded = DecodeBase64({text + kPrefix.size(), kEncodedBytes}, key, kKeyBytes, &size);
   return decoded && size == kKeyBytes ? kDecryptDone : kDecryptNotAKeyFile;
 }
 
@@ -67,8 +63,7 @@ DecryptResult SealingKey::Load(const char* key_file) {
   if (bytes_.data() == nullptr || text.data() == nullptr) {
     return kDecryptNoCrypto;
   }
-  const FileDescriptor file(
-      open(key_file, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  const FileDescriptor file(open(key_file, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   struct stat status {};
   if (file.get() == -1 || fstat(file.get(), &status) != 0) {
     return kDecryptNoKeyFile;
@@ -80,14 +75,13 @@ DecryptResult SealingKey::Load(const char* key_file) {
   if (!ReadUpTo(file.get(), text.text(), text.size(), &size)) {
     return kDecryptNoKeyFile;
   }
-  return size == kKeyFileBytes ? DecodeKey(text.text(), bytes_.data())
-                               : kDecryptNotAKeyFile;
+  return size == kKeyFileBytes ? DecodeKey(text.text(), bytes_.data()) : kDecryptNotAKeyFile;
 }
 
 void EncodeKey(const SealingKey& key, SecretBytes* text) {
   std::memcpy(text->data(), kPrefix.data(), kPrefix.size());
-  sodium_bin2base64(text->text() + kPrefix.size(), kEncodedBytes + 1,
-                    key.bytes(), kKeyBytes, kBase64);
+  sodium_bin2base64(text->text() + kPrefix.size(), kEncodedBytes + 1, key.bytes(), kKeyBytes,
+                    kBase64);
   text->data()[kKeyFileBytes - 1] = '\n';
   text->data()[kKeyFileBytes] = '\0';
 }

@@ -22,12 +22,9 @@ class QUARRY_EXPORT LibMetabInterface {
   // in place, otherwise a status that CRStatusToStringA can describe.
   // `reserved` has all bits set. The password is in plain text; it must not be
   // kept.
-  virtual cr_status_t GetRoutingTables(const std::string& ledger_url,
-                                       const std::string& cr_login,
-                                       const std::string& cr_password,
-                                       std::int32_t reserved,
-                                       const std::string& ssl_key_dir,
-                                       const std::string& r_path,
+  virtual cr_status_t GetRoutingTables(const std::string& ledger_url, const std::string& cr_login,
+                                       const std::string& cr_password, std::int32_t reserved,
+                                       const std::string& ssl_key_dir, const std::string& r_path,
                                        const std::string& c_path) = 0;
 
   // Turns the weak handle into an owning pointer, which is never null. Throws
@@ -38,8 +35,7 @@ class QUARRY_EXPORT LibMetabInterface {
       std::weak_ptr<LibMetabInterface> handle) {
     std::shared_ptr<LibMetabInterface> locked = handle.lock();
     if (locked == nullptr) {
-      throw Cr_ErrnoException(
-          kCrExpired, "Lib Metab (ledgerd) weak_ptr has expired", nullptr);
+      throw Cr_ErrnoException(kCrExpired, "Lib Metab (ledgerd) weak_ptr has expired", nullptr);
     }
     return locked;
   }

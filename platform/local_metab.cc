@@ -33,8 +33,7 @@ bool SameTime(const timespec& left, const timespec& right) {
 // then.
 bool IsAbandoned(int descriptor) {
   struct stat status {};
-  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-         status.st_uid == geteuid() &&
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
          flock(descriptor, LOCK_EX | LOCK_NB) == 0;
 }
 
@@ -46,8 +45,8 @@ class PendingTable {
   explicit PendingTable(const std::string& target)
       : target_(target),
         folder_(target.substr(0, target.rfind('/') + 1)),
-        folder_descriptor_(open(folder_.empty() ? "." : folder_.c_str(),
-                                O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+        folder_descriptor_(
+            open(folder_.empty() ? "." : folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
         out_(-1) {}
   ~PendingTable() {
     if (made_) unlink(copy_.c_str());
@@ -73,8 +72,7 @@ class PendingTable {
 };
 
 cr_status_t PendingTable::CopyFrom(const std::string& source) {
-  const FileDescriptor in(
-      open(source.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  const FileDescriptor in(open(source.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   if (in.get() == -1) {
     return errno == ENOENT ? kLedgerTableMissing : kLedgerTableUnreadable;
   }
@@ -87,8 +85,7 @@ cr_status_t PendingTable::CopyFrom(const std::string& source) {
   const cr_status_t filled = Fill(in.get());
   if (filled != 0) return filled;
   struct stat after {};
-  const bool unchanged = fstat(in.get(), &after) == 0 &&
-                         after.st_size == status.st_size &&
+  const bool unchanged = fstat(in.get(), &after) == 0 && after.st_size == status.st_size &&
                          SameTime(after.st_mtim, status.st_mtim) &&
                          SameTime(after.st_ctim, status.st_ctim);
   return unchanged ? 0 : kLedgerTableUnreadable;
@@ -111,8 +108,7 @@ bool PendingTable::MakeAndLock() {
     copy_.assign(folder_).append(kCopyPrefix).append("XXXXXX");
     out_.Reset(mkostemp(copy_.data(), O_CLOEXEC));  // with mode 0600
     if (out_.get() == -1) return false;
-    const bool taken =
-        flock(out_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    const bool taken = flock(out_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     const bool gone = access(copy_.c_str(), F_OK) != 0 && errno == ENOENT;
     made_ = !taken && !gone;
     if (made_) return true;
@@ -126,9 +122,8 @@ void PendingTable::RemoveAbandoned() const {
   while (const dirent* entry = readdir(folder)) {
     const std::string_view name = entry->d_name;
     if (name.substr(0, kCopyPrefix.size()) != kCopyPrefix) continue;
-    const FileDescriptor found(
-        openat(folder_descriptor_.get(), entry->d_name,
-               O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    const FileDescriptor found(openat(folder_descriptor_.get(), entry->d_name,
+                                      O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (IsAbandoned(found.get())) {
       unlinkat(folder_descriptor_.get(), entry->d_name, 0);
     }
@@ -161,8 +156,7 @@ cr_status_t CheckLedger(const std::string& folder) {
   if (stat(folder.c_str(), &status) != 0) {
     return errno == ENOENT ? kLedgerFolderMissing : kLedgerFolderUnreadable;
   }
-  const bool usable =
-      S_ISDIR(status.st_mode) && access(folder.c_str(), X_OK) == 0;
+  const bool usable = S_ISDIR(status.st_mode) && access(folder.c_str(), X_OK) == 0;
   return usable ? 0 : kLedgerFolderUnreadable;
 }
 
@@ -187,10 +181,9 @@ cr_status_t LocalMetab::GetRoutingTables(const std::string& ledger_url,
                                          const std::string& /*cr_password*/,
                                          std::int32_t /*reserved*/,
                                          const std::string& /*ssl_key_dir*/,
-                                         const std::string& r_path,
-                                         const std::string& c_path) {
-  const bool supported = ledger_url.compare(0, kScheme.size(), kScheme) == 0 &&
-                         ledger_url.size() > kScheme.size();
+                                         const std::string& r_path, const std::string& c_path) {
+  const bool supported =
+      ledger_url.compare(0, kScheme.size(), kScheme) == 0 && ledger_url.size() > kScheme.size();
   if (!supported) return kLedgerUrlUnsupported;
   const std::string folder = ledger_url.substr(kScheme.size());
   const cr_status_t status = CheckLedger(folder);

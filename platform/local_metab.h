@@ -43,12 +43,9 @@ class QUARRY_EXPORT LocalMetab : public LibMetabInterface {
   // rename. No other file is left behind, but by a process that is killed: its
   // ".quarry-table-" and six characters beside a target goes with the same
   // user's next call.
-  cr_status_t GetRoutingTables(const std::string& ledger_url,
-                               const std::string& cr_login,
-                               const std::string& cr_password,
-                               std::int32_t reserved,
-                               const std::string& ssl_key_dir,
-                               const std::string& r_path,
+  cr_status_t GetRoutingTables(const std::string& ledger_url, const std::string& cr_login,
+                               const std::string& cr_password, std::int32_t reserved,
+                               const std::string& ssl_key_dir, const std::string& r_path,
                                const std::string& c_path) override;
 };
 

@@ -13,13 +13,11 @@ namespace quarry::platform {
 namespace {
 
 constexpr std::size_t kIdBytes = 4;
-constexpr std::size_t kNonceBytes =
-    crypto_aead_xchacha20poly1305_ietf_NPUBBYTES;
+constexpr std::size_t kNonceBytes = crypto_aead_xchacha20poly1305_ietf_NPUBBYTES;
 constexpr std::size_t kTagBytes = crypto_aead_xchacha20poly1305_ietf_ABYTES;
 constexpr std::size_t kKeyBytes = crypto_aead_xchacha20poly1305_ietf_KEYBYTES;
 constexpr std::size_t kBlockBytes = 64;  // passwords are padded to multiples
-constexpr std::size_t kLongestPadded =
-    (kLongestPassword / kBlockBytes + 1) * kBlockBytes;
+constexpr std::size_t kLongestPadded = (kLongestPassword / kBlockBytes + 1) * kBlockBytes;
 constexpr std::size_t kHeadBytes = kIdBytes + kNonceBytes;
 constexpr std::size_t kLongestSealed = kHeadBytes + kLongestPadded + kTagBytes;
 
@@ -39,8 +37,7 @@ struct SealedBytes {
 KeyId IdOf(const SealingKey& key) {
   constexpr std::string_view kText = "quarry-config key id";
   std::array<unsigned char, crypto_generichash_BYTES_MIN> hash{};
-  crypto_generichash(hash.data(), hash.size(),
-                     reinterpret_cast<const unsigned char*>(kText.data()),
+  crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char*>(kText.data()),
                      kText.size(), key.bytes(), kKeyBytes);
   KeyId id{};
   std::copy_n(hash.begin(), id.size(), id.begin());
@@ -48,13 +45,11 @@ KeyId IdOf(const SealingKey& key) {
 }
 
 // The prefix and the key id, which the tag covers.
-using AssociatedData =
-    std::array<unsigned char, kSealedPrefix.size() + kIdBytes>;
+using AssociatedData = std::array<unsigned char, kSealedPrefix.size() + kIdBytes>;
 
 AssociatedData AssociatedDataOf(const unsigned char* id) {
   AssociatedData data{};
-  auto* const end =
-      std::copy(kSealedPrefix.begin(), kSealedPrefix.end(), data.begin());
+  auto* const end = std::copy(kSealedPrefix.begin(), kSealedPrefix.end(), data.begin());
   std::copy_n(id, kIdBytes, end);
   return data;
 }
@@ -66,21 +61,19 @@ bool IsSealed(std::string_view stored) {
 DecryptResult Decode(std::string_view stored, SealedBytes* sealed) {
   if (!IsSealed(stored)) return kDecryptNotSealed;
   stored.remove_prefix(kSealedPrefix.size());
-  const bool decoded = DecodeBase64(stored, sealed->bytes.data(),
-                                    sealed->bytes.size(), &sealed->size);
+  const bool decoded =
+      DecodeBase64(stored, sealed->bytes.data(), sealed->bytes.size(), &sealed->size);
   const bool sized = decoded && sealed->size >= kHeadBytes + kTagBytes &&
-                     sealed->padded_size() > 0 &&
-                     sealed->padded_size() % kBlockBytes == 0;
+                     sealed->padded_size() > 0 && sealed->padded_size() % kBlockBytes == 0;
   return sized ? kDecryptDone : kDecryptDamaged;
 }
 
-bool DecryptInto(unsigned char* padded, const SealedBytes& sealed,
-                 const SealingKey& key) {
+bool DecryptInto(unsigned char* padded, const SealedBytes& sealed, const SealingKey& key) {
   const AssociatedData data = AssociatedDataOf(sealed.id());
   return crypto_aead_xchacha20poly1305_ietf_decrypt_detached(
              padded, nullptr, sealed.ciphertext(), sealed.padded_size(),
-             sealed.ciphertext() + sealed.padded_size(), data.data(),
-             data.size(), sealed.nonce(), key.bytes()) == 0;
+             sealed.ciphertext() + sealed.padded_size(), data.data(), data.size(), sealed.nonce(),
+             key.bytes()) == 0;
 }
 
 // Whether the key is the right one and no byte was changed.
@@ -94,36 +87,30 @@ DecryptResult Verify(const SealedBytes& sealed, const SealingKey& key) {
 
 std::string Encode(const SealedBytes& sealed) {
   std::array<char, sodium_base64_ENCODED_LEN(kLongestSealed, kBase64)> text{};
-  sodium_bin2base64(text.data(), text.size(), sealed.bytes.data(), sealed.size,
-                    kBase64);
+  sodium_bin2base64(text.data(), text.size(), sealed.bytes.data(), sealed.size, kBase64);
   return std::string(kSealedPrefix) + text.data();
 }
 
 }  // namespace
 
 SecretBytes::SecretBytes(std::size_t size)
-    : data_(sodium_init() < 0
-                ? nullptr
-                : static_cast<unsigned char*>(sodium_malloc(size))),
+    : data_(sodium_init() < 0 ? nullptr : static_cast<unsigned char*>(sodium_malloc(size))),
       size_(size) {}
 
 SecretBytes::~SecretBytes() { sodium_free(data_); }
 
-DecryptResult SealPasswordWithNonce(const SealingKey& key,
-                                    const unsigned char* nonce,
-                                    std::string_view password,
-                                    std::string* stored) {
-  const bool allowed = password.size() <= kLongestPassword &&
-                       password.find_first_of(std::string_view("\0\n", 2)) ==
-                           std::string_view::npos;
+DecryptResult SealPasswordWithNonce(const SealingKey& key, const unsigned char* nonce,
+                                    std::string_view password, std::string* stored) {
+  const bool allowed =
+      password.size() <= kLongestPassword &&
+      password.find_first_of(std::string_view("\0\n", 2)) == std::string_view::npos;
   if (!allowed) return kDecryptBadArgument;
   SecretBytes padded(kLongestPadded);
   if (padded.data() == nullptr) return kDecryptNoCrypto;
 
   std::copy(password.begin(), password.end(), padded.text());
   std::size_t padded_size = 0;
-  if (sodium_pad(&padded_size, padded.data(), password.size(), kBlockBytes,
-                 padded.size()) != 0) {
+  if (sodium_pad(&padded_size, padded.data(), password.size(), kBlockBytes, padded.size()) != 0) {
     return kDecryptNoCrypto;
   }
 
@@ -132,23 +119,22 @@ DecryptResult SealPasswordWithNonce(const SealingKey& key,
   SealedBytes sealed;
   std::copy(id.begin(), id.end(), sealed.bytes.begin());
   std::copy_n(nonce, kNonceBytes, sealed.bytes.begin() + kIdBytes);
-  crypto_aead_xchacha20poly1305_ietf_encrypt(
-      sealed.bytes.data() + kHeadBytes, nullptr, padded.data(), padded_size,
-      data.data(), data.size(), nullptr, nonce, key.bytes());
+  crypto_aead_xchacha20poly1305_ietf_encrypt(sealed.bytes.data() + kHeadBytes, nullptr,
+                                             padded.data(), padded_size, data.data(), data.size(),
+                                             nullptr, nonce, key.bytes());
   sealed.size = kHeadBytes + padded_size + kTagBytes;
   *stored = Encode(sealed);
   return kDecryptDone;
 }
 
-DecryptResult SealPassword(const SealingKey& key, std::string_view password,
-                           std::string* stored) {
+DecryptResult SealPassword(const SealingKey& key, std::string_view password, std::string* stored) {
   std::array<unsigned char, kNonceBytes> nonce{};
   randombytes_buf(nonce.data(), nonce.size());
   return SealPasswordWithNonce(key, nonce.data(), password, stored);
 }
 
-DecryptResult OpenPasswordWithKey(const SealingKey& key, const char* stored,
-                                  char* out, std::size_t capacity) {
+DecryptResult OpenPasswordWithKey(const SealingKey& key, const char* stored, char* out,
+                                  std::size_t capacity) {
   SealedBytes sealed;
   DecryptResult result = Decode(stored, &sealed);
   if (result != kDecryptDone) return result;
@@ -158,9 +144,8 @@ DecryptResult OpenPasswordWithKey(const SealingKey& key, const char* stored,
   SecretBytes padded(sealed.padded_size());
   if (padded.data() == nullptr) return kDecryptNoCrypto;
   std::size_t size = 0;
-  const bool opened =
-      DecryptInto(padded.data(), sealed, key) &&
-      sodium_unpad(&size, padded.data(), padded.size(), kBlockBytes) == 0;
+  const bool opened = DecryptInto(padded.data(), sealed, key) &&
+                      sodium_unpad(&size, padded.data(), padded.size(), kBlockBytes) == 0;
   if (!opened) return kDecryptDamaged;
   if (size >= capacity) return kDecryptTooLong;
   std::memcpy(out, padded.data(), size);
@@ -175,9 +160,7 @@ DecryptResult OpenPassword(const char* key_file, const char* stored, char* out,
   if (!IsSealed(stored)) return kDecryptNotSealed;  // whatever the key
   SealingKey key;
   const DecryptResult result = key.Load(key_file);
-  return result == kDecryptDone
-             ? OpenPasswordWithKey(key, stored, out, capacity)
-             : result;
+  return result == kDecryptDone ? OpenPasswordWithKey(key, stored, out, capacity) : result;
 }
 
 }  // namespace quarry::platform

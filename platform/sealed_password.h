@@ -83,22 +83,19 @@ void EncodeKey(const SealingKey& key, SecretBytes* text);
 // Stores in `*stored` the sealed form of the password: at most kLongestPassword
 // bytes without NUL or line feed. kDecryptDone, kDecryptBadArgument or
 // kDecryptNoCrypto.
-DecryptResult SealPassword(const SealingKey& key, std::string_view password,
-                           std::string* stored);
+DecryptResult SealPassword(const SealingKey& key, std::string_view password, std::string* stored);
 
 // As SealPassword with 24 bytes of nonce. A nonce must never serve twice; this
 // is for tests against known answers.
-DecryptResult SealPasswordWithNonce(const SealingKey& key,
-                                    const unsigned char* nonce,
-                                    std::string_view password,
-                                    std::string* stored);
+DecryptResult SealPasswordWithNonce(const SealingKey& key, const unsigned char* nonce,
+                                    std::string_view password, std::string* stored);
 
 // DecryptPasswdWithKey, whose contract is in platform/cr_runtime.h; the second
 // one with a key at hand.
 DecryptResult OpenPassword(const char* key_file, const char* stored, char* out,
                            std::size_t capacity);
-DecryptResult OpenPasswordWithKey(const SealingKey& key, const char* stored,
-                                  char* out, std::size_t capacity);
+DecryptResult OpenPasswordWithKey(const SealingKey& key, const char* stored, char* out,
+                                  std::size_t capacity);
 
 }  // namespace quarry::platform
 

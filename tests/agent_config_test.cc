@@ -29,7 +29,8 @@ Decryption decryption;
 
 }  // namespace
 
-extern "C" int DecryptPasswdWithKey(const char* key_file, const char* stored, char* out, std::size_t capacity) {
+extern "C" int DecryptPasswdWithKey(const char* key_file, const char* stored, char* out,
+                                    std::size_t capacity) {
   decryption.asked = std::string(key_file) + '|' + stored + '|' + std::to_string(capacity);
   if (decryption.result == 0) out[decryption.plain.copy(out, capacity - 1)] = '\0';
   return decryption.result;
@@ -45,11 +46,12 @@ const std::string kComplete =
 class FakeMetab : public utils::LibMetabInterface {
  public:
   cr_status_t GetRoutingTables(const std::string& ledger_url, const std::string& cr_login,
-                               const std::string& cr_password, std::int32_t reserved, const std::string& ssl_key_dir,
-                               const std::string& r_path, const std::string& c_path) override {
+                               const std::string& cr_password, std::int32_t reserved,
+                               const std::string& ssl_key_dir, const std::string& r_path,
+                               const std::string& c_path) override {
     if (forgetful) return status;
-    asked = ledger_url + '|' + cr_login + '|' + cr_password + '|' + std::to_string(reserved) + '|' + ssl_key_dir + '|' +
-            r_path + '|' + c_path;
+    asked = ledger_url + '|' + cr_login + '|' + cr_password + '|' + std::to_string(reserved) + '|' +
+            ssl_key_dir + '|' + r_path + '|' + c_path;
     if (during) during();
     return status;
   }
@@ -81,7 +83,8 @@ std::string Start(const std::string& path, const std::weak_ptr<utils::LibMetabIn
     return "ok";
   } catch (const Cr_ErrnoException& error) {
     const char* const detail = error.detail();
-    return std::to_string(error.status()) + '|' + error.message() + '|' + (detail == nullptr ? "" : detail);
+    return std::to_string(error.status()) + '|' + error.message() + '|' +
+           (detail == nullptr ? "" : detail);
   }
 }
 
@@ -130,7 +133,8 @@ TEST(AgentCfg, FailsAtTheFirstThingThatIsWrong) {
     EXPECT_EQ(decryption.asked + metab->asked, "");
     text += c.missing;
   }
-  EXPECT_EQ(Start("missing/./a&b\"c", metab), "4|Unable to parse the agent config file: \"missing/./a&&b&\"c\"|");
+  EXPECT_EQ(Start("missing/./a&b\"c", metab),
+            "4|Unable to parse the agent config file: \"missing/./a&&b&\"c\"|");
   EXPECT_EQ(Start(Written("[cr]\nlogin=\npassword=\n[ssl]\nkey_dir=\n[ledger]\nurl=\n"
                           "[metabase]\nurl=\n[control]\naddress=\n"),
                   metab),
@@ -143,7 +147,8 @@ TEST(AgentCfg, FailsAtTheFirstThingThatIsWrong) {
   EXPECT_EQ(metab->asked, "");
   decryption.result = 0;
   metab->status = -5;
-  EXPECT_EQ(Start(Written(kComplete), metab), "-5|Unable to get the routing tables from ledgerd|unknown status");
+  EXPECT_EQ(Start(Written(kComplete), metab),
+            "-5|Unable to get the routing tables from ledgerd|unknown status");
 }
 
 TEST(AgentCfg, FormsThePathOfTheKeyFile) {
@@ -181,7 +186,9 @@ TEST(AgentCfg, PromotesItsHandleLastAndHoldsItForTheRequest) {
     owner.reset();
     alive = !watched.expired();
   };
-  EXPECT_EQ(Start(Written(kComplete), watched, [&](const AgentCfg&) { EXPECT_TRUE(watched.expired()); }), "ok");
+  EXPECT_EQ(
+      Start(Written(kComplete), watched, [&](const AgentCfg&) { EXPECT_TRUE(watched.expired()); }),
+      "ok");
   EXPECT_TRUE(alive);
 
   owner = std::make_shared<FakeMetab>();

@@ -11,8 +11,8 @@ namespace {
 std::string Findings(const std::string& text) {
   std::string all;
   for (const Finding& f : CheckText(text, "f")) {
-    all += std::to_string(f.line) + ':' + std::to_string(f.column) + '+' + std::to_string(f.length) +
-           (f.IsError() ? " " : "w ") + f.message + '\n';
+    all += std::to_string(f.line) + ':' + std::to_string(f.column) + '+' +
+           std::to_string(f.length) + (f.IsError() ? " " : "w ") + f.message + '\n';
   }
   return all;
 }
@@ -26,7 +26,8 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
   const Case cases[] = {
       {"all well", "#c\n[a]\nx = 1\n ;d\n\ny=#fff\nz=a#b\nt=a# b\ne=\n[b]", ""},
       {"errors",
-       "x=1\n  y \n=\n[b]\nx=0\n[abc\nx=1\n  [a\n[]\nx=2\n\t[]x]\n[a] ; x\n[a]]\nthreads 4\n  x\r\n=1\n\t= 1\n",
+       "x=1\n  y \n=\n[b]\nx=0\n[abc\nx=1\n  [a\n[]\nx=2\n\t[]x]\n[a] ; x\n[a]]\nthreads 4\n  "
+       "x\r\n=1\n\t= 1\n",
        "1:1+3 option line before any section\n"
        "2:3+1 option line before any section\n"
        "3:1+1 option line before any section\n"
@@ -40,8 +41,10 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
        "15:3+1 option line without \"=\"\n"
        "16:1+1 option name is empty\n"
        "17:2+1 option name is empty\n"},
-      {"byte-order mark", "\xEF\xBB\xBF[a]\nx=1\n\xEF\xBB\xBF#\n", "1:1+3 byte-order mark\n3:1+3 byte-order mark\n"},
-      {"byte-order mark in the middle", "[b]\nx=1\n\xEF\xBB\xBF[a]\nx=2\n", "3:1+3 byte-order mark\n"},
+      {"byte-order mark", "\xEF\xBB\xBF[a]\nx=1\n\xEF\xBB\xBF#\n",
+       "1:1+3 byte-order mark\n3:1+3 byte-order mark\n"},
+      {"byte-order mark in the middle", "[b]\nx=1\n\xEF\xBB\xBF[a]\nx=2\n",
+       "3:1+3 byte-order mark\n"},
       {"byte-order mark before an option", "\xEF\xBB\xBFx=1\ny=1\n",
        "1:1+3 byte-order mark\n2:1+3 option line before any section\n"},
       {"in order of columns", "[ a] x\n[b\t]\n",
@@ -88,16 +91,19 @@ TEST(FindingReport, QuotesTheLineAndMarksIt) {
        "e\xCC\x81 #",
        std::string(8, ' ') + '^'},
       {"a tab first", "=\t  ", 1, 3, "=\t  ", " ^~~"},
-      {"cut before a character", std::string(99, 'x') + "\xC3\xA4", 0, 1, std::string(99, 'x') + "...", "^"},
+      {"cut before a character", std::string(99, 'x') + "\xC3\xA4", 0, 1,
+       std::string(99, 'x') + "...", "^"},
       {"tabs within", "ab\tcd", 0, 5, "ab\tcd", "^~"},
       {"controls", "\x7f[m\x07x", 4, 1, "\\x7f[m\\x07x", "          ^"},
       {"broken UTF-8", "\xC3(\xFF\xED\xA0\x80", 1, 1, "\\xc3(\\xff\\xed\\xa0\\x80", "    ^"},
       {"overlong and too large", "\xC0\xAF\xE0\x80\xAF\xF4\x90\x80\x80", 0, 1,
        "\\xc0\\xaf\\xe0\\x80\\xaf\\xf4\\x90\\x80\\x80", "^~~~"},
       {"hidden controls", "\xC2\x9B\xE2\x80\xAE\xE2\x80\x8F\xE2\x81\xA6\xE2\x81\xA9.", 14, 1,
-       "\\xc2\\x9b\\xe2\\x80\\xae\\xe2\\x80\\x8f\\xe2\\x81\\xa6\\xe2\\x81\\xa9.", std::string(56, ' ') + '^'},
+       "\\xc2\\x9b\\xe2\\x80\\xae\\xe2\\x80\\x8f\\xe2\\x81\\xa6\\xe2\\x81\\xa9.",
+       std::string(56, ' ') + '^'},
       {"past the end", "ab", 2, 0, "ab", "  ^"},
-      {"long", many + "!" + many, 200, 1, "..." + std::string(40, 'x') + "!" + std::string(59, 'x') + "...",
+      {"long", many + "!" + many, 200, 1,
+       "..." + std::string(40, 'x') + "!" + std::string(59, 'x') + "...",
        std::string(43, ' ') + '^'},
       {"long at its end", many, 199, 9, "..." + std::string(41, 'x'), std::string(43, ' ') + '^'},
       {"long in UTF-8", many + "\xF0\x9D\x84\x9E" + std::string(39, 'x') + "!", 243, 1,

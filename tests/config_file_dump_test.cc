@@ -17,7 +17,8 @@ void FillWithAll(DMConfig* model) {
   model->SetOptionValue("lynx", "ingest_mode", "on\r");
 }
 
-const std::string kAll = "#main settings\n[General]\nHost=alpha\n#\n;tcp port\nport=443\n[lynx]\ningest_mode=on\r\n";
+const std::string kAll =
+    "#main settings\n[General]\nHost=alpha\n#\n;tcp port\nport=443\n[lynx]\ningest_mode=on\r\n";
 
 TEST(DumpConfig, WritesSectionsAndOptionsInTheirOrders) {
   struct Case {
@@ -48,7 +49,8 @@ TEST(DumpConfig, WritesSectionsAndOptionsInTheirOrders) {
          m->SetOptionValue("b", "y", "2");
        },
        -1, "[a]\n[b]\ny=2\n", "Failed to get value for option: \n"},
-      {"texts that do not read back", [](auto* m) { m->SetOptionValue("a]", " x", "1\n\0y "s, "c\0d"s); }, 0,
+      {"texts that do not read back",
+       [](auto* m) { m->SetOptionValue("a]", " x", "1\n\0y "s, "c\0d"s); }, 0,
        "[a]]\n#c\0d\n x=1\n\0y \n"s, ""},
   };
   for (const Case& c : cases) {
@@ -117,7 +119,8 @@ TEST(DumpConfig, RefusesWhatItCannotUse) {
     EXPECT_EQ(DMConfigFile("", "n").DumpConfig(&unusable, &model), -4);
     EXPECT_EQ(unusable.str(), "");
   }
-  EXPECT_EQ(cerr.text(), "Failed to open file: n\nFailed to open file: n\nFailed to open file: n\n");
+  EXPECT_EQ(cerr.text(),
+            "Failed to open file: n\nFailed to open file: n\nFailed to open file: n\n");
 }
 
 TEST(DumpConfig, ReplacesAFile) {

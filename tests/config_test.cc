@@ -65,7 +65,9 @@ Operation::Operation(const std::string& words) {
 }
 
 int Operation::Run(DMConfig* model, Outputs* out) const {
-  std::string* const first = first_null ? nullptr : name == "GetOptionValue" ? &out->value : &out->comment;
+  std::string* const first = first_null                 ? nullptr
+                             : name == "GetOptionValue" ? &out->value
+                                                        : &out->comment;
   std::string* const last = last_null ? nullptr : &out->comment;
   std::list<std::string>* const names = last_null ? nullptr : &out->names;
   if (name == "GetOptionMap") return model->GetOptionMap(section) == nullptr ? -5 : 0;
@@ -74,7 +76,8 @@ int Operation::Run(DMConfig* model, Outputs* out) const {
   if (name == "GetSectionComment") return model->GetSectionComment(section, last);
   if (name == "SetSectionComment") return model->SetSectionComment(section, option);
   if (name == "DelSectionComment") return model->DelSectionComment(section);
-  if (name == "SetOptionValue" && has_comment) return model->SetOptionValue(section, option, value, comment);
+  if (name == "SetOptionValue" && has_comment)
+    return model->SetOptionValue(section, option, value, comment);
   if (name == "SetOptionValue") return model->SetOptionValue(section, option, value);
   if (name == "SetOptionComment") return model->SetOptionComment(section, option, value);
   if (name == "GetOptionValue") return model->GetOptionValue(section, option, first, last);
@@ -168,7 +171,8 @@ TEST(DMConfig, OperatesOnWhatIsThereAndCreatesWhatIsMissing) {
     out = {};
   };
   const std::string before = Long("S(*){o=*(*)}");
-  const std::set<std::string> whole = {before, before + Long(" +{}"), before + Long(" +{+=}"), Long("S(*){+= o=*(*)}")};
+  const std::set<std::string> whole = {before, before + Long(" +{}"), before + Long(" +{+=}"),
+                                       Long("S(*){+= o=*(*)}")};
   long faults = 0;
   for (const Case& c : cases) {
     SCOPED_TRACE(c.operation);

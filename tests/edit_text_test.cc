@@ -21,8 +21,14 @@ TEST(EditText, SetsAndLeavesTheRest) {
     std::string edited;
   };
   const Case cases[] = {
-      {"the value's stretch alone", "[a]\n\t x =\t1 2  \n", {{"A", "X", "3"}}, "[a]\n\t x =\t3  \n"},
-      {"settings in any order", "[a]\nx=1\n[b]\ny=1\n", {{"b", "y", "2"}, {"a", "x", "3"}}, "[a]\nx=3\n[b]\ny=2\n"},
+      {"the value's stretch alone",
+       "[a]\n\t x =\t1 2  \n",
+       {{"A", "X", "3"}},
+       "[a]\n\t x =\t3  \n"},
+      {"settings in any order",
+       "[a]\nx=1\n[b]\ny=1\n",
+       {{"b", "y", "2"}, {"a", "x", "3"}},
+       "[a]\nx=3\n[b]\ny=2\n"},
       {"to empty and to blanks",
        "[a]\nx = 1 \ny=1\r\nz ==b\nu = 1 \n",
        {{"a", "x", ""}, {"a", "y", ""}, {"a", "z", ""}, {"a", "u", "\t "}},
@@ -47,12 +53,18 @@ TEST(EditText, SetsAndLeavesTheRest) {
        "[a]\nx=1\n[b]\n[a]\n#c\n",
        {{"a", "z", "3"}},
        "[a]\nx=1\n[b]\n[a]\nz=3\n#c\n"},
-      {"a new option after a mixed indentation", "[a]\n \r x=1\n", {{"a", "z", "3"}}, "[a]\n \r x=1\nz=3\n"},
+      {"a new option after a mixed indentation",
+       "[a]\n \r x=1\n",
+       {{"a", "z", "3"}},
+       "[a]\n \r x=1\nz=3\n"},
       {"two new sections, in their order",
        "",
        {{"b", "z", "3"}, {"A", "x", "1"}, {"B", "y", "2"}},
        "[b]\nz = 3\ny = 2\n\n[A]\nx = 1\n"},
-      {"a new section after a blank line", "[a]\n \t\n", {{"b", "z", "3"}}, "[a]\n \t\n[b]\nz = 3\n"},
+      {"a new section after a blank line",
+       "[a]\n \t\n",
+       {{"b", "z", "3"}},
+       "[a]\n \t\n[b]\nz = 3\n"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -66,7 +78,8 @@ TEST(EditText, RemovesEveryLineOfAnOption) {
     std::string text, without, without_comment;
   };
   const Case cases[] = {
-      {"comments directly above", "[a]\n;b\n\n #c\n;d\no=1\n#e\n", "[a]\n;b\n\n #c\n;d\n#e\n", "[a]\n;b\n\n#e\n"},
+      {"comments directly above", "[a]\n;b\n\n #c\n;d\no=1\n#e\n", "[a]\n;b\n\n #c\n;d\n#e\n",
+       "[a]\n;b\n\n#e\n"},
       {"a comment above a header", "#c\n[a]\no=1\n", "#c\n[a]\n", "="},
       {"the line feed at the end stays missing", "[a]\nx=0\no=1\no=2", "[a]\nx=0", "="},
       {"but not that of a blank line", "[a]\nx=0\n\no=1", "[a]\nx=0\n\n", "="},
@@ -93,7 +106,8 @@ TEST(IsSameModel, SeesWhatProgramsSee) {
       {"another value", "#c\n[A]\n#d\nx=1\ny=3\n[b]\n", false, false},
       {"a comment of an option", "#c\n[A]\n#d\nx=1\n#\ny=2\n[b]\n", false, true},
       {"the comment of a section", "#c\n#c\n[A]\n#d\nx=1\ny=2\n[b]\n", false, true},
-      {"the comment of a section beyond the old ones", "#c\n[A]\n#d\nx=1\ny=2\n#\n[b]\n", true, true},
+      {"the comment of a section beyond the old ones", "#c\n[A]\n#d\nx=1\ny=2\n#\n[b]\n", true,
+       true},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -124,15 +138,20 @@ TEST(UnifiedDiff, ShowsWhatPatchTakes) {
        "1\n2\n3\n4\n5\n6\n7\n8\n9\n",
        {{1, 0, {"a"}}, {8, 1, {}}},
        "@@ -1,3 +1,4 @@\n+a\n 1\n 2\n 3\n@@ -5,5 +6,4 @@\n 5\n 6\n 7\n-8\n 9\n"},
-      {"no line feed at the end", "1\n2", {{1, 1, {}}}, "@@ -1,2 +1 @@\n-1\n 2\n\\ No newline at end of file\n"},
+      {"no line feed at the end",
+       "1\n2",
+       {{1, 1, {}}},
+       "@@ -1,2 +1 @@\n-1\n 2\n\\ No newline at end of file\n"},
       {"another end",
        "1\n2",
        {{2, 1, {"a"}}, {3, 0, {"b"}}},
-       "@@ -1,2 +1,3 @@\n 1\n-2\n\\ No newline at end of file\n+a\n+b\n\\ No newline at end of file\n"},
+       "@@ -1,2 +1,3 @@\n 1\n-2\n\\ No newline at end of file\n+a\n+b\n\\ No newline at end of "
+       "file\n"},
       {"a longer end",
        "1\n2",
        {{3, 0, {"a"}}},
-       "@@ -1,2 +1,3 @@\n 1\n-2\n\\ No newline at end of file\n+2\n+a\n\\ No newline at end of file\n"},
+       "@@ -1,2 +1,3 @@\n 1\n-2\n\\ No newline at end of file\n+2\n+a\n\\ No newline at end of "
+       "file\n"},
       {"a shorter end",
        "1\n2",
        {{2, 1, {}}},
@@ -141,7 +160,10 @@ TEST(UnifiedDiff, ShowsWhatPatchTakes) {
        "1\n\n2",
        {{3, 1, {}}},
        "@@ -1,3 +1,2 @@\n 1\n \n-2\n\\ No newline at end of file\n"},
-      {"the same end", "1\n2", {{1, 1, {"a"}}}, "@@ -1,2 +1,2 @@\n-1\n+a\n 2\n\\ No newline at end of file\n"},
+      {"the same end",
+       "1\n2",
+       {{1, 1, {"a"}}},
+       "@@ -1,2 +1,2 @@\n-1\n+a\n 2\n\\ No newline at end of file\n"},
       {"two lines", "1\n2\n", {{1, 1, {"a"}}, {2, 1, {"b"}}}, "@@ -1,2 +1,2 @@\n-1\n-2\n+a\n+b\n"},
   };
   for (const Case& c : cases) {

@@ -35,8 +35,8 @@ TEST(Exhaustion, StopsTheWriter) {
 }
 
 TEST(Exhaustion, StopsTheReaderBetweenLines) {
-  const std::string text = "\n#" + kText + "\n[S]\n#" + kText + "\no=" + kText + "\n[" + kText + "]\n" + kText + "=" +
-                           kText + "\n" + kText + "=" + kText + kText + "\n";
+  const std::string text = "\n#" + kText + "\n[S]\n#" + kText + "\no=" + kText + "\n[" + kText +
+                           "]\n" + kText + "=" + kText + "\n" + kText + "=" + kText + kText + "\n";
   const std::string section = "S(\n#" + kText + "){";
   const std::string option = section + "o=" + kText + "(\n#" + kText + ")}";
   const std::set<std::string> models = {

@@ -58,7 +58,8 @@ class FileEditTest : public testing::Test, protected TempFolder {
   }
   // An edit with something done in the middle of it; the message when it fails.
   std::string Edit(
-      const std::string& name, const std::string& text, std::optional<mode_t> new_mode = std::nullopt,
+      const std::string& name, const std::string& text,
+      std::optional<mode_t> new_mode = std::nullopt,
       const std::function<void()>& meanwhile = [] {}) const {
     try {
       FileEdit edit(Path(name), new_mode);
@@ -68,7 +69,8 @@ class FileEditTest : public testing::Test, protected TempFolder {
     } catch (const ToolError& error) {
       EXPECT_EQ(error.exit_status(), kExitFailed);
       std::string message = error.message();
-      for (std::size_t at; (at = message.find(Path(""))) != std::string::npos;) message.erase(at, Path("").size());
+      for (std::size_t at; (at = message.find(Path(""))) != std::string::npos;)
+        message.erase(at, Path("").size());
       return message;
     }
   }
@@ -90,7 +92,8 @@ TEST_F(FileEditTest, KeepsWhatTheFileIs) {
   }
   chmod(Path("f").c_str(), 06640);
   const struct stat before = Status("f");
-  const std::string origin = Attribute("user.origin"), access = Attribute("system.posix_acl_access");
+  const std::string origin = Attribute("user.origin"),
+                    access = Attribute("system.posix_acl_access");
 
   EXPECT_EQ(Edit("links/l", "new"), "");
   EXPECT_EQ(locked_mode, static_cast<mode_t>(S_IFREG | 0600)) << "others could read the new file";
@@ -134,8 +137,10 @@ TEST_F(FileEditTest, RefusesWhatTheCallerMayNot) {
   ASSERT_EQ(seteuid(0), 0);
   chmod(Path("").c_str(), 0755);
   ASSERT_EQ(seteuid(1234), 0);
-  EXPECT_EQ(Edit("writable", "new"), "cannot create .writable.quarry-new beside writable: Permission denied");
-  EXPECT_EQ(Edit("absent", "new", kUsualMode), "cannot create .absent.quarry-new beside absent: Permission denied");
+  EXPECT_EQ(Edit("writable", "new"),
+            "cannot create .writable.quarry-new beside writable: Permission denied");
+  EXPECT_EQ(Edit("absent", "new", kUsualMode),
+            "cannot create .absent.quarry-new beside absent: Permission denied");
   ASSERT_EQ(seteuid(0), 0);
   EXPECT_EQ(Read("readable") + Read("writable"), "oldold");
   EXPECT_EQ(CountFiles(), 2U);

@@ -42,9 +42,11 @@ class PlatformTest : public testing::Test, protected TempFolder {
     EXPECT_EQ(chmod(Path(name).c_str(), mode), 0);
   }
   // The password, or "RESULT" when there is none; the buffer is untouched then.
-  std::string Open(const std::string& stored, const std::string& key = "auth.key", std::size_t capacity = 255) {
+  std::string Open(const std::string& stored, const std::string& key = "auth.key",
+                   std::size_t capacity = 255) {
     std::string out(400, '~');
-    const int result = DecryptPasswdWithKey(Path(key).c_str(), stored.c_str(), out.data(), capacity);
+    const int result =
+        DecryptPasswdWithKey(Path(key).c_str(), stored.c_str(), out.data(), capacity);
     if (result != 0) {
       EXPECT_EQ(out, std::string(400, '~'));
       return "RESULT " + std::to_string(result);
@@ -101,7 +103,8 @@ TEST_F(PlatformTest, RefusesEveryChangedForm) {
       std::string changed = form;
       while (++changed[at] != form[at]) expect_refused(changed);
     }
-    for (const std::string& more : {form, std::string("A"), std::string(4000, 'A')}) expect_refused(form + more);
+    for (const std::string& more : {form, std::string("A"), std::string(4000, 'A')})
+      expect_refused(form + more);
   }
   EXPECT_EQ(refused, (154 + 240 + 325 + 410) * 255 + 4 * 3);
 }
@@ -162,16 +165,26 @@ TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
     const char* outcome;
   };
   const Case cases[] = {
-      {kUser, kUser, kUser, 0600, "correct horse"}, {kUser, kUser, kUser, 0400, "correct horse"},
-      {kUser, kUser, kUser, 0700, "correct horse"}, {kUser, kUser, kUser, 0640, "RESULT 3"},
-      {kUser, kUser, kUser, 0620, "RESULT 3"},      {kUser, kUser, kUser, 0610, "RESULT 3"},
-      {kUser, kUser, kUser, 0604, "RESULT 3"},      {kUser, kUser, kUser, 0602, "RESULT 3"},
-      {kUser, kUser, kUser, 0601, "RESULT 3"},      {kUser, kOther, kUser, 0640, "RESULT 3"},
-      {kUser, kOther, kOther, 0604, "RESULT 3"},    {kUser, kRoot, kUser, 0440, "correct horse"},  // a mounted secret
-      {kUser, kRoot, kUser, 0460, "RESULT 3"},      {kUser, kRoot, kUser, 0450, "RESULT 3"},
-      {kUser, kRoot, kUser, 0444, "RESULT 3"},      {kUser, kRoot, kOther, 0444, "RESULT 3"},
-      {kUser, kRoot, kRoot, 0600, "RESULT 2"},      {kRoot, kOther, kOther, 0600, "correct horse"},
-      {kRoot, kRoot, kRoot, 0440, "RESULT 3"},      {kRoot, kRoot, kRoot, 0604, "RESULT 3"},
+      {kUser, kUser, kUser, 0600, "correct horse"},
+      {kUser, kUser, kUser, 0400, "correct horse"},
+      {kUser, kUser, kUser, 0700, "correct horse"},
+      {kUser, kUser, kUser, 0640, "RESULT 3"},
+      {kUser, kUser, kUser, 0620, "RESULT 3"},
+      {kUser, kUser, kUser, 0610, "RESULT 3"},
+      {kUser, kUser, kUser, 0604, "RESULT 3"},
+      {kUser, kUser, kUser, 0602, "RESULT 3"},
+      {kUser, kUser, kUser, 0601, "RESULT 3"},
+      {kUser, kOther, kUser, 0640, "RESULT 3"},
+      {kUser, kOther, kOther, 0604, "RESULT 3"},
+      {kUser, kRoot, kUser, 0440, "correct horse"},  // a mounted secret
+      {kUser, kRoot, kUser, 0460, "RESULT 3"},
+      {kUser, kRoot, kUser, 0450, "RESULT 3"},
+      {kUser, kRoot, kUser, 0444, "RESULT 3"},
+      {kUser, kRoot, kOther, 0444, "RESULT 3"},
+      {kUser, kRoot, kRoot, 0600, "RESULT 2"},
+      {kRoot, kOther, kOther, 0600, "correct horse"},
+      {kRoot, kRoot, kRoot, 0440, "RESULT 3"},
+      {kRoot, kRoot, kRoot, 0604, "RESULT 3"},
       {kUser, kRoot, kMore, 0440, "RESULT 3"},  // by one more group of the caller's
   };
   if (geteuid() != kRoot) GTEST_SKIP() << "only root can take these parts";
@@ -185,7 +198,8 @@ TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
     const std::string outcome = Open(kKnown);
     ASSERT_EQ(seteuid(kRoot), 0);
     ASSERT_EQ(setegid(kRoot), 0);
-    EXPECT_EQ(outcome, c.outcome) << c.caller << ' ' << c.owner << ' ' << c.group << ' ' << std::oct << c.mode;
+    EXPECT_EQ(outcome, c.outcome) << c.caller << ' ' << c.owner << ' ' << c.group << ' ' << std::oct
+                                  << c.mode;
   }
 }
 
@@ -196,13 +210,17 @@ TEST_F(PlatformTest, CopiesTheRoutingTables) {
   const std::string large(200000, 'r');
   Write("kept", "kept", 0700);
   const auto fetch = [this](const std::string& url, const std::string& r, const std::string& c) {
-    return ::storage::utils::LocalMetab().GetRoutingTables(url, "l", "p", -1, "k", Path(r), Path(c));
+    return ::storage::utils::LocalMetab().GetRoutingTables(url, "l", "p", -1, "k", Path(r),
+                                                           Path(c));
   };
   const std::string url = "file://" + Path("ledger");
-  const auto expect_no_change = [&](cr_status_t status, const std::string& from, const std::string& c) {
+  const auto expect_no_change = [&](cr_status_t status, const std::string& from,
+                                    const std::string& c) {
     EXPECT_EQ(fetch(from, "out/r", c), status);
     EXPECT_EQ(Read("out/r"), "old");
-    EXPECT_EQ(std::system(("test \"$(ls -A " + Path("out") + ")\" = \"$(printf 'folder\\nr')\"").c_str()), 0);
+    EXPECT_EQ(
+        std::system(("test \"$(ls -A " + Path("out") + ")\" = \"$(printf 'folder\\nr')\"").c_str()),
+        0);
   };
   Write("out/r", "old");
   expect_no_change(kLedgerUrlUnsupported, "file://", "out/c");
@@ -220,7 +238,8 @@ TEST_F(PlatformTest, CopiesTheRoutingTables) {
   const std::string abandoned = "out/.quarry-table-abcdef", used = "out/.quarry-table-ghijkl",
                     foreign = "out/.quarry-table-mnopqr";
   for (const std::string& copy : {abandoned, used, foreign}) Write(copy, "");
-  const bool is_foreign = chown(Path(foreign).c_str(), 4001, static_cast<gid_t>(-1)) == 0;  // by root
+  const bool is_foreign =
+      chown(Path(foreign).c_str(), 4001, static_cast<gid_t>(-1)) == 0;  // by root
   const FileDescriptor user(open(Path(used).c_str(), O_RDONLY));
   ASSERT_EQ(flock(user.get(), LOCK_EX), 0);
   EXPECT_EQ(fetch(url, "out/r", "out/c"), 0);
@@ -249,8 +268,8 @@ TEST_F(PlatformTest, RefusesATableThatIsBeingWritten) {
   const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   cr_status_t status = 0;
   while (status == 0 && std::chrono::steady_clock::now() < give_up) {
-    status =
-        ::storage::utils::LocalMetab().GetRoutingTables("file://" + Path(""), "l", "p", -1, "k", Path("r"), Path("c"));
+    status = ::storage::utils::LocalMetab().GetRoutingTables("file://" + Path(""), "l", "p", -1,
+                                                             "k", Path("r"), Path("c"));
   }
   ended = true;
   writer.join();
@@ -264,7 +283,8 @@ TEST(CrErrnoException, CarriesItsTexts) {
   struct Case {
     const char *message, *detail, *what;
   };
-  const Case cases[] = {{"m", "d", "m: d"}, {"m", nullptr, "m"}, {nullptr, "d", "d"}, {nullptr, nullptr, ""}};
+  const Case cases[] = {
+      {"m", "d", "m: d"}, {"m", nullptr, "m"}, {nullptr, "d", "d"}, {nullptr, nullptr, ""}};
   for (const Case& c : cases) {
     Cr_ErrnoException copy(0, "", "");
     {
@@ -284,12 +304,16 @@ TEST(CRStatusToStringA, HasATextForEveryNumber) {
     const char* words;
   };
   const Case cases[] = {
-      {0, "success"},           {4, "configuration"},       {9, "no longer"},        {101, "ledger URL"},
-      {102, "does not exist"},  {103, "folder cannot"},     {104, "lacks"},          {105, "changed"},
-      {106, "a folder stands"}, {107, "cannot be written"}, {108, "unknown status"}, {INT_MIN, "unknown status"},
+      {0, "success"},           {4, "configuration"},
+      {9, "no longer"},         {101, "ledger URL"},
+      {102, "does not exist"},  {103, "folder cannot"},
+      {104, "lacks"},           {105, "changed"},
+      {106, "a folder stands"}, {107, "cannot be written"},
+      {108, "unknown status"},  {INT_MIN, "unknown status"},
   };
   for (const Case& c : cases) {
-    EXPECT_NE(std::string(CRStatusToStringA(c.status)).find(c.words), std::string::npos) << c.status;
+    EXPECT_NE(std::string(CRStatusToStringA(c.status)).find(c.words), std::string::npos)
+        << c.status;
   }
 }
 

@@ -34,7 +34,8 @@ class ChunkBuffer : public std::streambuf {
 // Counts flushes and takes no more than `room` bytes.
 class LimitedBuffer : public std::stringbuf {
  public:
-  explicit LimitedBuffer(std::streamsize room = std::numeric_limits<std::streamsize>::max()) : room_(room) {}
+  explicit LimitedBuffer(std::streamsize room = std::numeric_limits<std::streamsize>::max())
+      : room_(room) {}
   int flushes() const { return flushes_; }
 
  protected:

@@ -9,7 +9,9 @@
 #include <sstream>
 
 std::string Render(quarry::storage::dmconfig::DMConfig* model) {
-  const auto comment = [](const std::string& text) { return text.empty() ? text : "(" + text + ")"; };
+  const auto comment = [](const std::string& text) {
+    return text.empty() ? text : "(" + text + ")";
+  };
   std::list<std::string> sections;
   model->GetSectionList(&sections);
   std::string all;
@@ -35,7 +37,9 @@ TempFolder::TempFolder() : folder_(testing::TempDir() + "/quarry-XXXXXX") {
 
 TempFolder::~TempFolder() { EXPECT_EQ(std::system(("rm -rf '" + folder_ + "'").c_str()), 0); }
 
-void TempFolder::Write(const std::string& name, const std::string& text) const { std::ofstream(Path(name)) << text; }
+void TempFolder::Write(const std::string& name, const std::string& text) const {
+  std::ofstream(Path(name)) << text;
+}
 
 std::string TempFolder::Read(const std::string& name) const {
   std::ostringstream text;

@@ -30,8 +30,8 @@ bool FailsNow() {
 
 }  // namespace
 
-long FailEachAllocation(const std::string& name, const std::function<void()>& prepare, const std::function<int()>& work,
-                        const std::function<void(int)>& look) {
+long FailEachAllocation(const std::string& name, const std::function<void()>& prepare,
+                        const std::function<int()>& work, const std::function<void(int)>& look) {
   SCOPED_TRACE(name);
   const long faults_before = faults;
   for (const bool persistent : {false, true}) {

@@ -13,8 +13,8 @@ inline constexpr int kThrown = 1;
 // until it does not need that many; first with that one failing alone, then with
 // all after it. `look` is given each result, kThrown for std::bad_alloc. Prints and
 // returns how many have failed.
-long FailEachAllocation(const std::string& name, const std::function<void()>& prepare, const std::function<int()>& work,
-                        const std::function<void(int)>& look);
+long FailEachAllocation(const std::string& name, const std::function<void()>& prepare,
+                        const std::function<int()>& work, const std::function<void(int)>& look);
 
 // From now on counts the blocks that hold `secret` when they are freed. An
 // empty one ends this.

@@ -55,9 +55,9 @@ TEST(Threads, StartAgentsWhileTheOwnerOfTheMetabaseLetsGo) {
   std::string sealed;
   ASSERT_EQ(key.Load(folder.Path("auth.key").c_str()), 0);
   ASSERT_EQ(SealPassword(key, "plain", &sealed), 0);
-  folder.Write("agent.conf", "[CR]\nlogin=l\npassword=" + sealed + "\n[SSL]\nkey_dir=" + folder.Path("") +
-                                 "\n[Ledger]\nurl=file://" + folder.Path("") +
-                                 "\n[Metabase]\nurl=m\n[Control]\naddress=a\n");
+  folder.Write("agent.conf", "[CR]\nlogin=l\npassword=" + sealed +
+                                 "\n[SSL]\nkey_dir=" + folder.Path("") + "\n[Ledger]\nurl=file://" +
+                                 folder.Path("") + "\n[Metabase]\nurl=m\n[Control]\naddress=a\n");
 
   auto owner = std::make_shared<storage::utils::LocalMetab>();
   const std::weak_ptr<storage::utils::LocalMetab> handle = owner;

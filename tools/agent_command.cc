@@ -34,8 +34,7 @@ std::string RoutingHint(cr_status_t status) {
   const std::string setting = "[" + ledger.section + "] " + ledger.option;
   switch (status) {
     case kLedgerUrlUnsupported:
-      return "this command starts against a folder: set " + setting +
-             " to file://FOLDER";
+      return "this command starts against a folder: set " + setting + " to file://FOLDER";
     case kLedgerFolderMissing:
     case kLedgerFolderUnreadable:
       return "see " + setting + "; it names the folder of the routing tables";
@@ -68,10 +67,9 @@ std::string HintFor(const Cr_ErrnoException& error, ModelFile* model) {
   return advice.message + "; " + advice.hint;
 }
 
-std::string StartReport(const Cr_ErrnoException& error,
-                        const std::string& hint) {
-  return ErrorReport("agent start failed: " + Shown(error.what()) +
-                         " (status " + std::to_string(error.status()) + ")",
+std::string StartReport(const Cr_ErrnoException& error, const std::string& hint) {
+  return ErrorReport("agent start failed: " + Shown(error.what()) + " (status " +
+                         std::to_string(error.status()) + ")",
                      hint);
 }
 
@@ -82,19 +80,17 @@ std::string ReasonsAgainst(const std::string& file) {
     const std::string text = ReadInput(file);
     for (const Finding& finding : CheckText(text, file)) {
       if (!finding.IsError()) continue;
-      reasons += "quarry-config: " + DisplayName(file) + ':' +
-                 std::to_string(finding.line) + ": " + finding.message + '\n';
+      reasons += "quarry-config: " + DisplayName(file) + ':' + std::to_string(finding.line) + ": " +
+                 finding.message + '\n';
     }
-    reasons +=
-        "  hint: for more: quarry-config check " + ShellQuotedFile(file) + '\n';
+    reasons += "  hint: for more: quarry-config check " + ShellQuotedFile(file) + '\n';
   } catch (const ToolError& unreadable) {
     reasons = unreadable.report();
   }
   return reasons;
 }
 
-[[noreturn]] void ThrowStartFailed(const Cr_ErrnoException& error,
-                                   const std::string& file) {
+[[noreturn]] void ThrowStartFailed(const Cr_ErrnoException& error, const std::string& file) {
   std::string hint, more;
   Masker masker;
   try {
@@ -139,20 +135,18 @@ std::vector<ShownSetting> ShownSettings(const AgentCfg& cfg, ModelFile* model) {
   Masker masker;
   masker.Hide(cfg.cr_password());
   masker.Hide(model->GetValue(password.section, password.option));
-  const std::array<std::string, 7> values = {
-      cfg.cr_login(),
-      cfg.cr_password().empty() ? "(empty)" : kMask,
-      cfg.ssl_key_dir(),
-      cfg.ledger_url(),
-      cfg.metabase_url(),
-      cfg.ctrl_address(),
-      std::to_string(cfg.numeric_option())};
+  const std::array<std::string, 7> values = {cfg.cr_login(),
+                                             cfg.cr_password().empty() ? "(empty)" : kMask,
+                                             cfg.ssl_key_dir(),
+                                             cfg.ledger_url(),
+                                             cfg.metabase_url(),
+                                             cfg.ctrl_address(),
+                                             std::to_string(cfg.numeric_option())};
   const OriginMap origins = FindOrigins(model->text());
   std::vector<ShownSetting> shown;
   for (std::size_t i = 0; i < values.size(); ++i) {
     const AgentSetting& setting = AgentSettings()[i];
-    shown.push_back(
-        {setting.accessor, masker.Masked(values[i]), LineOf(setting, origins)});
+    shown.push_back({setting.accessor, masker.Masked(values[i]), LineOf(setting, origins)});
   }
   return shown;
 }
@@ -167,8 +161,7 @@ struct RoutingTable {
 RoutingTable LookAt(const char* accessor, const std::string& path) {
   const std::string content = ReadInput(path);
   std::array<unsigned char, crypto_hash_sha256_BYTES> hash{};
-  crypto_hash_sha256(hash.data(),
-                     reinterpret_cast<const unsigned char*>(content.data()),
+  crypto_hash_sha256(hash.data(), reinterpret_cast<const unsigned char*>(content.data()),
                      content.size());
   std::array<char, 2 * crypto_hash_sha256_BYTES + 1> hex{};
   sodium_bin2hex(hex.data(), hex.size(), hash.data(), hash.size());
@@ -176,29 +169,22 @@ RoutingTable LookAt(const char* accessor, const std::string& path) {
 }
 
 std::string SettingsText(const std::vector<ShownSetting>& settings,
-                         const std::vector<RoutingTable>& tables,
-                         const std::string& file) {
+                         const std::vector<RoutingTable>& tables, const std::string& file) {
   std::string text;
   for (const ShownSetting& setting : settings) {
     const std::string origin =
-        setting.line == 0
-            ? "default"
-            : DisplayName(file) + ':' + std::to_string(setting.line);
-    text += setting.accessor + " = " + Shown(setting.value) + "  (" + origin +
-            ")\n";
+        setting.line == 0 ? "default" : DisplayName(file) + ':' + std::to_string(setting.line);
+    text += setting.accessor + " = " + Shown(setting.value) + "  (" + origin + ")\n";
   }
   for (const RoutingTable& table : tables) {
-    text += std::string(table.accessor) + " = " + table.path + "  (" +
-            std::to_string(table.bytes) + " bytes, SHA-256 " + table.sha256 +
-            ")\n";
+    text += std::string(table.accessor) + " = " + table.path + "  (" + std::to_string(table.bytes) +
+            " bytes, SHA-256 " + table.sha256 + ")\n";
   }
   return text;
 }
 
-std::string SettingsJson(const AgentCfg& cfg,
-                         const std::vector<ShownSetting>& settings,
-                         const std::vector<RoutingTable>& tables,
-                         const std::string& file) {
+std::string SettingsJson(const AgentCfg& cfg, const std::vector<ShownSetting>& settings,
+                         const std::vector<RoutingTable>& tables, const std::string& file) {
   nlohmann::ordered_json document;
   document["schema"] = 1;
   AddText(&document, "config_path", file);
@@ -212,9 +198,7 @@ std::string SettingsJson(const AgentCfg& cfg,
   nlohmann::ordered_json files = nlohmann::ordered_json::array();
   for (const RoutingTable& table : tables) {
     document[table.accessor] = table.path;
-    files.push_back({{"path", table.path},
-                     {"bytes", table.bytes},
-                     {"sha256", table.sha256}});
+    files.push_back({{"path", table.path}, {"bytes", table.bytes}, {"sha256", table.sha256}});
   }
   document["routing_tables"] = files;
   return JsonText(document);
@@ -224,14 +208,11 @@ std::string SettingsJson(const AgentCfg& cfg,
 // not allow. That there is no file is the start's affair.
 void DemandRegularFile(const std::string& file) {
   struct stat status {};
-  const bool other =
-      stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+  const bool other = stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
   if (file != "-" && !other) return;
-  throw ToolError(
-      kExitUsage,
-      ErrorReport(
-          "an agent starts from a regular file, not from " + DisplayName(file),
-          "give a file's name; save the text of a pipe first"));
+  throw ToolError(kExitUsage,
+                  ErrorReport("an agent starts from a regular file, not from " + DisplayName(file),
+                              "give a file's name; save the text of a pipe first"));
 }
 
 }  // namespace
@@ -246,9 +227,8 @@ int RunAgent(const AgentRequest& request) {
   const std::vector<RoutingTable> tables = {
       LookAt("routing_table_r_path", cfg->routing_table_r_path()),
       LookAt("routing_table_c_path", cfg->routing_table_c_path())};
-  WriteStandardOutput(request.json
-                          ? SettingsJson(*cfg, settings, tables, request.file)
-                          : SettingsText(settings, tables, request.file));
+  WriteStandardOutput(request.json ? SettingsJson(*cfg, settings, tables, request.file)
+                                   : SettingsText(settings, tables, request.file));
   return kExitDone;
 }
 

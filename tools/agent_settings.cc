@@ -22,26 +22,21 @@ std::string SettingValue(const char* accessor, ModelFile* model) {
   return model->GetValue(setting.section, setting.option);
 }
 
-std::string KeyFolder(ModelFile* model) {
-  return SettingValue("ssl_key_dir", model);
-}
+std::string KeyFolder(ModelFile* model) { return SettingValue("ssl_key_dir", model); }
 
 // As a start forms it: up to a NUL, and cut.
 std::string KeyFile(ModelFile* model) {
   constexpr std::size_t kLongestPath = 4094;
   const std::string folder = KeyFolder(model);
-  return (folder.substr(0, folder.find('\0')) + "/auth.key")
-      .substr(0, kLongestPath);
+  return (folder.substr(0, folder.find('\0')) + "/auth.key").substr(0, kLongestPath);
 }
 
 std::string CommandOn(const char* command, const std::string& folder) {
-  return std::string("quarry-config ") + command + ' ' +
-         ShellQuotedFile(folder);
+  return std::string("quarry-config ") + command + ' ' + ShellQuotedFile(folder);
 }
 
 std::list<std::string> OptionsOf(const std::string& section, ModelFile* model) {
-  return model->HasSection(section) ? model->Options(section)
-                                    : std::list<std::string>();
+  return model->HasSection(section) ? model->Options(section) : std::list<std::string>();
 }
 
 }  // namespace
@@ -63,8 +58,7 @@ const std::vector<AgentSetting>& AgentSettings() {
     };
     std::vector<AgentSetting> filled;
     for (const Names& one : all) {
-      filled.push_back({one.accessor, names::SectionName(one.section),
-                        names::EntryName(one.entry),
+      filled.push_back({one.accessor, names::SectionName(one.section), names::EntryName(one.entry),
                         one.entry != names::kEntryNumericOption});
     }
     return filled;
@@ -80,40 +74,35 @@ const AgentSetting& AgentSettingOf(const std::string& accessor) {
 }
 
 Advice AbsentSettingAdvice(const AgentSetting& setting, ModelFile* model) {
-  std::string hint = "add \"" + setting.option + " = ...\" to section [" +
-                     setting.section + "]";
-  const auto near =
-      NearestNames(setting.option, OptionsOf(setting.section, model));
+  std::string hint = "add \"" + setting.option + " = ...\" to section [" + setting.section + "]";
+  const auto near = NearestNames(setting.option, OptionsOf(setting.section, model));
   const auto near_sections = NearestNames(setting.section, model->Sections());
   if (!near.empty()) {
     hint += "; " + Quoted(near.front()) + " there looks like it";
   } else if (!model->HasSection(setting.section) && !near_sections.empty()) {
     hint += "; section " + Quoted(near_sections.front()) + " looks like it";
   }
-  return {"an agent start needs option " + Quoted(setting.option) +
-              " in section " + Quoted(setting.section),
+  return {"an agent start needs option " + Quoted(setting.option) + " in section " +
+              Quoted(setting.section),
           hint};
 }
 
 namespace {
 
-using Decrypt = int(const char* key_file, const char* stored, char* out,
-                    std::size_t capacity);
+using Decrypt = int(const char* key_file, const char* stored, char* out, std::size_t capacity);
 
 int TryWith(Decrypt* decrypt, ModelFile* model) {
   platform::SecretBytes out(platform::kLongestPassword + 1);
   if (out.data() == nullptr) return kDecryptNoCrypto;
   const std::string stored = SettingValue("cr_password", model);
-  return decrypt(KeyFile(model).c_str(), stored.c_str(), out.text(),
-                 out.size());
+  return decrypt(KeyFile(model).c_str(), stored.c_str(), out.text(), out.size());
 }
 
 // With our own code. Only when the platform library gives the same result do
 // its numbers mean what ours do.
 int TryOwnPassword(ModelFile* model) {
   return TryWith(
-      [](const char* key_file, const char* stored, char* out,
-         std::size_t capacity) -> int {
+      [](const char* key_file, const char* stored, char* out, std::size_t capacity) -> int {
         return platform::OpenPassword(key_file, stored, out, capacity);
       },
       model);
@@ -124,8 +113,7 @@ Advice NoKeyFileAdvice(ModelFile* model) {
   const std::string folder = KeyFolder(model);
   const AgentSetting& key_dir = AgentSettingOf("ssl_key_dir");
   const std::string setting = "[" + key_dir.section + "] " + key_dir.option;
-  if (access(file.c_str(), F_OK) == 0 ||
-      (errno != ENOENT && errno != ENOTDIR)) {
+  if (access(file.c_str(), F_OK) == 0 || (errno != ENOENT && errno != ENOTDIR)) {
     return {"key file " + Quoted(file) + " cannot be read",
             "start as the user that the key file and its folder belong to"};
   }
@@ -142,9 +130,7 @@ Advice NoKeyFileAdvice(ModelFile* model) {
 
 }  // namespace
 
-int TryPassword(ModelFile* model) {
-  return TryWith(DecryptPasswdWithKey, model);
-}
+int TryPassword(ModelFile* model) { return TryWith(DecryptPasswdWithKey, model); }
 
 DecryptResult TryKey(ModelFile* model) {
   return platform::SealingKey().Load(KeyFile(model).c_str());
@@ -157,21 +143,20 @@ std::string OpenKeyHint(const std::string& key_file) {
 
 Advice PasswordAdvice(int result, ModelFile* model) {
   if (result == TryOwnPassword(model)) return AdviceOn(result, model);
-  return {"the platform library cannot decrypt the password (result " +
-              std::to_string(result) + ")",
-          "see its documentation; quarry-config --version names the file"};
+  return {
+      "the platform library cannot decrypt the password (result " + std::to_string(result) + ")",
+      "see its documentation; quarry-config --version names the file"};
 }
 
 Advice AdviceOn(int result, ModelFile* model) {
   const std::string file = Quoted(KeyFile(model));
-  const std::string seal = "seal the password and set it again: " +
-                           CommandOn("seal", KeyFolder(model));
+  const std::string seal =
+      "seal the password and set it again: " + CommandOn("seal", KeyFolder(model));
   switch (result) {
     case kDecryptNoKeyFile:
       return NoKeyFileAdvice(model);
     case kDecryptKeyTooOpen:
-      return {"key file " + file + " is open to others",
-              OpenKeyHint(KeyFile(model))};
+      return {"key file " + file + " is open to others", OpenKeyHint(KeyFile(model))};
     case kDecryptNotAKeyFile:
       return {file + " is not a key file",
               "bring back the right one, or make a key in another folder: "

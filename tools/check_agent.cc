@@ -51,8 +51,7 @@ std::vector<Finding> AgentChecker::Check() {
     }
   }
   CheckNumber();
-  if (Has(AgentSettingOf("cr_password")) &&
-      Has(AgentSettingOf("ssl_key_dir"))) {
+  if (Has(AgentSettingOf("cr_password")) && Has(AgentSettingOf("ssl_key_dir"))) {
     CheckPassword();
   }
   return std::move(findings_);
@@ -80,9 +79,8 @@ void AgentChecker::CheckPresence(const AgentSetting& setting) {
     return;
   }
   const ScannedLine& header = section->second.header;
-  findings_.push_back(FindingAt(rules::kSettingAbsent, header,
-                                header.header.name, advice.message,
-                                advice.hint));
+  findings_.push_back(
+      FindingAt(rules::kSettingAbsent, header, header.header.name, advice.message, advice.hint));
 }
 
 void AgentChecker::CheckUnknownOptions(const std::string& section) {
@@ -94,13 +92,11 @@ void AgentChecker::CheckUnknownOptions(const std::string& section) {
   }
   for (const auto& [name, line] : origin->second.options) {
     if (known.count(name) > 0) continue;
-    const auto near =
-        NearestNames(name, std::list<std::string>(known.begin(), known.end()));
-    findings_.push_back(FindingAt(
-        rules::kUnknownSetting, line, line.option.name,
-        rules::kUnknownSetting.meaning,
-        near.empty() ? "keep it in a section of its own"
-                     : "nearest that it takes: " + Quoted(near.front())));
+    const auto near = NearestNames(name, std::list<std::string>(known.begin(), known.end()));
+    findings_.push_back(FindingAt(rules::kUnknownSetting, line, line.option.name,
+                                  rules::kUnknownSetting.meaning,
+                                  near.empty() ? "keep it in a section of its own"
+                                               : "nearest that it takes: " + Quoted(near.front())));
   }
 }
 
@@ -114,19 +110,17 @@ void AgentChecker::CheckNumber() {
   const auto taken = static_cast<std::int32_t>(number);
   const bool whole = !value.empty() && end == value.data() + value.size();
   if (whole && errno == 0 && taken == number) return;
-  findings_.push_back(FindingAt(
-      rules::kNumber, line, line.option.value,
-      (whole ? "number does not fit 32 bits" : "value is not a number") +
-          std::string(": an agent takes ") + std::to_string(taken),
-      "write a number from -2147483648 to 2147483647"));
+  findings_.push_back(FindingAt(rules::kNumber, line, line.option.value,
+                                (whole ? "number does not fit 32 bits" : "value is not a number") +
+                                    std::string(": an agent takes ") + std::to_string(taken),
+                                "write a number from -2147483648 to 2147483647"));
 }
 
 void AgentChecker::CheckPassword() {
   const int result = TryPassword(&model_);
   if (result == kDecryptDone) return;
-  const bool about_key = result == kDecryptNoKeyFile ||
-                         result == kDecryptKeyTooOpen ||
-                         result == kDecryptNotAKeyFile;
+  const bool about_key =
+      result == kDecryptNoKeyFile || result == kDecryptKeyTooOpen || result == kDecryptNotAKeyFile;
   const Advice advice = PasswordAdvice(result, &model_);
   if (about_key) return AddKeyFile(advice);
   AddPassword(advice);
@@ -139,20 +133,19 @@ void AgentChecker::CheckPassword() {
 
 void AgentChecker::AddPassword(const Advice& advice) {
   const ScannedLine& line = LineOf("cr_password");
-  findings_.push_back(FindingAt(rules::kPassword, line, line.option.value,
-                                advice.message, advice.hint));
+  findings_.push_back(
+      FindingAt(rules::kPassword, line, line.option.value, advice.message, advice.hint));
 }
 
 void AgentChecker::AddKeyFile(const Advice& advice) {
   const ScannedLine& line = LineOf("ssl_key_dir");
-  findings_.push_back(FindingAt(rules::kKeyFile, line, line.option.value,
-                                advice.message, advice.hint));
+  findings_.push_back(
+      FindingAt(rules::kKeyFile, line, line.option.value, advice.message, advice.hint));
 }
 
 }  // namespace
 
-std::vector<Finding> CheckAgent(const std::string& text,
-                                const std::string& file) {
+std::vector<Finding> CheckAgent(const std::string& text, const std::string& file) {
   return AgentChecker(text, file).Check();
 }
 

@@ -13,8 +13,7 @@ namespace quarry::tool {
 // or key that cannot be used. Warnings: options beside the settings that a
 // start does not know, a number that it would not take as it is written. The
 // text must be valid. Findings point into `text`.
-std::vector<Finding> CheckAgent(const std::string& text,
-                                const std::string& file);
+std::vector<Finding> CheckAgent(const std::string& text, const std::string& file);
 
 }  // namespace quarry::tool
 

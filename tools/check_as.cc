@@ -14,8 +14,7 @@ std::vector<Finding> CheckAs(const std::string& text, const std::string& file,
   std::vector<Finding> findings = CheckText(text, file);
   // What an invalid file holds cannot be told.
   if (as.empty() || HasErrors(findings)) return findings;
-  const std::vector<Finding> more =
-      as == "agent" ? CheckAgent(text, file) : CheckClient(text);
+  const std::vector<Finding> more = as == "agent" ? CheckAgent(text, file) : CheckClient(text);
   findings.insert(findings.end(), more.begin(), more.end());
   SortFindings(&findings);
   return findings;
@@ -26,8 +25,7 @@ bool HasErrors(const std::vector<Finding>& findings) {
                      [](const Finding& one) { return one.IsError(); });
 }
 
-void WriteFindings(const std::vector<Finding>& findings,
-                   const std::string& file) {
+void WriteFindings(const std::vector<Finding>& findings, const std::string& file) {
   std::string report;
   for (const Finding& finding : findings) {
     report += FindingReport(finding, file, ColoursOnStandardError());

@@ -17,8 +17,7 @@ std::vector<Finding> CheckAs(const std::string& text, const std::string& file,
 bool HasErrors(const std::vector<Finding>& findings);
 
 // To standard error, with colours where they are fit.
-void WriteFindings(const std::vector<Finding>& findings,
-                   const std::string& file);
+void WriteFindings(const std::vector<Finding>& findings, const std::string& file);
 
 }  // namespace quarry::tool
 

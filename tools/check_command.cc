@@ -19,9 +19,9 @@ struct Totals {
   std::size_t unreadable = 0;  // not among the files
 
   void Count(const std::vector<Finding>& findings) {
-    const auto count = static_cast<std::size_t>(std::count_if(
-        findings.begin(), findings.end(),
-        [](const Finding& finding) { return finding.IsError(); }));
+    const auto count = static_cast<std::size_t>(
+        std::count_if(findings.begin(), findings.end(),
+                      [](const Finding& finding) { return finding.IsError(); }));
     ++files;
     errors += count;
     warnings += findings.size() - count;
@@ -34,9 +34,8 @@ std::string Counted(std::size_t count, const std::string& noun) {
 
 // "2 files, no errors" or "1 file, 2 errors, 1 warning".
 std::string Summary(const Totals& totals) {
-  std::string text =
-      Counted(totals.files, "file") + ", " +
-      (totals.errors == 0 ? "no errors" : Counted(totals.errors, "error"));
+  std::string text = Counted(totals.files, "file") + ", " +
+                     (totals.errors == 0 ? "no errors" : Counted(totals.errors, "error"));
   if (totals.unreadable > 0) {
     text += ", " + std::to_string(totals.unreadable) + " not read";
   }

@@ -28,10 +28,8 @@ struct Columns {
 
 Columns ColumnsOf(const Finding& finding) {
   const std::string line = SafeLineOf(finding);
-  const std::size_t before =
-      CountCharacters(line.substr(0, finding.column - 1));
-  const std::size_t length =
-      CountCharacters(line.substr(finding.column - 1, finding.length));
+  const std::size_t before = CountCharacters(line.substr(0, finding.column - 1));
+  const std::size_t length = CountCharacters(line.substr(finding.column - 1, finding.length));
   return {before + 1, before + 1 + length};
 }
 
@@ -57,19 +55,16 @@ std::string NameForReview(const std::string& file) {
 
 class TextReport : public CheckReport {
  public:
-  void AddFile(const std::string& file,
-               const std::vector<Finding>& findings) override {
+  void AddFile(const std::string& file, const std::vector<Finding>& findings) override {
     WriteFindings(findings, file);
   }
-  void AddUnreadable(const std::string& /*file*/,
-                     const ToolError& /*error*/) override {}
+  void AddUnreadable(const std::string& /*file*/, const ToolError& /*error*/) override {}
   void Finish() override {}
 };
 
 class JsonReport : public CheckReport {
  public:
-  void AddFile(const std::string& file,
-               const std::vector<Finding>& findings) override {
+  void AddFile(const std::string& file, const std::vector<Finding>& findings) override {
     auto array = Json::array();
     for (const Finding& finding : findings) {
       array.push_back({{"severity", LevelOf(*finding.rule)},
@@ -85,9 +80,7 @@ class JsonReport : public CheckReport {
   void AddUnreadable(const std::string& file, const ToolError& error) override {
     Add(file, "error", error.message());
   }
-  void Finish() override {
-    WriteStandardOutput(JsonText({{"schema", 1}, {"files", files_}}));
-  }
+  void Finish() override { WriteStandardOutput(JsonText({{"schema", 1}, {"files", files_}})); }
 
  private:
   void Add(const std::string& file, const char* key, Json value) {
@@ -102,8 +95,7 @@ class JsonReport : public CheckReport {
 
 class SarifReport : public CheckReport {
  public:
-  void AddFile(const std::string& file,
-               const std::vector<Finding>& findings) override {
+  void AddFile(const std::string& file, const std::vector<Finding>& findings) override {
     for (const Finding& finding : findings) {
       AddRule(*finding.rule);
       const std::string hint = finding.hint.empty() ? "" : "\n" + finding.hint;
@@ -118,38 +110,32 @@ class SarifReport : public CheckReport {
     failures_.push_back(
         {{"level", "error"},
          {"message", Message(error.message())},
-         {"locations",
-          {{{"physicalLocation", {{"artifactLocation", ArtifactOf(file)}}}}}}});
+         {"locations", {{{"physicalLocation", {{"artifactLocation", ArtifactOf(file)}}}}}}});
   }
 
   void Finish() override {
-    const Json driver = {{"name", "quarry-config"},
-                         {"version", ProgramVersion()},
-                         {"rules", rules_}};
+    const Json driver = {
+        {"name", "quarry-config"}, {"version", ProgramVersion()}, {"rules", rules_}};
     const Json invocation = {{"executionSuccessful", failures_.empty()},
                              {"toolExecutionNotifications", failures_}};
     const Json run = {{"tool", {{"driver", driver}}},
                       {"columnKind", "unicodeCodePoints"},
                       {"invocations", {invocation}},
                       {"results", results_}};
-    WriteStandardOutput(
-        JsonText({{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
-                  {"version", "2.1.0"},
-                  {"runs", {run}}}));
+    WriteStandardOutput(JsonText({{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
+                                  {"version", "2.1.0"},
+                                  {"runs", {run}}}));
   }
 
  private:
   // A path as a reference to a file: relative ones stay so.
   static Json ArtifactOf(const std::string& file) {
-    const std::string path =
-        std::filesystem::path(NameForReview(file)).lexically_normal().string();
+    const std::string path = std::filesystem::path(NameForReview(file)).lexically_normal().string();
     const auto kept = [](char c) {
       return std::string_view("/._-~").find(c) != std::string_view::npos ||
-             (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
-             (c >= 'a' && c <= 'z');
+             (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
     };
-    return {{"uri", (path.substr(0, 1) == "/" ? "file://" : "") +
-                        PercentEncoded(path, kept)}};
+    return {{"uri", (path.substr(0, 1) == "/" ? "file://" : "") + PercentEncoded(path, kept)}};
   }
 
   static Json LocationOf(const std::string& file, const Finding& finding) {
@@ -157,12 +143,10 @@ class SarifReport : public CheckReport {
     Json region = {{"startLine", 1}};
     if (finding.line != 0) {
       const Columns columns = ColumnsOf(finding);
-      region = {{"startLine", finding.line},
-                {"startColumn", columns.begin},
-                {"endColumn", columns.end}};
+      region = {
+          {"startLine", finding.line}, {"startColumn", columns.begin}, {"endColumn", columns.end}};
     }
-    return {{"physicalLocation",
-             {{"artifactLocation", ArtifactOf(file)}, {"region", region}}}};
+    return {{"physicalLocation", {{"artifactLocation", ArtifactOf(file)}, {"region", region}}}};
   }
 
   void AddRule(const Rule& rule) {
@@ -201,14 +185,12 @@ class SarifReport : public CheckReport {
 
 class GithubReport : public CheckReport {
  public:
-  void AddFile(const std::string& file,
-               const std::vector<Finding>& findings) override {
+  void AddFile(const std::string& file, const std::vector<Finding>& findings) override {
     for (const Finding& finding : findings) {
       std::string place;
       if (finding.line != 0) {
         const Columns columns = ColumnsOf(finding);
-        place = ",line=" + std::to_string(finding.line) +
-                ",col=" + std::to_string(columns.begin) +
+        place = ",line=" + std::to_string(finding.line) + ",col=" + std::to_string(columns.begin) +
                 ",endColumn=" + std::to_string(columns.end);
       }
       place += std::string(",title=") + finding.rule->name;
@@ -224,14 +206,12 @@ class GithubReport : public CheckReport {
  private:
   void Add(const char* level, const std::string& file, const std::string& place,
            const std::string& message) {
-    const auto kept_in_text = [](char c) {
-      return c != '%' && c != '\r' && c != '\n';
-    };
+    const auto kept_in_text = [](char c) { return c != '%' && c != '\r' && c != '\n'; };
     const auto kept_in_property = [](char c) {
       return c != '%' && c != '\r' && c != '\n' && c != ':' && c != ',';
     };
-    commands_ += std::string("::") + level + " file=" +
-                 PercentEncoded(NameForReview(file), kept_in_property) + place +
+    commands_ += std::string("::") + level +
+                 " file=" + PercentEncoded(NameForReview(file), kept_in_property) + place +
                  "::" + PercentEncoded(message, kept_in_text) + '\n';
   }
 

@@ -17,10 +17,8 @@ class CheckReport {
  public:
   virtual ~CheckReport() = default;
 
-  virtual void AddFile(const std::string& file,
-                       const std::vector<Finding>& findings) = 0;
-  virtual void AddUnreadable(const std::string& file,
-                             const ToolError& error) = 0;
+  virtual void AddFile(const std::string& file, const std::vector<Finding>& findings) = 0;
+  virtual void AddUnreadable(const std::string& file, const ToolError& error) = 0;
   virtual void Finish() = 0;
 };
 

@@ -30,16 +30,14 @@ std::string MissingEqualsHint(std::string_view line) {
   const std::size_t name_end = line.find_first_of(" \t:\r");
   const std::size_t value_begin = line.find_first_not_of(" \t:\r", name_end);
   std::string example = "NAME = VALUE";
-  const bool shown = line.size() <= kLongestExample &&
-                     line.find('"') == std::string_view::npos &&
+  const bool shown = line.size() <= kLongestExample && line.find('"') == std::string_view::npos &&
                      FindSecret(line) == std::string_view::npos;
   if (shown && value_begin != std::string_view::npos && name_end != 0) {
     const std::size_t value_end = line.find_last_not_of(" \t\r") + 1;
     example = std::string(line.substr(0, name_end)) + " = " +
               std::string(line.substr(value_begin, value_end - value_begin));
   }
-  return "write \"" + Shown(example) +
-         "\", or put \"#\" first to make it a comment";
+  return "write \"" + Shown(example) + "\", or put \"#\" first to make it a comment";
 }
 
 // Where in a value a comment seems to begin that is none: " # x", or "# x" as
@@ -79,10 +77,9 @@ class Checker {
   void WarnOfValue(const ScannedLine& line);
 
   // Adds a finding about `part`, a view into the line.
-  void Add(const Rule& rule, const ScannedLine& line, std::string_view part,
+  void Add(const Rule& rule, const ScannedLine& line, std::string_view part, std::string hint);
+  void Add(const Rule& rule, const ScannedLine& line, std::string_view part, std::string message,
            std::string hint);
-  void Add(const Rule& rule, const ScannedLine& line, std::string_view part,
-           std::string message, std::string hint);
 
   const std::string file_;
   std::vector<Finding> findings_;
@@ -130,8 +127,7 @@ void Checker::CheckHeader(const ScannedLine& line) {
   EnterSection(line);
   const std::string_view name = line.header.name;
   if (IsBlank(name.front()) || IsBlank(name.back())) {
-    Add(rules::kBlanksInSectionName, line, name,
-        "write the name next to the brackets");
+    Add(rules::kBlanksInSectionName, line, name, "write the name next to the brackets");
   }
 }
 
@@ -139,8 +135,7 @@ void Checker::CheckHeaderFault(const ScannedLine& line) {
   const std::string_view at = line.text.substr(line.header.offset);
   switch (line.header.fault) {
     case LineFault::kHeaderNotClosed:
-      return Add(rules::kHeaderNotClosed, line, at,
-                 "add \"]\" after the section name");
+      return Add(rules::kHeaderNotClosed, line, at, "add \"]\" after the section name");
     case LineFault::kSectionNameEmpty:
       return Add(rules::kSectionNameEmpty, line, at.substr(0, 1),
                  "write a name between \"[\" and \"]\"");
@@ -155,8 +150,7 @@ void Checker::EnterSection(const ScannedLine& line) {
   section_ = &sections_[std::string(line.header.name)];
   if (section_->comment_line != 0) {
     Add(rules::kSectionAgain, line, line.header.name,
-        "section again: its comment above line " +
-            std::to_string(section_->header_line) +
+        "section again: its comment above line " + std::to_string(section_->header_line) +
             " is dropped when a program saves this file",
         "keep one header for the section, with one comment");
   }
@@ -177,12 +171,10 @@ void Checker::CheckOption(const ScannedLine& line) {
 
 void Checker::CheckOptionFault(const ScannedLine& line) {
   // Never empty: a line of blanks is no option line.
-  const std::string_view text =
-      line.text.substr(0, line.text.find_last_not_of(" \t\r") + 1);
+  const std::string_view text = line.text.substr(0, line.text.find_last_not_of(" \t\r") + 1);
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
     if (IsMarkedHeader(text)) EnterNamelessSection();
-    return Add(rules::kByteOrderMark, line,
-               text.substr(0, kByteOrderMark.size()),
+    return Add(rules::kByteOrderMark, line, text.substr(0, kByteOrderMark.size()),
                "save the file without it");
   }
   switch (line.option.fault) {
@@ -191,8 +183,7 @@ void Checker::CheckOptionFault(const ScannedLine& line) {
     case LineFault::kNoEquals:
       return Add(rules::kNoEquals, line, text, MissingEqualsHint(text));
     default:
-      return Add(rules::kOptionNameEmpty, line, text.substr(0, 1),
-                 "write a name before the \"=\"");
+      return Add(rules::kOptionNameEmpty, line, text.substr(0, 1), "write a name before the \"=\"");
   }
 }
 
@@ -200,8 +191,7 @@ void Checker::WarnOfRepeatedOption(const ScannedLine& line) {
   std::size_t& stands_in = section_->options[std::string(line.option.name)];
   if (stands_in != 0) {
     Add(rules::kOptionAgain, line, line.option.name,
-        "option again: overrides line " + std::to_string(stands_in),
-        "keep one of the two lines");
+        "option again: overrides line " + std::to_string(stands_in), "keep one of the two lines");
   }
   stands_in = line.number;
 }
@@ -210,8 +200,7 @@ void Checker::WarnOfValue(const ScannedLine& line) {
   const std::string_view value = line.option.value;
   if (value.empty()) return;
   if (value.find_first_not_of(" \t") == std::string_view::npos) {
-    return Add(rules::kBlankValue, line, value,
-               "for an empty value write nothing after the \"=\"");
+    return Add(rules::kBlankValue, line, value, "for an empty value write nothing after the \"=\"");
   }
   const std::size_t mark = FindSeemingComment(value);
   if (mark != std::string_view::npos) {
@@ -224,16 +213,14 @@ void Checker::WarnOfValue(const ScannedLine& line) {
   }
 }
 
-void Checker::Add(const Rule& rule, const ScannedLine& line,
-                  std::string_view part, std::string hint) {
+void Checker::Add(const Rule& rule, const ScannedLine& line, std::string_view part,
+                  std::string hint) {
   Add(rule, line, part, rule.meaning, std::move(hint));
 }
 
-void Checker::Add(const Rule& rule, const ScannedLine& line,
-                  std::string_view part, std::string message,
-                  std::string hint) {
-  findings_.push_back(
-      FindingAt(rule, line, part, std::move(message), std::move(hint)));
+void Checker::Add(const Rule& rule, const ScannedLine& line, std::string_view part,
+                  std::string message, std::string hint) {
+  findings_.push_back(FindingAt(rule, line, part, std::move(message), std::move(hint)));
 }
 
 }  // namespace
@@ -242,9 +229,8 @@ std::vector<Finding> CheckText(std::string_view text, const std::string& file) {
   return Checker(file == "-" ? "FILE" : ShellQuotedFile(file)).Check(text);
 }
 
-Finding FindingAt(const Rule& rule, const ScannedLine& line,
-                  std::string_view part, std::string message,
-                  std::string hint) {
+Finding FindingAt(const Rule& rule, const ScannedLine& line, std::string_view part,
+                  std::string message, std::string hint) {
   auto begin = static_cast<std::size_t>(part.data() - line.raw.data());
   std::size_t end = begin + part.size();
   // Of a password neither the text nor the length is told.
@@ -253,16 +239,14 @@ Finding FindingAt(const Rule& rule, const ScannedLine& line,
     begin = std::min(begin, secret);
     end = secret + sizeof kMask - 1;
   }
-  return {&rule,       line.number,        begin + 1,
-          end - begin, std::move(message), std::move(hint),
-          line.raw};
+  return {&rule,           line.number, begin + 1, end - begin, std::move(message),
+          std::move(hint), line.raw};
 }
 
 void SortFindings(std::vector<Finding>* findings) {
   std::stable_sort(findings->begin(), findings->end(),
                    [](const Finding& left, const Finding& right) {
-                     return std::tie(left.line, left.column) <
-                            std::tie(right.line, right.column);
+                     return std::tie(left.line, left.column) < std::tie(right.line, right.column);
                    });
 }
 
@@ -272,29 +256,24 @@ std::string SafeLineOf(const Finding& finding) {
   return std::string(finding.line_text.substr(0, secret)) + kMask;
 }
 
-std::string FindingReport(const Finding& finding, const std::string& file,
-                          bool coloured) {
+std::string FindingReport(const Finding& finding, const std::string& file, bool coloured) {
   const auto paint = [coloured](const char* code, const std::string& text) {
-    return coloured ? "\x1b[" + std::string(code) + 'm' + text + "\x1b[0m"
-                    : text;
+    return coloured ? "\x1b[" + std::string(code) + 'm' + text + "\x1b[0m" : text;
   };
   const bool warning = !finding.IsError();
   const char* const colour = warning ? "1;35" : "1;31";  // magenta, red
   const std::string number = std::to_string(finding.line);
   std::string place = DisplayName(file) + ": ";
   if (finding.line != 0) {
-    place.insert(place.size() - 1,
-                 number + ':' + std::to_string(finding.column) + ':');
+    place.insert(place.size() - 1, number + ':' + std::to_string(finding.column) + ':');
   }
   std::string report = "quarry-config: " + paint("1", place);
   if (warning) report += paint(colour, "warning: ");
   report += (warning ? finding.message : paint(colour, finding.message)) + '\n';
   if (finding.line != 0) {
-    const Excerpt excerpt =
-        ExcerptOf(SafeLineOf(finding), finding.column - 1, finding.length);
-    report += "  " + number + " | " + excerpt.line + "\n  " +
-              std::string(number.size(), ' ') + " | " +
-              paint(colour, excerpt.marks) + '\n';
+    const Excerpt excerpt = ExcerptOf(SafeLineOf(finding), finding.column - 1, finding.length);
+    report += "  " + number + " | " + excerpt.line + "\n  " + std::string(number.size(), ' ') +
+              " | " + paint(colour, excerpt.marks) + '\n';
   }
   if (!finding.hint.empty()) report += "  hint: " + finding.hint + '\n';
   return report;

@@ -25,8 +25,8 @@ struct Finding {
 };
 
 // A finding about `part`, which is a view into the line.
-Finding FindingAt(const Rule& rule, const ScannedLine& line,
-                  std::string_view part, std::string message, std::string hint);
+Finding FindingAt(const Rule& rule, const ScannedLine& line, std::string_view part,
+                  std::string message, std::string hint);
 
 // By lines, then columns.
 void SortFindings(std::vector<Finding>* findings);
@@ -45,8 +45,7 @@ std::string SafeLineOf(const Finding& finding);
 //     14 | threads 4
 //        | ^~~~~~~~~
 //     hint: write "threads = 4"
-std::string FindingReport(const Finding& finding, const std::string& file,
-                          bool coloured);
+std::string FindingReport(const Finding& finding, const std::string& file, bool coloured);
 
 }  // namespace quarry::tool
 

@@ -17,8 +17,7 @@ enum class Comments { kCompared, kIgnored };
 // Whether two models hold the same sections, in the same order, and the same
 // options and values, with their comments if these count. Of a section beyond
 // the first `old_sections` the comment does not count.
-bool IsSameModel(ModelFile* left, ModelFile* right, Comments comments,
-                 std::size_t old_sections);
+bool IsSameModel(ModelFile* left, ModelFile* right, Comments comments, std::size_t old_sections);
 
 struct EditedText {
   std::string before;
@@ -31,9 +30,8 @@ struct EditedText {
 // absent, and when the edited text reads otherwise than it should.
 EditedText WithSettings(const std::string& file, std::string text,
                         const std::vector<Setting>& settings);
-EditedText WithoutOption(const std::string& file, std::string text,
-                         const std::string& section, const std::string& option,
-                         bool with_comment);
+EditedText WithoutOption(const std::string& file, std::string text, const std::string& section,
+                         const std::string& option, bool with_comment);
 
 }  // namespace quarry::tool
 

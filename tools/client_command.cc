@@ -12,8 +12,7 @@ int RunClient(const ClientRequest& request) {
   ::storage::config::ClientCfg cfg;
   (void)cfg.SetCfg(model.text());
   if (!request.json) {
-    WriteStandardOutput(std::string("ingest_mode = ") +
-                        (cfg.ingest_mode_on_ ? "on\n" : "off\n"));
+    WriteStandardOutput(std::string("ingest_mode = ") + (cfg.ingest_mode_on_ ? "on\n" : "off\n"));
     return kExitDone;
   }
   nlohmann::ordered_json document;

@@ -14,7 +14,7 @@ struct CheckRequest {
   std::vector<std::string> files;
   bool strict = false;          // warnings count as errors
   std::string format = "text";  // as of MakeCheckReport
-  std::string as;  // "agent", "client": also what that program would take
+  std::string as;               // "agent", "client": also what that program would take
 };
 int RunCheck(const CheckRequest& request);
 

@@ -29,8 +29,7 @@ const OptionMap& OptionsOf(const std::string& section, ModelFile* model) {
   return model->HasSection(section) ? model->Record(section).option_map : kNone;
 }
 
-std::optional<std::string> ValueIn(const OptionMap& options,
-                                   const std::string& name) {
+std::optional<std::string> ValueIn(const OptionMap& options, const std::string& name) {
   const auto found = options.find(name);
   if (found == options.end()) return std::nullopt;
   return found->second.value;
@@ -61,8 +60,7 @@ std::vector<Difference> Comparison::Compare() {
 
 void Comparison::CompareSection(const std::string& section) {
   const auto side = [&section](ModelFile* model) {
-    return model->HasSection(section) ? std::optional<std::string>("")
-                                      : std::nullopt;
+    return model->HasSection(section) ? std::optional<std::string>("") : std::nullopt;
   };
   const auto left = side(left_);
   const auto right = side(right_);
@@ -74,8 +72,7 @@ void Comparison::CompareSection(const std::string& section) {
   }
 }
 
-void Comparison::CompareOption(const std::string& section,
-                               const std::string& option) {
+void Comparison::CompareOption(const std::string& section, const std::string& option) {
   const auto left = ValueIn(OptionsOf(section, left_), option);
   const auto right = ValueIn(OptionsOf(section, right_), option);
   if (left != right) differences_.push_back({section, option, left, right});
@@ -108,8 +105,7 @@ std::string DifferencesJson(const DiffRequest& request,
     nlohmann::ordered_json entry;
     AddText(&entry, "section", one.section);
     if (one.option) AddText(&entry, "option", *one.option);
-    const auto add = [&](const char* key,
-                         const std::optional<std::string>& value) {
+    const auto add = [&](const char* key, const std::optional<std::string>& value) {
       if (!one.option) {
         entry[key] = value.has_value();
       } else if (value) {
@@ -129,9 +125,8 @@ std::string DifferencesJson(const DiffRequest& request,
 
 int RunDiff(const DiffRequest& request) {
   if (request.left == "-" && request.right == "-") {
-    throw ToolError(kExitUsage,
-                    ErrorReport("standard input cannot be both files",
-                                "give the name of one of them"));
+    throw ToolError(kExitUsage, ErrorReport("standard input cannot be both files",
+                                            "give the name of one of them"));
   }
   ModelFile left(request.left);
   ModelFile right(request.right);

@@ -19,9 +19,7 @@ struct Character {
   char32_t code;
 };
 
-bool IsContinuation(char c) {
-  return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
-}
+bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }
 
 // The length that the first byte of a character announces; 0 for none.
 std::size_t AnnouncedLength(unsigned char lead) {
@@ -50,8 +48,7 @@ Character FirstCharacter(std::string_view text) {
 // `at`, or up to three bytes less when a character would be cut there.
 std::size_t CharacterStart(std::string_view text, std::size_t at) {
   for (std::size_t back = 0; back < 4 && back <= at; ++back) {
-    const bool inside =
-        at - back < text.size() && IsContinuation(text[at - back]);
+    const bool inside = at - back < text.size() && IsContinuation(text[at - back]);
     if (!inside) return at - back;
   }
   return at;
@@ -60,9 +57,8 @@ std::size_t CharacterStart(std::string_view text, std::size_t at) {
 bool IsHarmless(char32_t code) {
   if (code < 0x20 || (code >= 0x7F && code < 0xA0)) return false;
   // Line and paragraph separators, embeddings, overrides, isolates.
-  const bool reorders = (code >= 0x2028 && code <= 0x202E) ||
-                        (code >= 0x2066 && code <= 0x2069) || code == 0xFEFF ||
-                        code == 0x200E || code == 0x200F;
+  const bool reorders = (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) ||
+                        code == 0xFEFF || code == 0x200E || code == 0x200F;
   return !reorders;
 }
 
@@ -163,8 +159,7 @@ std::string ShellQuotedFile(const std::string& file) {
   return ShellQuoted(file.substr(0, 1) == "-" ? "./" + file : file);
 }
 
-Excerpt ExcerptOf(std::string_view line, std::size_t offset,
-                  std::size_t length) {
+Excerpt ExcerptOf(std::string_view line, std::size_t offset, std::size_t length) {
   std::size_t begin = 0;
   std::size_t end = line.size();
   if (line.size() > kLongestLine) {
@@ -178,9 +173,8 @@ Excerpt ExcerptOf(std::string_view line, std::size_t offset,
   Excerpt excerpt;
   if (begin > 0) excerpt = {"...", "   "};
   for (std::size_t at = begin; at < end;) {
-    const Piece piece = line[at] == '\t'
-                            ? Piece{"\t", 1, 1}
-                            : FirstPiece(line.substr(at, end - at));
+    const Piece piece =
+        line[at] == '\t' ? Piece{"\t", 1, 1} : FirstPiece(line.substr(at, end - at));
     excerpt.line += piece.shown;
     if (at < offset) {
       excerpt.marks.append(piece.columns, line[at] == '\t' ? '\t' : ' ');

@@ -33,8 +33,7 @@ struct Excerpt {
   std::string line;
   std::string marks;
 };
-Excerpt ExcerptOf(std::string_view line, std::size_t offset,
-                  std::size_t length);
+Excerpt ExcerptOf(std::string_view line, std::size_t offset, std::size_t length);
 
 }  // namespace quarry::tool
 

@@ -16,8 +16,7 @@ namespace {
 
 std::string DumpOf(const DumpRequest& request) {
   ModelFile model(request.file);
-  return request.json ? ModelJson(model.Sections(), false, &model)
-                      : model.DumpText();
+  return request.json ? ModelJson(model.Sections(), false, &model) : model.DumpText();
 }
 
 // A copy of what others may not read they may not read either.

@@ -49,8 +49,7 @@ void EditSession::Run() {
     text = copy_.Read();
     if (text == file_.text()) copy_.Discard();
     if (!ended_well) {
-      ThrowNotSaved(kExitFailed, "the editor failed",
-                    "VISUAL and EDITOR say which one to run");
+      ThrowNotSaved(kExitFailed, "the editor failed", "VISUAL and EDITOR say which one to run");
     }
     if (text == file_.text()) {
       WriteStandardError("quarry-config: nothing was changed\n");
@@ -70,8 +69,8 @@ void EditSession::AskWhetherToEditAgain() {
   if (isatty(STDIN_FILENO) != 1) ThrowNotSaved(kExitNo, kInvalid);
   for (;;) {
     // Who ends the program here knows where the text is.
-    WriteStandardError("quarry-config: " + std::string(kInvalid) + " (" +
-                       copy_.Place() + "): (e)dit again or (d)iscard it? ");
+    WriteStandardError("quarry-config: " + std::string(kInvalid) + " (" + copy_.Place() +
+                       "): (e)dit again or (d)iscard it? ");
     std::string answer;
     if (!std::getline(std::cin, answer)) ThrowNotSaved(kExitNo, kInvalid);
     if (answer == "e" || answer == "E") return;
@@ -85,18 +84,16 @@ void EditSession::AskWhetherToEditAgain() {
 
 int RunEdit(const EditRequest& request) {
   if (request.file == "-") {
-    throw ToolError(kExitUsage,
-                    ErrorReport("an editor needs a file, not standard input",
-                                "quarry-config set - edits it"));
+    throw ToolError(kExitUsage, ErrorReport("an editor needs a file, not standard input",
+                                            "quarry-config set - edits it"));
   }
   EditSession session(request);
   try {
     session.Run();
   } catch (const ToolError& error) {
     if (session.copy()->is_discarded()) throw;
-    throw ToolError(error.exit_status(),
-                    error.report() + "  hint: the edited text is kept in " +
-                        session.copy()->Place() + '\n');
+    throw ToolError(error.exit_status(), error.report() + "  hint: the edited text is kept in " +
+                                             session.copy()->Place() + '\n');
   }
   return kExitDone;
 }

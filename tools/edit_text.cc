@@ -27,8 +27,7 @@ bool IsBlankOnly(std::string_view text) {
 }
 
 [[noreturn]] void Refuse(const std::string& what, const std::string& reason) {
-  throw ToolError(kExitNo,
-                  ErrorReport(what + " would not be read back: " + reason));
+  throw ToolError(kExitNo, ErrorReport(what + " would not be read back: " + reason));
 }
 
 void DemandNoByte(const std::string& what, std::string_view text, char byte,
@@ -53,8 +52,7 @@ void DemandOptionName(std::string_view name) {
   if (name.empty()) Refuse(what, "it is empty");
   DemandOneLine(what, name);
   DemandNoByte(what, name, '=', "it holds a \"=\", where a name ends");
-  if (WithoutLeadingBlanks(name).size() != name.size() ||
-      Trimmed(name).size() != name.size()) {
+  if (WithoutLeadingBlanks(name).size() != name.size() || Trimmed(name).size() != name.size()) {
     Refuse(what, "blanks at its ends do not count");
   }
   switch (KindOf(name)) {
@@ -83,8 +81,7 @@ struct Looks {
 };
 
 Looks LooksOf(const ScannedLine& line) {
-  const auto name_begin =
-      static_cast<std::size_t>(line.option.name.data() - line.raw.data());
+  const auto name_begin = static_cast<std::size_t>(line.option.name.data() - line.raw.data());
   const std::size_t equals = line.raw.find('=', name_begin);
   const std::size_t name_end = name_begin + line.option.name.size();
   Looks looks = {std::string(line.raw.substr(0, name_begin)),
@@ -92,8 +89,7 @@ Looks LooksOf(const ScannedLine& line) {
   if (IsBlankOnly(line.option.value)) {
     if (!looks.before_equals.empty()) looks.after_equals = " ";
   } else {
-    const auto value_begin =
-        static_cast<std::size_t>(line.option.value.data() - line.raw.data());
+    const auto value_begin = static_cast<std::size_t>(line.option.value.data() - line.raw.data());
     looks.after_equals = line.raw.substr(equals + 1, value_begin - equals - 1);
   }
   if (!IsBlankOnly(looks.indentation)) looks.indentation.clear();
@@ -120,8 +116,7 @@ std::string WithValue(const ScannedLine& line, const std::string& value) {
            std::string(line.raw.substr(begin + old.size()));
   }
   const std::size_t equals = line.raw.rfind('=', begin - 1);
-  return std::string(line.raw.substr(0, equals)) +
-         EqualsAndValue(LooksOf(line), value);
+  return std::string(line.raw.substr(0, equals)) + EqualsAndValue(LooksOf(line), value);
 }
 
 // A section that settings name.
@@ -144,8 +139,7 @@ class SettingEditor {
   void ScanOption(const ScannedLine& line);
   void Set(const Setting& setting);
   void AddLines();
-  void AddSection(const EditedSection& section,
-                  std::vector<std::string>* end) const;
+  void AddSection(const EditedSection& section, std::vector<std::string>* end) const;
 
   const std::vector<Setting>& settings_;
   std::map<std::string, EditedSection, StringCaseCmp> sections_;
@@ -156,8 +150,7 @@ class SettingEditor {
   TextEdit edit_;
 };
 
-SettingEditor::SettingEditor(const std::vector<Setting>& settings)
-    : settings_(settings) {
+SettingEditor::SettingEditor(const std::vector<Setting>& settings) : settings_(settings) {
   for (const Setting& setting : settings) {
     EditedSection& section = sections_[setting.section];
     section.options[setting.option];
@@ -171,10 +164,9 @@ TextEdit SettingEditor::Edit(std::string_view text) {
   Scan(text);
   for (const Setting& setting : settings_) Set(setting);
   AddLines();
-  std::stable_sort(edit_.begin(), edit_.end(),
-                   [](const LineEdit& left, const LineEdit& right) {
-                     return left.line < right.line;
-                   });
+  std::stable_sort(edit_.begin(), edit_.end(), [](const LineEdit& left, const LineEdit& right) {
+    return left.line < right.line;
+  });
   return std::move(edit_);
 }
 
@@ -204,8 +196,7 @@ void SettingEditor::Set(const Setting& setting) {
   if (line.number == 0) {
     const bool after_option = section.last.kind == LineKind::kOption;
     const ScannedLine& like = after_option ? section.last : first_option_;
-    section.added.push_back(
-        OptionText(setting, like.number == 0 ? Looks() : LooksOf(like)));
+    section.added.push_back(OptionText(setting, like.number == 0 ? Looks() : LooksOf(like)));
   } else if (line.option.value != setting.value) {
     edit_.push_back({line.number, 1, {WithValue(line, setting.value)}});
   }
@@ -223,8 +214,7 @@ void SettingEditor::AddLines() {
   if (!end.empty()) edit_.push_back({last_line_.number + 1, 0, end});
 }
 
-void SettingEditor::AddSection(const EditedSection& section,
-                               std::vector<std::string>* end) const {
+void SettingEditor::AddSection(const EditedSection& section, std::vector<std::string>* end) const {
   const bool stands_apart =  // or first of all
       end->empty() && last_line_.kind == LineKind::kBlank;
   if (!stands_apart) end->emplace_back();
@@ -250,9 +240,7 @@ std::string Applied(std::string_view text, const TextEdit& edit) {
     ++line;
     return taken;
   };
-  const auto put_line = [&result](std::string_view whole) {
-    result.append(whole).append(1, '\n');
-  };
+  const auto put_line = [&result](std::string_view whole) { result.append(whole).append(1, '\n'); };
   for (const LineEdit& one : edit) {
     while (line < one.line) put_line(take_line());
     for (std::size_t i = 0; i < one.removed; ++i) take_line();
@@ -272,13 +260,12 @@ void DemandReadable(const Setting& setting) {
   DemandValue(setting.value);
 }
 
-TextEdit SetOptions(std::string_view text,
-                    const std::vector<Setting>& settings) {
+TextEdit SetOptions(std::string_view text, const std::vector<Setting>& settings) {
   return SettingEditor(settings).Edit(text);
 }
 
-TextEdit UnsetOption(std::string_view text, const std::string& section,
-                     const std::string& option, bool with_comment) {
+TextEdit UnsetOption(std::string_view text, const std::string& section, const std::string& option,
+                     bool with_comment) {
   TextEdit edit;
   bool in_section = false;
   std::size_t comment_begin = 0;  // of the comment directly above; 0 is none
@@ -293,8 +280,7 @@ TextEdit UnsetOption(std::string_view text, const std::string& section,
     }
     if (line.kind == LineKind::kOption && in_section &&
         SameName(option, std::string(line.option.name))) {
-      const std::size_t begin =
-          with_comment && comment_begin != 0 ? comment_begin : line.number;
+      const std::size_t begin = with_comment && comment_begin != 0 ? comment_begin : line.number;
       edit.push_back({begin, line.number - begin + 1, {}});
     }
     comment_begin = 0;

@@ -39,13 +39,12 @@ void DemandReadable(const Setting& setting);
 // after the last option of its section's last part, a new section at the end of
 // the text. An option that has the value already makes no edit. The settings
 // are readable and no two set the same option.
-TextEdit SetOptions(std::string_view text,
-                    const std::vector<Setting>& settings);
+TextEdit SetOptions(std::string_view text, const std::vector<Setting>& settings);
 
 // Every line of the option goes; with it, when asked, the comment lines
 // directly above each.
-TextEdit UnsetOption(std::string_view text, const std::string& section,
-                     const std::string& option, bool with_comment);
+TextEdit UnsetOption(std::string_view text, const std::string& section, const std::string& option,
+                     bool with_comment);
 
 }  // namespace quarry::tool
 

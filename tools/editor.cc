@@ -57,8 +57,7 @@ class TerminalSignalsIgnored {
 
 // Starts `command` with the path as its argument; the shell takes it apart. The
 // child holds back what `mask` says. Returns an errno value.
-int Spawn(const std::string& command, const std::string& path,
-          const sigset_t& mask, pid_t* child) {
+int Spawn(const std::string& command, const std::string& path, const sigset_t& mask, pid_t* child) {
   posix_spawnattr_t attributes;
   if (const int error = posix_spawnattr_init(&attributes)) return error;
   sigset_t terminal_signals;
@@ -67,13 +66,11 @@ int Spawn(const std::string& command, const std::string& path,
   sigaddset(&terminal_signals, SIGQUIT);
   posix_spawnattr_setsigdefault(&attributes, &terminal_signals);
   posix_spawnattr_setsigmask(&attributes, &mask);
-  posix_spawnattr_setflags(&attributes,
-                           POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
   std::string words[] = {"sh", "-c", command + " \"$@\"", command, path};
   char* arguments[] = {words[0].data(), words[1].data(), words[2].data(),
                        words[3].data(), words[4].data(), nullptr};
-  const int error =
-      posix_spawn(child, "/bin/sh", nullptr, &attributes, arguments, environ);
+  const int error = posix_spawn(child, "/bin/sh", nullptr, &attributes, arguments, environ);
   posix_spawnattr_destroy(&attributes);
   return error;
 }
@@ -83,8 +80,7 @@ bool IsAboutToEnd() {
   sigset_t waiting;
   sigemptyset(&waiting);
   (void)sigpending(&waiting);
-  return sigismember(&waiting, SIGTERM) == 1 ||
-         sigismember(&waiting, SIGHUP) == 1;
+  return sigismember(&waiting, SIGTERM) == 1 || sigismember(&waiting, SIGHUP) == 1;
 }
 
 }  // namespace
@@ -95,11 +91,9 @@ EditorCopy::EditorCopy(const std::string& name, const std::string& text)
     throw SystemError("make a folder in", "/tmp", errno);
   }
   path_ = folder_ + '/' + name;
-  platform::FileDescriptor file(open(path_.c_str(),
-                                     O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                                     S_IRUSR | S_IWUSR));
-  if (file.get() != -1 &&
-      platform::WriteAll(file.get(), text.data(), text.size()) &&
+  platform::FileDescriptor file(
+      open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+  if (file.get() != -1 && platform::WriteAll(file.get(), text.data(), text.size()) &&
       file.Close()) {
     return;
   }

@@ -22,12 +22,11 @@ std::string ErrorReport(const std::string& message, const std::string& hint) {
   return report;
 }
 
-ToolError SystemError(const std::string& verb, const std::string& what,
-                      int error_number, const std::string& hint) {
-  return {kExitFailed,
-          ErrorReport("cannot " + verb + ' ' + what + ": " +
-                          std::generic_category().message(error_number),
-                      hint)};
+ToolError SystemError(const std::string& verb, const std::string& what, int error_number,
+                      const std::string& hint) {
+  return {kExitFailed, ErrorReport("cannot " + verb + ' ' + what + ": " +
+                                       std::generic_category().message(error_number),
+                                   hint)};
 }
 
 void WriteStandardError(const std::string& text) {

@@ -32,13 +32,12 @@ class ToolError {
 };
 
 // "quarry-config: MESSAGE" and, when there is one, "  hint: HINT".
-std::string ErrorReport(const std::string& message,
-                        const std::string& hint = "");
+std::string ErrorReport(const std::string& message, const std::string& hint = "");
 
 // The end of a system call: "cannot VERB WHAT: " and the text of
 // `error_number`.
-ToolError SystemError(const std::string& verb, const std::string& what,
-                      int error_number, const std::string& hint = "");
+ToolError SystemError(const std::string& verb, const std::string& what, int error_number,
+                      const std::string& hint = "");
 
 // To standard error. That it fails is nothing to report: there is no place
 // left.

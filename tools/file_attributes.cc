@@ -32,15 +32,13 @@ std::optional<std::string> ReadWhole(Read read) {
 }
 
 std::optional<std::string> Attribute(int file, const std::string& name) {
-  return ReadWhole([&](char* bytes, std::size_t size) {
-    return fgetxattr(file, name.c_str(), bytes, size);
-  });
+  return ReadWhole(
+      [&](char* bytes, std::size_t size) { return fgetxattr(file, name.c_str(), bytes, size); });
 }
 
 class AttributeKeeper {
  public:
-  AttributeKeeper(int from, int to, const std::string& name)
-      : from_(from), to_(to), name_(name) {}
+  AttributeKeeper(int from, int to, const std::string& name) : from_(from), to_(to), name_(name) {}
 
   void KeepOwnerOf(const struct stat& status);
   void KeepExtended();
@@ -89,9 +87,8 @@ void AttributeKeeper::KeepModeOf(const struct stat& status) {
 }
 
 std::vector<std::string> AttributeKeeper::NamesOf(int file) const {
-  const auto list = ReadWhole([file](char* bytes, std::size_t size) {
-    return flistxattr(file, bytes, size);
-  });
+  const auto list =
+      ReadWhole([file](char* bytes, std::size_t size) { return flistxattr(file, bytes, size); });
   if (!list && errno == ENOTSUP) return {};
   if (!list) Refuse("the attributes");
   std::vector<std::string> names;

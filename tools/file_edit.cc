@@ -26,14 +26,12 @@ bool IsSameFile(const struct stat& left, const struct stat& right) {
 // Every change of a file, of its text or of what else belongs to it, changes
 // this time, and nobody can set it.
 bool IsSameVersion(const struct stat& left, const struct stat& right) {
-  return IsSameFile(left, right) &&
-         left.st_ctim.tv_sec == right.st_ctim.tv_sec &&
+  return IsSameFile(left, right) && left.st_ctim.tv_sec == right.st_ctim.tv_sec &&
          left.st_ctim.tv_nsec == right.st_ctim.tv_nsec;
 }
 
 // "/dev/stdout" names what some other program has opened.
-bool IsOpenFile(const std::filesystem::path& folder,
-                const std::filesystem::path& path) {
+bool IsOpenFile(const std::filesystem::path& folder, const std::filesystem::path& path) {
   const auto in_proc = [](const std::filesystem::path& place) {
     return place.string().compare(0, 6, "/proc/") == 0;
   };
@@ -48,12 +46,10 @@ std::filesystem::path Resolved(const std::string& file) {
   const std::filesystem::path path(file);
   std::error_code error;
   const auto given = path.parent_path();
-  const auto folder =
-      std::filesystem::canonical(given.empty() ? "." : given, error);
+  const auto folder = std::filesystem::canonical(given.empty() ? "." : given, error);
   if (!error && IsOpenFile(folder, path)) {
-    throw ToolError(kExitFailed,
-                    ErrorReport(DisplayName(file) + " is no file of its own",
-                                "\"-\" stands for standard input and output"));
+    throw ToolError(kExitFailed, ErrorReport(DisplayName(file) + " is no file of its own",
+                                             "\"-\" stands for standard input and output"));
   }
   if (!error) {
     auto resolved = std::filesystem::canonical(path, error);
@@ -61,14 +57,12 @@ std::filesystem::path Resolved(const std::string& file) {
   }
   struct stat status {};
   if (folder.empty()) {
-    throw SystemError("open", "the folder of " + DisplayName(file),
-                      error.value());
+    throw SystemError("open", "the folder of " + DisplayName(file), error.value());
   }
   const bool is_absent = error.value() == ENOENT && path.has_filename();
   if (is_absent && lstat(file.c_str(), &status) == 0) {
     throw ToolError(kExitFailed,
-                    ErrorReport(DisplayName(file) +
-                                    " is a link to a file that does not exist",
+                    ErrorReport(DisplayName(file) + " is a link to a file that does not exist",
                                 "make that file, or remove the link"));
   }
   if (is_absent && errno == ENOENT) return folder / path.filename();
@@ -77,22 +71,18 @@ std::filesystem::path Resolved(const std::string& file) {
 
 }  // namespace
 
-FileEdit::FileEdit(const std::string& file, std::optional<mode_t> new_mode,
-                   Purpose purpose)
+FileEdit::FileEdit(const std::string& file, std::optional<mode_t> new_mode, Purpose purpose)
     : purpose_(purpose), name_(DisplayName(file)) {
   const std::filesystem::path path = Resolved(file);
   entry_ = path.filename();
-  folder_.Reset(
-      open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  folder_.Reset(open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (folder_.get() == -1) {
     throw SystemError("open", "the folder of " + name_, errno);
   }
   if (OpenOld()) return;
   if (!new_mode) {
-    throw ToolError(
-        kExitFailed,
-        ErrorReport("cannot open " + name_ + ": No such file or directory",
-                    "only quarry-config set --create makes a new file"));
+    throw ToolError(kExitFailed, ErrorReport("cannot open " + name_ + ": No such file or directory",
+                                             "only quarry-config set --create makes a new file"));
   }
   if (purpose == Purpose::kEdit) PrepareNew(*new_mode);
 }
@@ -115,9 +105,9 @@ bool FileEdit::OpenOld() {
   const bool edits = purpose_ == Purpose::kEdit;
   struct stat in_place {};
   do {
-    old_.Reset(openat(folder_.get(), entry_.c_str(),
-                      (edits ? O_RDWR : O_RDONLY) | O_NOFOLLOW | O_NONBLOCK |
-                          O_NOCTTY | O_CLOEXEC));
+    old_.Reset(
+        openat(folder_.get(), entry_.c_str(),
+               (edits ? O_RDWR : O_RDONLY) | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!exists() && errno == ENOENT) return false;
     if (!exists()) {
       throw SystemError("open", name_ + (edits ? " for writing" : ""), errno);
@@ -134,8 +124,7 @@ bool FileEdit::OpenOld() {
 
 // Only ENOENT means that a file is absent.
 bool FileEdit::FindInPlace(struct stat* status) const {
-  if (fstatat(folder_.get(), entry_.c_str(), status, AT_SYMLINK_NOFOLLOW) ==
-      0) {
+  if (fstatat(folder_.get(), entry_.c_str(), status, AT_SYMLINK_NOFOLLOW) == 0) {
     return true;
   }
   if (errno != ENOENT) throw SystemError("find", name_, errno);
@@ -147,11 +136,9 @@ void FileEdit::DemandEditable() const {
     throw ToolError(kExitFailed, ErrorReport(name_ + " is not a regular file"));
   }
   if (status_.st_nlink > 1) {
-    throw ToolError(
-        kExitFailed,
-        ErrorReport(name_ + " has " + std::to_string(status_.st_nlink) +
-                        " names (hard links), which an edit would part",
-                    "make them symbolic links, or copies"));
+    throw ToolError(kExitFailed, ErrorReport(name_ + " has " + std::to_string(status_.st_nlink) +
+                                                 " names (hard links), which an edit would part",
+                                             "make them symbolic links, or copies"));
   }
 }
 
@@ -168,11 +155,9 @@ void FileEdit::Replace(std::string_view text) {
   }
   WriteAndPublish(text);
   if (fsync(folder_.get()) == 0) return;
-  throw ToolError(
-      kExitFailed,
-      ErrorReport("the edit of " + name_ +
-                  " is in place, but its folder cannot be flushed: " +
-                  std::generic_category().message(errno)));
+  throw ToolError(kExitFailed, ErrorReport("the edit of " + name_ +
+                                           " is in place, but its folder cannot be flushed: " +
+                                           std::generic_category().message(errno)));
 }
 
 void FileEdit::WriteAndPublish(std::string_view text) {
@@ -182,10 +167,9 @@ void FileEdit::WriteAndPublish(std::string_view text) {
   if (exists()) KeepAttributes(old_.get(), new_->get(), name_);
   if (fsync(new_->get()) != 0) throw SystemError("save", name_, errno);
   if (!IsUntouched()) {
-    throw ToolError(
-        kExitFailed,
-        ErrorReport("another program changed " + name_ + " during this edit",
-                    "nothing was written; do it again"));
+    throw ToolError(kExitFailed,
+                    ErrorReport("another program changed " + name_ + " during this edit",
+                                "nothing was written; do it again"));
   }
   new_->Publish(exists());
 }

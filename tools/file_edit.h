@@ -17,8 +17,7 @@ namespace quarry::tool {
 
 // The modes of new files, of which the umask leaves its part.
 inline constexpr mode_t kPrivateMode = S_IRUSR | S_IWUSR;
-inline constexpr mode_t kUsualMode =
-    kPrivateMode | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+inline constexpr mode_t kUsualMode = kPrivateMode | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
 // A file that is held for an edit. Another edit of it waits for this one's end,
 // up to ten seconds. Links are followed to the file.

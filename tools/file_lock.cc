@@ -50,13 +50,11 @@ void LockForEdit(int file, const std::string& name) {
     if (flock(file, LOCK_EX) == 0) return;
     if (errno != EINTR) throw SystemError("lock", name, errno);
     if (seconds == 0) {
-      WriteStandardError("quarry-config: waiting for another edit of " + name +
-                         " to end\n");
+      WriteStandardError("quarry-config: waiting for another edit of " + name + " to end\n");
     }
   }
-  throw ToolError(kExitFailed,
-                  ErrorReport("another edit of " + name + " is running",
-                              "nothing was written; try again when it ends"));
+  throw ToolError(kExitFailed, ErrorReport("another edit of " + name + " is running",
+                                           "nothing was written; try again when it ends"));
 }
 
 }  // namespace quarry::tool

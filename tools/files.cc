@@ -25,21 +25,17 @@ std::size_t FirstReadSize(int descriptor) {
   constexpr std::size_t kLargest = 64U << 20U;
   struct stat status {};
   const bool known = fstat(descriptor, &status) == 0 && status.st_size > 0;
-  return known
-             ? std::min(static_cast<std::size_t>(status.st_size) + 1, kLargest)
-             : 4096;
+  return known ? std::min(static_cast<std::size_t>(status.st_size) + 1, kLargest) : 4096;
 }
 
 std::string ReadToEnd(int descriptor, const std::string& name) {
   std::string text;
   std::size_t used = 0;
-  for (std::size_t more = FirstReadSize(descriptor);;
-       more = text.size()) {  // doubles
+  for (std::size_t more = FirstReadSize(descriptor);; more = text.size()) {  // doubles
     text.resize(used + more);
     std::size_t count = 0;
     if (!platform::ReadUpTo(descriptor, &text[used], more, &count)) {
-      throw SystemError("read", name, errno,
-                        errno == EISDIR ? "give the files in it" : "");
+      throw SystemError("read", name, errno, errno == EISDIR ? "give the files in it" : "");
     }
     used += count;
     if (count < more) break;
@@ -55,22 +51,18 @@ void ReserveStandardStreams() {
     if (fcntl(stream, F_GETFD) != -1 || errno != EBADF) continue;
     // The lowest free number is this one. Opened the wrong way round, so that
     // to read or to write it is an error as it was when it was closed.
-    const int opened =
-        open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    const int opened = open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     if (opened == -1) throw SystemError("open", "/dev/null", errno);
   }
 }
 
 void DemandName(const std::string& name) {
   if (!name.empty()) return;
-  throw ToolError(kExitFailed,
-                  ErrorReport("the name of a file or folder is empty",
-                              "is a variable of the command line not set?"));
+  throw ToolError(kExitFailed, ErrorReport("the name of a file or folder is empty",
+                                           "is a variable of the command line not set?"));
 }
 
-std::string DisplayName(const std::string& file) {
-  return file == "-" ? "<stdin>" : Shown(file);
-}
+std::string DisplayName(const std::string& file) { return file == "-" ? "<stdin>" : Shown(file); }
 
 std::string ReadAll(int descriptor, const std::string& name) {
   try {
@@ -92,8 +84,7 @@ std::optional<std::string> ReadIfPresent(const std::string& file) {
   DemandName(file);
   const std::string name = DisplayName(file);
   if (file == "-") return ReadAll(STDIN_FILENO, name);
-  const platform::FileDescriptor input(
-      open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  const platform::FileDescriptor input(open(file.c_str(), O_RDONLY | O_CLOEXEC));
   if (input.get() != -1) return ReadAll(input.get(), name);
   if (errno == ENOENT) return std::nullopt;
   throw SystemError("open", name, errno);

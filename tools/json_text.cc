@@ -11,8 +11,7 @@ namespace {
 std::string Base64(const std::string& bytes) {
   constexpr int kVariant = sodium_base64_VARIANT_ORIGINAL;
   std::string text(sodium_base64_encoded_len(bytes.size(), kVariant), '\0');
-  sodium_bin2base64(text.data(), text.size(),
-                    reinterpret_cast<const unsigned char*>(bytes.data()),
+  sodium_bin2base64(text.data(), text.size(), reinterpret_cast<const unsigned char*>(bytes.data()),
                     bytes.size(), kVariant);
   text.pop_back();  // the NUL that the length counts
   return text;
@@ -20,8 +19,7 @@ std::string Base64(const std::string& bytes) {
 
 }  // namespace
 
-void AddText(nlohmann::ordered_json* object, const std::string& key,
-             const std::string& text) {
+void AddText(nlohmann::ordered_json* object, const std::string& key, const std::string& text) {
   (*object)[key] = text;
   if (!IsUtf8(text)) (*object)[key + "_base64"] = Base64(text);
 }

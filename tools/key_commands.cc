@@ -29,23 +29,19 @@ using platform::SecretBytes;
 namespace {
 
 std::string KeyFileIn(const std::string& folder) {
-  return folder + (folder.empty() || folder.back() != '/' ? "/" : "") +
-         "auth.key";
+  return folder + (folder.empty() || folder.back() != '/' ? "/" : "") + "auth.key";
 }
 
 [[noreturn]] void Refuse(const std::string& message, const std::string& hint) {
   throw ToolError(kExitNo, ErrorReport(message, hint));
 }
 
-constexpr int kEndingSignals[] = {SIGINT,  SIGTERM, SIGHUP,
-                                  SIGQUIT, SIGPIPE, SIGALRM};
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGALRM};
 
 // The terminal as it was, for the handler of signals.
 termios terminal_before;
 
-void RestoreTerminal() {
-  (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &terminal_before);
-}
+void RestoreTerminal() { (void)tcsetattr(STDIN_FILENO, TCSAFLUSH, &terminal_before); }
 
 void RestoreTerminalAndEnd(int signal_number) {
   RestoreTerminal();
@@ -122,23 +118,19 @@ class PasswordInput {
 
 void DemandPassword(PasswordInput* input) {
   if (input->empty()) {
-    Refuse("there is no password on standard input",
-           "an empty password is a line feed alone");
+    Refuse("there is no password on standard input", "an empty password is a line feed alone");
   }
   const std::string_view password = input->password();
   if (password.size() > kLongestPassword) {
-    Refuse("the password is longer than " + std::to_string(kLongestPassword) +
-               " bytes",
+    Refuse("the password is longer than " + std::to_string(kLongestPassword) + " bytes",
            "an agent cannot take it");
   }
-  if (password.find_first_of(std::string_view("\0\n", 2)) !=
-      std::string_view::npos) {
+  if (password.find_first_of(std::string_view("\0\n", 2)) != std::string_view::npos) {
     Refuse("the password holds a line feed or a NUL byte",
            "give one line; a single line feed at its end does not count");
   }
   if (password.substr(0, kSealedPrefix.size()) == kSealedPrefix) {
-    Refuse("the password is sealed already",
-           "give the plain one, or store this one as it is");
+    Refuse("the password is sealed already", "give the plain one, or store this one as it is");
   }
 }
 
@@ -165,13 +157,11 @@ void LoadKey(const std::string& folder, SealingKey* key) {
     case kDecryptDone:
       return;
     case kDecryptNoKeyFile:
-      throw SystemError("read", "the key file " + Shown(file), errno,
-                        errno == ENOENT ? "make one: quarry-config keygen " +
-                                              ShellQuotedFile(folder)
-                                        : "");
+      throw SystemError(
+          "read", "the key file " + Shown(file), errno,
+          errno == ENOENT ? "make one: quarry-config keygen " + ShellQuotedFile(folder) : "");
     case kDecryptKeyTooOpen:
-      Refuse("key file " + Quoted(file) + " is open to others",
-             OpenKeyHint(file));
+      Refuse("key file " + Quoted(file) + " is open to others", OpenKeyHint(file));
     case kDecryptNotAKeyFile:
       Refuse(Quoted(file) + " is not a key file",
              "make one in another folder: quarry-config keygen FOLDER");
@@ -186,16 +176,12 @@ void DemandPrivateFolder(const std::string& folder) {
   struct stat status {};
   if (stat(folder.c_str(), &status) != 0) {
     throw SystemError("open", Shown(folder), errno,
-                      errno == ENOENT
-                          ? "make it: mkdir -m 700 " + ShellQuotedFile(folder)
-                          : "");
+                      errno == ENOENT ? "make it: mkdir -m 700 " + ShellQuotedFile(folder) : "");
   }
   if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return;
-  throw ToolError(
-      kExitFailed,
-      ErrorReport("others may write to the folder " + Quoted(folder),
-                  "a key there could be exchanged: chmod go-w " +
-                      ShellQuotedFile(folder)));
+  throw ToolError(kExitFailed, ErrorReport("others may write to the folder " + Quoted(folder),
+                                           "a key there could be exchanged: chmod go-w " +
+                                               ShellQuotedFile(folder)));
 }
 
 }  // namespace
@@ -206,11 +192,9 @@ int RunKeygen(const KeyRequest& request) {
   const std::string file = KeyFileIn(request.folder);
   FileEdit edit(file, kPrivateMode);
   if (edit.exists()) {
-    throw ToolError(
-        kExitFailed,
-        ErrorReport("there is a key already: " + Shown(file),
-                    "passwords may be sealed with it; make the new one in "
-                    "another folder"));
+    throw ToolError(kExitFailed, ErrorReport("there is a key already: " + Shown(file),
+                                             "passwords may be sealed with it; make the new one in "
+                                             "another folder"));
   }
   SealingKey key;
   SecretBytes text(platform::kKeyFileBytes + 1);

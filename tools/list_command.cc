@@ -20,16 +20,14 @@ std::string NamesText(const ListRequest& request, ModelFile* model) {
   return text;
 }
 
-std::string OriginText(const std::list<std::string>& sections,
-                       ModelFile* model) {
+std::string OriginText(const std::list<std::string>& sections, ModelFile* model) {
   const OriginMap origins = FindOrigins(model->text());
   std::string text;
   for (const std::string& section : sections) {
     for (const auto& [name, stored] : model->Record(section).option_map) {
       text += DisplayName(model->file()) + ':' +
-              std::to_string(origins.at(section).options.at(name).number) +
-              ": [" + Shown(section) + "] " + Shown(name) + " = " +
-              Shown(stored.value) + '\n';
+              std::to_string(origins.at(section).options.at(name).number) + ": [" + Shown(section) +
+              "] " + Shown(name) + " = " + Shown(stored.value) + '\n';
     }
   }
   return text;
@@ -40,9 +38,8 @@ std::string OriginText(const std::list<std::string>& sections,
 int RunList(const ListRequest& request) {
   ModelFile model(request.file);
   const std::list<std::string> sections =
-      request.section
-          ? std::list<std::string>{model.StoredName(*request.section)}
-          : model.Sections();
+      request.section ? std::list<std::string>{model.StoredName(*request.section)}
+                      : model.Sections();
   if (request.json) {
     WriteStandardOutput(ModelJson(sections, request.origin, &model));
   } else if (request.origin) {

@@ -48,8 +48,7 @@ std::string UsageMessage(const CLI::ParseError& error) {
   if (error.get_name() != "ExcludesError" || at == std::string::npos) {
     return text;
   }
-  return "give " + text.substr(0, at) + " or " +
-         text.substr(at + excludes.size()) + ", not both";
+  return "give " + text.substr(0, at) + " or " + text.substr(at + excludes.size()) + ", not both";
 }
 
 // The command line and what it asked for. Only the command that is wanted is
@@ -70,14 +69,12 @@ class CommandLine {
   std::string UsageHint(bool with_dashes) const;
 
   const std::vector<std::string> words_;
-  CLI::App app_{"Checks, queries and edits configuration files.",
-                "quarry-config"};
+  CLI::App app_{"Checks, queries and edits configuration files.", "quarry-config"};
   bool is_command_ = false;  // the first word
   std::function<int()> action_;
 };
 
-CommandLine::CommandLine(std::vector<std::string> words)
-    : words_(std::move(words)) {
+CommandLine::CommandLine(std::vector<std::string> words) : words_(std::move(words)) {
   app_.require_subcommand(1);
   app_.footer(std::string(kInput) + kStatuses);
   app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
@@ -96,8 +93,7 @@ bool CommandLine::Declare(const std::string& wanted) {
   bool declared = false;
   for (const Command& command : Commands()) {
     if (!wanted.empty() && wanted != command.name) continue;
-    CLI::App* const app =
-        app_.add_subcommand(command.name, command.description);
+    CLI::App* const app = app_.add_subcommand(command.name, command.description);
     app->footer((command.takes_input ? kInput : "") + std::string(kStatuses));
     app->group("Commands");
     const auto action = command.declare(app);
@@ -118,16 +114,13 @@ int CommandLine::Run() {
     Parse();
   } catch (const CLI::CallForHelp&) {
     const auto commands = app_.get_subcommands();
-    WriteStandardOutput(commands.empty()
-                            ? app_.help()
-                            : commands.front()->help("quarry-config"));
+    WriteStandardOutput(commands.empty() ? app_.help() : commands.front()->help("quarry-config"));
     return kExitDone;
   } catch (const CLI::CallForVersion& version) {
     WriteStandardOutput(version.what());
     return kExitDone;
   } catch (const CLI::ParseError& error) {
-    throw ToolError(kExitUsage,
-                    ErrorReport(Shown(UsageMessage(error)), UsageHint(false)));
+    throw ToolError(kExitUsage, ErrorReport(Shown(UsageMessage(error)), UsageHint(false)));
   }
   return action_();
 }
@@ -139,8 +132,8 @@ void CommandLine::Parse() {
   bool options = true;
   for (std::string word : words_) {
     options = options && word != "--";
-    const bool empty_value = options && word.size() > 3 &&
-                             word.substr(0, 2) == "--" && word.back() == '=';
+    const bool empty_value =
+        options && word.size() > 3 && word.substr(0, 2) == "--" && word.back() == '=';
     if (empty_value) word.pop_back();
     words.push_back(MarkedIfListed(words_.front(), word));
     if (empty_value) words.emplace_back();
@@ -168,13 +161,11 @@ void CommandLine::DemandKnownOptions() const {
     if (name.empty()) continue;
     const CLI::Option* const option = command->get_option_no_throw(name);
     if (option == nullptr) {
-      throw ToolError(kExitUsage, ErrorReport("no option " + Quoted(name),
-                                              UsageHint(true)));
+      throw ToolError(kExitUsage, ErrorReport("no option " + Quoted(name), UsageHint(true)));
     }
     const bool takes_value = option->get_expected_max() > 0;
     if (!takes_value && words_[i] != name) {
-      throw ToolError(kExitUsage,
-                      ErrorReport(name + " takes no value", UsageHint(false)));
+      throw ToolError(kExitUsage, ErrorReport(name + " takes no value", UsageHint(false)));
     }
     if (takes_value && words_[i] == name) ++i;
   }
@@ -183,10 +174,9 @@ void CommandLine::DemandKnownOptions() const {
 // Before CLI11 parses: its own message would not say what is wrong.
 void CommandLine::DemandCommand() const {
   const std::string name = words_.empty() ? "" : words_.front();
-  const std::string help_hint =
-      name.substr(0, 1) == "-"
-          ? "options stand behind the command; see: quarry-config --help"
-          : "see: quarry-config --help";
+  const std::string help_hint = name.substr(0, 1) == "-"
+                                    ? "options stand behind the command; see: quarry-config --help"
+                                    : "see: quarry-config --help";
   if (name.empty()) {
     throw ToolError(kExitUsage, ErrorReport("no command is given", help_hint));
   }
@@ -194,10 +184,9 @@ void CommandLine::DemandCommand() const {
   std::list<std::string> known;
   for (const Command& command : Commands()) known.emplace_back(command.name);
   const auto nearest = NearestNames(name, known);
-  throw ToolError(
-      kExitUsage,
-      ErrorReport("no command " + Quoted(name),
-                  nearest.empty() ? help_hint : "nearest: " + nearest.front()));
+  throw ToolError(kExitUsage,
+                  ErrorReport("no command " + Quoted(name),
+                              nearest.empty() ? help_hint : "nearest: " + nearest.front()));
 }
 
 int Main(int argc, char** argv) {

@@ -49,8 +49,7 @@ std::string ErrorsOf(const std::string& text, const std::string& file) {
 }
 
 // "nearest: "a", "b"", or where to find all names when none is near.
-std::string NearestHint(const std::string& wanted,
-                        const std::list<std::string>& names,
+std::string NearestHint(const std::string& wanted, const std::list<std::string>& names,
                         const std::string& list_command) {
   std::string hint;
   for (const std::string& name : NearestNames(wanted, names)) {
@@ -59,8 +58,7 @@ std::string NearestHint(const std::string& wanted,
   return hint.empty() ? "see all names with: " + list_command : hint;
 }
 
-std::string ListCommand(const std::string& file,
-                        const std::string& section = "") {
+std::string ListCommand(const std::string& file, const std::string& section = "") {
   std::string command = "quarry-config list ";
   if (section.substr(0, 1) == "-") command += "-- ";
   command += file == "-" ? file : ShellQuotedFile(file);
@@ -69,8 +67,7 @@ std::string ListCommand(const std::string& file,
 
 }  // namespace
 
-ModelFile::ModelFile(const std::string& file)
-    : ModelFile(file, ReadInput(file)) {}
+ModelFile::ModelFile(const std::string& file) : ModelFile(file, ReadInput(file)) {}
 
 ModelFile::ModelFile(std::string file, std::string text)
     : file_(std::move(file)), text_(std::move(text)) {
@@ -111,12 +108,10 @@ std::list<std::string> ModelFile::Options(const std::string& section) {
 bool ModelFile::Has(const std::string& section, const std::string& option) {
   std::string value, comment;
   return HasSection(section) &&
-         model_.GetOptionValue(section, option, &value, &comment) ==
-             storage::dmconfig::kStatusOk;
+         model_.GetOptionValue(section, option, &value, &comment) == storage::dmconfig::kStatusOk;
 }
 
-std::string ModelFile::GetValue(const std::string& section,
-                                const std::string& option) {
+std::string ModelFile::GetValue(const std::string& section, const std::string& option) {
   DemandSection(section);
   std::string value, comment;
   const int status = model_.GetOptionValue(section, option, &value, &comment);
@@ -131,31 +126,25 @@ std::string ModelFile::DumpText() {
   return out.str();
 }
 
-const storage::dmconfig::SectionOptionMap& ModelFile::Record(
-    const std::string& section) {
+const storage::dmconfig::SectionOptionMap& ModelFile::Record(const std::string& section) {
   return *model_.GetOptionMap(section);
 }
 
 void ModelFile::DemandSection(const std::string& section) {
   if (HasSection(section)) return;
-  throw ToolError(
-      kExitNo,
-      ErrorReport(DisplayName(file_) + ": no section " + Quoted(section),
-                  NearestHint(section, Sections(), ListCommand(file_))));
+  throw ToolError(kExitNo, ErrorReport(DisplayName(file_) + ": no section " + Quoted(section),
+                                       NearestHint(section, Sections(), ListCommand(file_))));
 }
 
-void ModelFile::ThrowNoOption(const std::string& section,
-                              const std::string& option) {
-  std::string hint =
-      NearestHint(option, Options(section), ListCommand(file_, section));
+void ModelFile::ThrowNoOption(const std::string& section, const std::string& option) {
+  std::string hint = NearestHint(option, Options(section), ListCommand(file_, section));
   for (const std::string& other : Sections()) {
     if (!Has(other, option)) continue;
     hint = "section " + Quoted(other) + " has an option of this name";
     break;
   }
-  throw ToolError(kExitNo, ErrorReport(DisplayName(file_) + ": no option " +
-                                           Quoted(option) + " in section " +
-                                           Quoted(section),
+  throw ToolError(kExitNo, ErrorReport(DisplayName(file_) + ": no option " + Quoted(option) +
+                                           " in section " + Quoted(section),
                                        hint));
 }
 

@@ -44,8 +44,7 @@ class ModelFile {
 
  private:
   void DemandSection(const std::string& section);
-  [[noreturn]] void ThrowNoOption(const std::string& section,
-                                  const std::string& option);
+  [[noreturn]] void ThrowNoOption(const std::string& section, const std::string& option);
 
   const std::string file_;
   const std::string text_;

@@ -9,8 +9,7 @@ namespace quarry::tool {
 
 namespace {
 
-nlohmann::ordered_json SectionJson(const std::string& name,
-                                   const SectionOrigin* origin,
+nlohmann::ordered_json SectionJson(const std::string& name, const SectionOrigin* origin,
                                    ModelFile* model) {
   const auto& record = model->Record(name);
   nlohmann::ordered_json section;
@@ -32,8 +31,7 @@ nlohmann::ordered_json SectionJson(const std::string& name,
 
 }  // namespace
 
-std::string ModelJson(const std::list<std::string>& sections, bool with_lines,
-                      ModelFile* model) {
+std::string ModelJson(const std::list<std::string>& sections, bool with_lines, ModelFile* model) {
   OriginMap origins;
   if (with_lines) origins = FindOrigins(model->text());
   nlohmann::ordered_json document;

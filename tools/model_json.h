@@ -10,8 +10,7 @@ namespace quarry::tool {
 
 // The named sections of the file as JSON, with all that stands in them; with
 // `with_lines` also the number of the line that counts of every option.
-std::string ModelJson(const std::list<std::string>& sections, bool with_lines,
-                      ModelFile* model);
+std::string ModelJson(const std::list<std::string>& sections, bool with_lines, ModelFile* model);
 
 }  // namespace quarry::tool
 

@@ -27,11 +27,10 @@ std::size_t EditDistance(const std::string& left, const std::string& right) {
     before_last = std::exchange(last, row);
     row[0] = i;
     for (std::size_t j = 1; j <= right.size(); ++j) {
-      const std::size_t replaced =
-          last[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
+      const std::size_t replaced = last[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
       row[j] = std::min({replaced, row[j - 1] + 1, last[j] + 1});
-      const bool swapped = i > 1 && j > 1 && left[i - 1] == right[j - 2] &&
-                           left[i - 2] == right[j - 1];
+      const bool swapped =
+          i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1];
       if (swapped) row[j] = std::min(row[j], before_last[j - 2] + 1);
     }
   }
@@ -47,12 +46,10 @@ bool OneBeginsTheOther(const std::string& left, const std::string& right) {
 
 // How far apart two folded names are; anything above `farthest` when they are
 // farther than that.
-std::size_t Distance(const std::string& left, const std::string& right,
-                     std::size_t farthest) {
+std::size_t Distance(const std::string& left, const std::string& right, std::size_t farthest) {
   if (OneBeginsTheOther(left, right)) return 1;
-  const std::size_t difference = left.size() > right.size()
-                                     ? left.size() - right.size()
-                                     : right.size() - left.size();
+  const std::size_t difference =
+      left.size() > right.size() ? left.size() - right.size() : right.size() - left.size();
   return difference > farthest ? difference : EditDistance(left, right);
 }
 
@@ -69,9 +66,8 @@ std::vector<std::string> NearestNames(const std::string& wanted,
     const std::size_t distance = Distance(folded, Folded(name), farthest);
     if (distance <= farthest) near.emplace_back(distance, name);
   }
-  std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) {
-    return a.first < b.first;
-  });
+  std::stable_sort(near.begin(), near.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
 
   std::vector<std::string> nearest;
   for (const auto& [distance, name] : near) {

@@ -26,8 +26,8 @@ void Progress::Step() {
   if (!enabled_ || Clock::now() < next_) return;
   next_ = Clock::now() + kBetweenLines;
   shown_ = true;
-  WriteStandardError(kEmptyLine + std::to_string(done_) + " of " +
-                     std::to_string(total_) + ' ' + what_);
+  WriteStandardError(kEmptyLine + std::to_string(done_) + " of " + std::to_string(total_) + ' ' +
+                     what_);
 }
 
 void Progress::Clear() {

@@ -30,8 +30,7 @@ bool TextScanner::Next(ScannedLine* line) {
   line->kind = KindOf(line->text);
   if (line->kind == LineKind::kHeader) {
     line->header = ParseHeader(line->text);
-    in_section_ =
-        true;  // also after a faulty one: what follows is meant to be in it
+    in_section_ = true;  // also after a faulty one: what follows is meant to be in it
   }
   if (line->kind == LineKind::kOption) {
     line->option = ParseOption(line->text, in_section_);

@@ -53,8 +53,7 @@ struct SectionOrigin {
   ScannedLine header;
   std::map<std::string, ScannedLine, storage::dmconfig::StringCaseCmp> options;
 };
-using OriginMap =
-    std::map<std::string, SectionOrigin, storage::dmconfig::StringCaseCmp>;
+using OriginMap = std::map<std::string, SectionOrigin, storage::dmconfig::StringCaseCmp>;
 OriginMap FindOrigins(std::string_view text);
 
 }  // namespace quarry::tool

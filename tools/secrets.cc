@@ -29,8 +29,7 @@ std::size_t EndOfPasswordName(const std::string& line) {
   for (std::size_t at = 0; at + name.size() <= line.size(); ++at) {
     const std::string part = line.substr(at, name.size());
     const std::size_t end = at + name.size();
-    const bool whole =
-        end == line.size() || kSeparators.find(line[end]) != std::string::npos;
+    const bool whole = end == line.size() || kSeparators.find(line[end]) != std::string::npos;
     if (whole && SameName(part, name)) return end;
   }
   return std::string::npos;
@@ -42,8 +41,7 @@ std::size_t EndOfNearName(const std::string& line) {
   for (std::size_t begin = 0;;) {
     begin = text.find_first_not_of(kBeforeNames, begin);
     if (begin == std::string::npos) return begin;
-    const std::size_t end =
-        std::min(text.find_first_of(kSeparators, begin), text.size());
+    const std::size_t end = std::min(text.find_first_of(kSeparators, begin), text.size());
     const std::string word = text.substr(begin, end - begin);
     if (!NearestNames(word, {PasswordName()}).empty()) return end;
     begin = end;
@@ -53,13 +51,11 @@ std::size_t EndOfNearName(const std::string& line) {
 }  // namespace
 
 std::size_t FindSecret(std::string_view line) {
-  constexpr std::size_t kSearched =
-      1000;  // the rest of a longer line is a value
+  constexpr std::size_t kSearched = 1000;  // the rest of a longer line is a value
   const std::string searched(line.substr(0, kSearched));
   std::size_t end = EndOfPasswordName(searched);
   if (end == std::string::npos) end = EndOfNearName(searched);
-  return end == std::string::npos ? end
-                                  : line.find_first_not_of(kSeparators, end);
+  return end == std::string::npos ? end : line.find_first_not_of(kSeparators, end);
 }
 
 Masker::~Masker() {
@@ -71,9 +67,9 @@ Masker::~Masker() {
 void Masker::Hide(const std::string& secret) {
   if (secret.empty()) return;
   // The longest first, for a shorter one may be a part of it.
-  const auto place = std::find_if(
-      secrets_.begin(), secrets_.end(),
-      [&](const std::string& other) { return other.size() < secret.size(); });
+  const auto place = std::find_if(secrets_.begin(), secrets_.end(), [&](const std::string& other) {
+    return other.size() < secret.size();
+  });
   secrets_.insert(place, secret);
 }
 

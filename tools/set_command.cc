@@ -44,14 +44,11 @@ std::string DiffOf(const std::string& file, const EditedText& edited) {
 EditedText MakeEdit(const Target& target, const Editor& edit) {
   if (target.file == "-") {
     EditedText edited = edit(ReadInput(target.file));
-    WriteStandardOutput(target.dry_run ? DiffOf(target.file, edited)
-                                       : edited.text);
+    WriteStandardOutput(target.dry_run ? DiffOf(target.file, edited) : edited.text);
     return edited;
   }
-  FileEdit file(
-      target.file,
-      target.create ? std::optional<mode_t>(kUsualMode) : std::nullopt,
-      target.dry_run ? FileEdit::Purpose::kLook : FileEdit::Purpose::kEdit);
+  FileEdit file(target.file, target.create ? std::optional<mode_t>(kUsualMode) : std::nullopt,
+                target.dry_run ? FileEdit::Purpose::kLook : FileEdit::Purpose::kEdit);
   EditedText edited = edit(file.text());
   if (target.dry_run) {
     WriteStandardOutput(DiffOf(target.file, edited));
@@ -65,9 +62,7 @@ void Warn(const std::string& message, const std::string& hint) {
   WriteStandardError(ErrorReport("warning: " + message, hint));
 }
 
-bool EndsInCarriageReturn(std::string_view value) {
-  return !value.empty() && value.back() == '\r';
-}
+bool EndsInCarriageReturn(std::string_view value) { return !value.empty() && value.back() == '\r'; }
 
 std::size_t CountCarriageReturns(const std::string& text) {
   std::size_t count = 0;
@@ -81,18 +76,15 @@ std::size_t CountCarriageReturns(const std::string& text) {
 void WarnOfCarriageReturns(const std::string& file, const EditedText& edited,
                            const std::vector<Setting>& settings) {
   if (edited.edit.empty()) return;
-  const auto wanted = static_cast<std::size_t>(std::count_if(
-      settings.begin(), settings.end(), [](const Setting& setting) {
-        return EndsInCarriageReturn(setting.value);
-      }));
+  const auto wanted = static_cast<std::size_t>(
+      std::count_if(settings.begin(), settings.end(),
+                    [](const Setting& setting) { return EndsInCarriageReturn(setting.value); }));
   const std::size_t count = CountCarriageReturns(edited.text);
   if (count <= wanted) return;
-  Warn(DisplayName(file) + " has carriage returns at its line ends: " +
-           std::to_string(count - wanted) +
-           (count - wanted == 1 ? " value ends" : " values end") +
-           " in one, which programs see",
-       "remove all of them: sed -i 's/\\r$//' " +
-           (file == "-" ? "FILE" : ShellQuotedFile(file)));
+  Warn(DisplayName(file) +
+           " has carriage returns at its line ends: " + std::to_string(count - wanted) +
+           (count - wanted == 1 ? " value ends" : " values end") + " in one, which programs see",
+       "remove all of them: sed -i 's/\\r$//' " + (file == "-" ? "FILE" : ShellQuotedFile(file)));
 }
 
 void WarnOfPlainPassword(const std::vector<Setting>& settings) {
@@ -100,8 +92,7 @@ void WarnOfPlainPassword(const std::vector<Setting>& settings) {
   const auto is_plain = [&password](const Setting& setting) {
     return SameName(setting.section, password.section) &&
            SameName(setting.option, password.option) &&
-           setting.value.substr(0, platform::kSealedPrefix.size()) !=
-               platform::kSealedPrefix;
+           setting.value.substr(0, platform::kSealedPrefix.size()) != platform::kSealedPrefix;
   };
   if (std::none_of(settings.begin(), settings.end(), is_plain)) return;
   Warn("the value for the agent's password is not sealed",
@@ -111,8 +102,7 @@ void WarnOfPlainPassword(const std::vector<Setting>& settings) {
 // What the text sets, in its order; what it sets again it sets once.
 std::vector<Setting> SettingsOf(ModelFile* changes) {
   std::vector<Setting> settings;
-  std::map<std::string, std::set<std::string, StringCaseCmp>, StringCaseCmp>
-      seen;
+  std::map<std::string, std::set<std::string, StringCaseCmp>, StringCaseCmp> seen;
   std::string section;
   TextScanner scanner(changes->text());
   for (ScannedLine line; scanner.Next(&line);) {
@@ -127,10 +117,9 @@ std::vector<Setting> SettingsOf(ModelFile* changes) {
 
 std::vector<Setting> ReadChanges(const SetRequest& request) {
   if (*request.changes == "-" && request.file == "-") {
-    throw ToolError(kExitUsage,
-                    ErrorReport("standard input cannot be both the file and "
-                                "the changes",
-                                "give the name of one of them"));
+    throw ToolError(kExitUsage, ErrorReport("standard input cannot be both the file and "
+                                            "the changes",
+                                            "give the name of one of them"));
   }
   ModelFile changes(*request.changes);
   WriteFindings(CheckText(changes.text(), changes.file()), changes.file());
@@ -141,10 +130,9 @@ std::vector<Setting> SettingsFor(const SetRequest& request) {
   const bool complete = request.value.has_value();
   const bool none = !request.section.has_value();
   if (request.changes ? !none : !complete) {
-    throw ToolError(kExitUsage,
-                    ErrorReport("give either SECTION, OPTION and VALUE or "
-                                "--from CHANGES",
-                                "see: quarry-config set --help"));
+    throw ToolError(kExitUsage, ErrorReport("give either SECTION, OPTION and VALUE or "
+                                            "--from CHANGES",
+                                            "see: quarry-config set --help"));
   }
   if (request.changes) return ReadChanges(request);
   return {{*request.section, *request.option, *request.value}};
@@ -155,9 +143,8 @@ std::vector<Setting> SettingsFor(const SetRequest& request) {
 int RunSet(const SetRequest& request) {
   const std::vector<Setting> settings = SettingsFor(request);
   const EditedText edited = MakeEdit(
-      {request.file, request.create, request.dry_run}, [&](std::string text) {
-        return WithSettings(request.file, std::move(text), settings);
-      });
+      {request.file, request.create, request.dry_run},
+      [&](std::string text) { return WithSettings(request.file, std::move(text), settings); });
   WarnOfCarriageReturns(request.file, edited, settings);
   WarnOfPlainPassword(settings);
   return kExitDone;
@@ -165,8 +152,8 @@ int RunSet(const SetRequest& request) {
 
 int RunUnset(const UnsetRequest& request) {
   MakeEdit({request.file, false, request.dry_run}, [&](std::string text) {
-    return WithoutOption(request.file, std::move(text), request.section,
-                         request.option, request.with_comment);
+    return WithoutOption(request.file, std::move(text), request.section, request.option,
+                         request.with_comment);
   });
   return kExitDone;
 }

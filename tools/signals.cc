@@ -9,8 +9,8 @@ SignalsHeld::SignalsHeld() {
   sigfillset(&held);
   // Those of our own faults cannot wait, those that stop us may stop us, and
   // the one of a file that grows too large is ignored instead.
-  for (const int number : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP, SIGABRT,
-                           SIGSYS, SIGXFSZ, SIGTSTP, SIGTTIN, SIGTTOU}) {
+  for (const int number : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP, SIGABRT, SIGSYS, SIGXFSZ,
+                           SIGTSTP, SIGTTIN, SIGTTOU}) {
     sigdelset(&held, number);
   }
   (void)pthread_sigmask(SIG_BLOCK, &held, &before_);

@@ -18,8 +18,7 @@ class TemporaryFile {
   // Makes it in the open folder, for the file `entry` there, with the mode that
   // the umask leaves of `mode`. Waits as LockForEdit does. Throws ToolError;
   // `name` is that of the file in its message.
-  TemporaryFile(int folder, const std::string& entry, mode_t mode,
-                const std::string& name);
+  TemporaryFile(int folder, const std::string& entry, mode_t mode, const std::string& name);
   // Removes it, unless it was published.
   ~TemporaryFile();
   TemporaryFile(const TemporaryFile&) = delete;

@@ -30,8 +30,7 @@ TextEdit Joined(const TextEdit& edit) {
 // "12,3", or "12" for one line. Of no lines the one before is named.
 std::string Range(std::size_t begin, std::size_t count) {
   if (count == 0) --begin;
-  return std::to_string(begin) +
-         (count == 1 ? "" : ',' + std::to_string(count));
+  return std::to_string(begin) + (count == 1 ? "" : ',' + std::to_string(count));
 }
 
 class Differ {
@@ -56,8 +55,7 @@ class Differ {
   std::string diff_;
 };
 
-Differ::Differ(std::string_view text)
-    : unterminated_(!text.empty() && text.back() != '\n') {
+Differ::Differ(std::string_view text) : unterminated_(!text.empty() && text.back() != '\n') {
   while (!text.empty()) {
     lines_.push_back(text.substr(0, text.find('\n')));
     text.remove_prefix(std::min(lines_.back().size() + 1, text.size()));
@@ -100,8 +98,8 @@ void Differ::AddHunk(Iterator first, Iterator last) {
   for (auto edit = first; edit != std::next(last); ++edit) {
     more_ += edit->added.size() - edit->removed;
   }
-  diff_ += "@@ -" + Range(begin, end - begin) + " +" +
-           Range(new_begin, end + more_ - new_begin) + " @@\n";
+  diff_ += "@@ -" + Range(begin, end - begin) + " +" + Range(new_begin, end + more_ - new_begin) +
+           " @@\n";
   std::size_t line = begin;
   for (auto edit = first; edit != std::next(last); ++edit) {
     AddOld(' ', line, edit->line);
@@ -131,8 +129,7 @@ void Differ::AddLine(char sign, std::string_view line, bool is_last) {
 
 }  // namespace
 
-std::string UnifiedDiff(const std::string& file, std::string_view text,
-                        const TextEdit& edit) {
+std::string UnifiedDiff(const std::string& file, std::string_view text, const TextEdit& edit) {
   std::string hunks = Differ(text).Diff(edit);
   if (hunks.empty()) return hunks;
   return "--- " + file + "\n+++ " + file + '\n' + hunks;

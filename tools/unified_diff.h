@@ -10,8 +10,7 @@
 namespace quarry::tool {
 
 // Empty when the edit is. `file` is the name for both sides.
-std::string UnifiedDiff(const std::string& file, std::string_view text,
-                        const TextEdit& edit);
+std::string UnifiedDiff(const std::string& file, std::string_view text, const TextEdit& edit);
 
 }  // namespace quarry::tool
 

@@ -31,10 +31,10 @@ std::string LibraryFileOf(Function function) {
 std::string ProgramVersion() { return QUARRY_VERSION; }
 
 std::string VersionText() {
-  return "quarry-config " + ProgramVersion() + "\nlibquarry_config: " +
-         LibraryFileOf(&storage::dmconfig::DMConfig::Reset) +
-         "\nlibquarry_platform: " + LibraryFileOf(&CRStatusToStringA) +
-         "\nlibsodium " + sodium_version_string() + '\n';
+  return "quarry-config " + ProgramVersion() +
+         "\nlibquarry_config: " + LibraryFileOf(&storage::dmconfig::DMConfig::Reset) +
+         "\nlibquarry_platform: " + LibraryFileOf(&CRStatusToStringA) + "\nlibsodium " +
+         sodium_version_string() + '\n';
 }
 
 }  // namespace quarry::tool

@@ -11,9 +11,10 @@ namespace dm = quarry::storage::dmconfig;
 
 class Metab : public storage::utils::LibMetabInterface {
  public:
-  cr_status_t GetRoutingTables(const std::string& url, const std::string& login, const std::string& password,
-                               std::int32_t /*reserved*/, const std::string& /*ssl_key_dir*/,
-                               const std::string& /*r_path*/, const std::string& /*c_path*/) override {
+  cr_status_t GetRoutingTables(const std::string& url, const std::string& login,
+                               const std::string& password, std::int32_t /*reserved*/,
+                               const std::string& /*ssl_key_dir*/, const std::string& /*r_path*/,
+                               const std::string& /*c_path*/) override {
     std::cout << login << ':' << password << " asks " << url << '\n';
     return 0;
   }
