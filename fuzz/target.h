@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "dmconfig/config.h"
-#include "tests/streams.h"
+#include "tests/support/streams.h"
 
 namespace quarry::fuzz {
 

@@ -1,7 +1,7 @@
 // An operator new that fails on demand and an operator delete that looks for
 // secrets, in the program that links them. For one thread at a time.
-#ifndef QUARRY_TESTS_TEST_ALLOCATOR_H_
-#define QUARRY_TESTS_TEST_ALLOCATOR_H_
+#ifndef QUARRY_TESTS_SUPPORT_TEST_ALLOCATOR_H_
+#define QUARRY_TESTS_SUPPORT_TEST_ALLOCATOR_H_
 
 #include <functional>
 #include <string>
@@ -21,4 +21,4 @@ long FailEachAllocation(const std::string& name, const std::function<void()>& pr
 void WatchFreedMemory(const std::string& secret);
 long FreedSecrets();
 
-#endif  // QUARRY_TESTS_TEST_ALLOCATOR_H_
+#endif  // QUARRY_TESTS_SUPPORT_TEST_ALLOCATOR_H_

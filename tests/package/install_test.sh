@@ -20,7 +20,7 @@ expect() { # WANTED COMMAND...
   [ "$printed" = "$1" ] || fail "${*:2} printed: $printed"
 }
 consumer() { # FOLDER CXX CC PREFIX [CMAKE-ARGUMENT...]
-  run cmake -S "$root/tests/consumer" -B "$1" -DCMAKE_CXX_COMPILER="$2" -DCMAKE_C_COMPILER="$3" \
+  run cmake -S "$root/tests/package/consumer" -B "$1" -DCMAKE_CXX_COMPILER="$2" -DCMAKE_C_COMPILER="$3" \
     -DCMAKE_PREFIX_PATH="$4" "${@:5}"
   run cmake --build "$1"
 }
@@ -50,7 +50,7 @@ for compiler in "${compilers[@]}"; do
   read -r cxx cc <<<"$compiler"
   consumer "by-cmake-$cc" "$cxx" "$cc" "$prefix"
   expect "$started" "by-cmake-$cc/consumer" agent.conf
-  "$cxx" -std=c++17 -Wall -Werror "$root/tests/consumer/main.cc" "${flags[@]}" -o "by-pkg-config-$cc"
+  "$cxx" -std=c++17 -Wall -Werror "$root/tests/package/consumer/main.cc" "${flags[@]}" -o "by-pkg-config-$cc"
   expect "$started" env LD_LIBRARY_PATH="$prefix/lib" "./by-pkg-config-$cc" agent.conf
 done
 
@@ -66,10 +66,10 @@ printf '[c]\nn=me\np=host:secret\n[s]\nk=/keys\n[l]\nu=tables\n[m]\nu=x\n[x]\na=
 for compiler in "${compilers[@]}"; do
   read -r cxx cc <<<"$compiler"
   consumer "host-$cc" "$cxx" "$cc" "$work/host-lib/lib64/cmake" \
-    -DPLATFORM_SOURCES="$root/tests/consumer/host_platform.c;$root/platform/cr_errno_exception.cc"
+    -DPLATFORM_SOURCES="$root/tests/package/consumer/host_platform.c;$root/platform/cr_errno_exception.cc"
   expect $'me:secret asks tables\nagent 7' "host-$cc/consumer" host.conf
   expect 'Unable to get the CR login from config file (status 4)' "host-$cc/consumer" agent.conf
 done
 read -ra flags <<<"$(PKG_CONFIG_PATH=$work/host-lib/lib64/pkgconfig pkg-config --cflags --libs quarry-config)"
-run g++ -std=c++17 "$root/tests/consumer/main.cc" "${flags[@]}" -Lhost-gcc -lhost_platform -o host-by-pkg-config
+run g++ -std=c++17 "$root/tests/package/consumer/main.cc" "${flags[@]}" -Lhost-gcc -lhost_platform -o host-by-pkg-config
 expect $'me:secret asks tables\nagent 7' env LD_LIBRARY_PATH="$work/host-lib/lib64:host-gcc" ./host-by-pkg-config host.conf

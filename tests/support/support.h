@@ -1,12 +1,12 @@
 // What the tests share.
-#ifndef QUARRY_TESTS_SUPPORT_H_
-#define QUARRY_TESTS_SUPPORT_H_
+#ifndef QUARRY_TESTS_SUPPORT_SUPPORT_H_
+#define QUARRY_TESTS_SUPPORT_SUPPORT_H_
 
 #include <list>
 #include <string>
 
 #include "dmconfig/config.h"
-#include "tests/streams.h"
+#include "tests/support/streams.h"
 
 // The whole model as one short text: sections in order of creation, options in
 // order of names, a comment in parentheses behind what it belongs to:
@@ -29,4 +29,4 @@ class TempFolder {
   std::string folder_;
 };
 
-#endif  // QUARRY_TESTS_SUPPORT_H_
+#endif  // QUARRY_TESTS_SUPPORT_SUPPORT_H_

@@ -13,7 +13,7 @@
 #include <functional>
 #include <thread>
 
-#include "tests/support.h"
+#include "tests/support/support.h"
 #include "tools/errors.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/test_allocator.h"
+#include "tests/support/test_allocator.h"
 
 #include <gtest/gtest.h>
 #include <malloc.h>

@@ -14,7 +14,7 @@
 #include "platform/cr_runtime.h"
 #include "platform/local_metab.h"
 #include "platform/sealed_password.h"
-#include "tests/support.h"
+#include "tests/support/support.h"
 
 namespace {
 

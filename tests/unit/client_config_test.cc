@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support.h"
+#include "tests/support/support.h"
 
 namespace storage::config {
 namespace {

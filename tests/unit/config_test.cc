@@ -8,8 +8,8 @@
 #include <type_traits>
 #include <vector>
 
-#include "tests/support.h"
-#include "tests/test_allocator.h"
+#include "tests/support/support.h"
+#include "tests/support/test_allocator.h"
 
 namespace quarry::storage::dmconfig {
 namespace {

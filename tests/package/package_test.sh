@@ -3,7 +3,7 @@
 # bare Debian 12 of their own, with only them goes through the transcript, removes them
 # and looks for what they left. Needs root.
 set -euo pipefail
-packages=$(realpath "$1") transcript=$(realpath "$2") tests=$(realpath "$(dirname "$0")")
+packages=$(realpath "$1") transcript=$(realpath "$2") tests=$(realpath "$(dirname "$0")/..")
 work=$(mktemp -d)
 root=$work/root
 trap 'mountpoint -q "$root/proc" && umount "$root/proc"; rm -rf "$work"' EXIT
@@ -22,7 +22,7 @@ mount -t proc proc "$root/proc"
 cp /etc/resolv.conf "$root/etc/"
 find /etc/apt/apt.conf.d -name '99*' -exec cp {} "$root/etc/apt/apt.conf.d/" \;
 mkdir "$root/tmp/packages"
-cp "$packages"/*.deb "$tests/transcript_test.sh" "$transcript" "$root/tmp/packages"
+cp "$packages"/*.deb "$tests/cli/transcript_test.sh" "$transcript" "$root/tmp/packages"
 names >"$work/before"
 
 say 'install'

@@ -1,6 +1,6 @@
 // Streams that the tests and the fuzz targets share.
-#ifndef QUARRY_TESTS_STREAMS_H_
-#define QUARRY_TESTS_STREAMS_H_
+#ifndef QUARRY_TESTS_SUPPORT_STREAMS_H_
+#define QUARRY_TESTS_SUPPORT_STREAMS_H_
 
 #include <algorithm>
 #include <iostream>
@@ -65,4 +65,4 @@ class CerrCapture {
   std::streambuf* const usual_;
 };
 
-#endif  // QUARRY_TESTS_STREAMS_H_
+#endif  // QUARRY_TESTS_SUPPORT_STREAMS_H_

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "dmconfig/config_file.h"
-#include "tests/support.h"
+#include "tests/support/support.h"
 
 namespace quarry::storage::dmconfig {
 namespace {

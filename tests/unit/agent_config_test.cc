@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "platform/cr_runtime.h"
-#include "tests/support.h"
-#include "tests/test_allocator.h"
+#include "tests/support/support.h"
+#include "tests/support/test_allocator.h"
 
 namespace {
 

@@ -20,7 +20,7 @@
 #include "platform/file_descriptor.h"
 #include "platform/local_metab.h"
 #include "platform/sealed_password.h"
-#include "tests/support.h"
+#include "tests/support/support.h"
 
 namespace quarry::platform {
 namespace {

@@ -9,8 +9,8 @@
 #include "config/client_config.h"
 #include "dmconfig/config.h"
 #include "dmconfig/config_file.h"
-#include "tests/support.h"
-#include "tests/test_allocator.h"
+#include "tests/support/support.h"
+#include "tests/support/test_allocator.h"
 
 namespace quarry::storage::dmconfig {
 namespace {
