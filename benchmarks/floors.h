@@ -16,7 +16,7 @@
 
 #include "benchmarks/workload.h"
 #include "dmconfig/config.h"
-#include "platform/file_descriptor.h"
+#include "platform/local/file_descriptor.h"
 
 namespace quarry::benchmarks {
 

@@ -47,7 +47,7 @@ int DMConfig::GetSectionList(std::list<std::string>* sections) {
 int DMConfig::GetSectionComment(const std::string& section, std::string* comment) {
   if (section.empty() || comment == nullptr) return kStatusInvalidArgument;
   const SectionOptionMap* record = GetOptionMap(section);
-  if (record == nullptr) return kStatusNoRecord;
+  if (record == nullptr) return kStatusOutOfMemory;
   *comment = record->comment;
   return kStatusOk;
 }
@@ -55,7 +55,7 @@ int DMConfig::GetSectionComment(const std::string& section, std::string* comment
 int DMConfig::SetSectionComment(const std::string& section, const std::string& comment) {
   if (section.empty()) return kStatusInvalidArgument;
   SectionOptionMap* record = GetOptionMap(section);
-  if (record == nullptr) return kStatusNoRecord;
+  if (record == nullptr) return kStatusOutOfMemory;
   record->comment = comment;
   return kStatusOk;
 }
@@ -71,7 +71,7 @@ int DMConfig::SetOptionValue(const std::string& section, const std::string& opti
                              const std::string& value) {
   if (section.empty() || option.empty()) return kStatusInvalidArgument;
   SectionOptionMap* record = GetOptionMap(section);
-  if (record == nullptr) return kStatusNoRecord;
+  if (record == nullptr) return kStatusOutOfMemory;
   FindOrAddOption(record, option).value = value;
   return kStatusOk;
 }
@@ -80,7 +80,7 @@ int DMConfig::SetOptionValue(const std::string& section, const std::string& opti
                              const std::string& value, const std::string& comment) {
   if (section.empty() || option.empty()) return kStatusInvalidArgument;
   SectionOptionMap* record = GetOptionMap(section);
-  if (record == nullptr) return kStatusNoRecord;
+  if (record == nullptr) return kStatusOutOfMemory;
   StoreValueAndComment(&FindOrAddOption(record, option), value, comment);
   return kStatusOk;
 }
@@ -89,7 +89,7 @@ int DMConfig::SetOptionComment(const std::string& section, const std::string& op
                                const std::string& comment) {
   if (section.empty() || option.empty()) return kStatusInvalidArgument;
   SectionOptionMap* record = GetOptionMap(section);
-  if (record == nullptr) return kStatusNoRecord;
+  if (record == nullptr) return kStatusOutOfMemory;
   FindOrAddOption(record, option).comment = comment;
   return kStatusOk;
 }
@@ -99,7 +99,7 @@ int DMConfig::GetOptionValue(const std::string& section, const std::string& opti
   if (section.empty() || option.empty()) return kStatusInvalidArgument;
   if (value == nullptr || comment == nullptr) return kStatusInvalidArgument;
   const SectionOptionMap* record = GetOptionMap(section);
-  if (record == nullptr) return kStatusNoRecord;
+  if (record == nullptr) return kStatusOutOfMemory;
 
   const auto found = record->option_map.find(option);
   if (found == record->option_map.end()) return kStatusNoSuchOption;
@@ -113,7 +113,7 @@ int DMConfig::GetSectionOptionList(const std::string& section, std::string* comm
   if (section.empty()) return kStatusInvalidArgument;
   if (comment == nullptr || options == nullptr) return kStatusInvalidArgument;
   const SectionOptionMap* record = GetOptionMap(section);
-  if (record == nullptr) return kStatusNoRecord;
+  if (record == nullptr) return kStatusOutOfMemory;
 
   *comment = record->comment;
   options->clear();

@@ -29,76 +29,15 @@
 #ifndef QUARRY_DMCONFIG_CONFIG_H_
 #define QUARRY_DMCONFIG_CONFIG_H_
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
 #include <list>
 #include <map>
 #include <string>
 #include <string_view>
 
+#include "dmconfig/string_case_cmp.h"
 #include "platform/export.h"
 
 namespace quarry::storage::dmconfig {
-
-// The order of all section and option names: true when `left` comes before
-// `right` by their bytes up to the first NUL, taken as unsigned, with A to Z
-// folded onto a to z. This is strcasecmp in the C locale, whatever locale the
-// process has set. So "_" comes before every letter and bytes from 0x80 on come
-// last; letters outside ASCII are not folded.
-struct StringCaseCmp {
-  // Whether `left` comes before `right`. Any thread may call.
-  bool operator()(const std::string& left, const std::string& right) const noexcept {
-    const char* l = left.c_str();
-    const char* r = right.c_str();
-    // Half of all comparisons end here.
-    if (Folded(*l) != Folded(*r)) return Folded(*l) < Folded(*r);
-
-    // Eight bytes at a time, the last eight again with some before them.
-    const std::size_t shared = std::min(left.size(), right.size());
-    for (std::size_t at = 0; shared >= kWordSize;
-         at = std::min(at + kWordSize, shared - kWordSize)) {
-      const std::uint64_t left_word = Folded(WordAt(l + at));
-      const std::uint64_t right_word = Folded(WordAt(r + at));
-      if (HasNul(left_word | right_word)) break;  // in the same place
-      if (left_word != right_word) return left_word < right_word;
-      if (at + kWordSize == shared) return Folded(l[shared]) < Folded(r[shared]);
-    }
-
-    for (;; ++l, ++r) {
-      const unsigned char left_byte = Folded(*l), right_byte = Folded(*r);
-      if (left_byte != right_byte) return left_byte < right_byte;
-      if (left_byte == 0) return false;
-    }
-  }
-
- private:
-  static constexpr std::size_t kWordSize = sizeof(std::uint64_t);
-  static constexpr std::uint64_t kOnes = 0x0101010101010101;
-  static constexpr std::uint64_t kHighBits = 0x80 * kOnes;
-
-  // The eight bytes at `text`, the first one highest.
-  static std::uint64_t WordAt(const char* text) noexcept {
-    std::uint64_t word;
-    std::memcpy(&word, text, sizeof word);
-    return __builtin_bswap64(word);
-  }
-  static bool HasNul(std::uint64_t word) noexcept {
-    return ((word - kOnes) & ~word & kHighBits) != 0;
-  }
-  // Adds 0x20 to each byte from A to Z: those below 0x80 whose high bit is set
-  // by adding up to "A" and not yet by adding up to the byte after "Z".
-  static std::uint64_t Folded(std::uint64_t word) noexcept {
-    const std::uint64_t low = word & ~kHighBits;
-    const std::uint64_t from_a = low + (0x80 - 'A') * kOnes;
-    const std::uint64_t past_z = low + (0x80 - 'Z' - 1) * kOnes;
-    return word + (((from_a & ~past_z) & ~word & kHighBits) >> 2);
-  }
-  static unsigned char Folded(char c) noexcept {
-    return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-  }
-};
 
 // What is stored of one option. An empty comment means that there is none.
 struct OptionValue {

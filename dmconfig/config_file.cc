@@ -95,7 +95,7 @@ int TextReader::ReadHeader(std::string_view line) {
 
   name_ = header.name;
   section_ = config_->GetOptionMap(name_);
-  if (section_ == nullptr) return kStatusNoRecord;
+  if (section_ == nullptr) return kStatusOutOfMemory;
   section_->comment = pending_comment_;
   pending_comment_.clear();
   return kStatusOk;

@@ -19,7 +19,7 @@ inline constexpr int kStatusInvalidLine = -2;
 inline constexpr int kStatusStreamFailed = -4;
 
 // A section's record could not be obtained: memory is exhausted.
-inline constexpr int kStatusNoRecord = -5;
+inline constexpr int kStatusOutOfMemory = -5;
 
 // There is no such section; only HasSection says so.
 inline constexpr int kStatusNoSuchSection = -6;

@@ -8,7 +8,7 @@
 
 #include "config/agent_config.h"
 #include "platform/cr_runtime.h"
-#include "platform/local_metab.h"
+#include "platform/local/local_metab.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "fuzz/target.h"
-#include "platform/sealed_password.h"
+#include "platform/local/sealed_password.h"
 
 namespace quarry::fuzz {
 

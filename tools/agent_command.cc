@@ -7,7 +7,7 @@
 
 #include "config/agent_config.h"
 #include "platform/cr_runtime.h"
-#include "platform/local_metab.h"
+#include "platform/local/local_metab.h"
 #include "tools/agent_settings.h"
 #include "tools/check_text.h"
 #include "tools/commands.h"

@@ -7,7 +7,7 @@
 
 #include "platform/config_names.h"
 #include "platform/cr_runtime.h"
-#include "platform/sealed_password.h"
+#include "platform/local/sealed_password.h"
 #include "tools/display.h"
 #include "tools/nearest.h"
 

@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/file_descriptor.h"
+#include "platform/local/file_descriptor.h"
 #include "tools/display.h"
 #include "tools/errors.h"
 #include "tools/files.h"

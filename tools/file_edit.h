@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/file_descriptor.h"
+#include "platform/local/file_descriptor.h"
 #include "tools/signals.h"
 #include "tools/temporary_file.h"
 

@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "platform/file_descriptor.h"
+#include "platform/local/file_descriptor.h"
 #include "tools/display.h"
 #include "tools/errors.h"
 

@@ -9,8 +9,8 @@
 #include <csignal>
 #include <string_view>
 
-#include "platform/file_descriptor.h"
-#include "platform/sealed_password.h"
+#include "platform/local/file_descriptor.h"
+#include "platform/local/sealed_password.h"
 #include "tools/agent_settings.h"
 #include "tools/commands.h"
 #include "tools/display.h"

@@ -7,7 +7,7 @@
 #include <set>
 #include <utility>
 
-#include "platform/sealed_password.h"
+#include "platform/local/sealed_password.h"
 #include "tools/agent_settings.h"
 #include "tools/check_as.h"
 #include "tools/checked_edit.h"

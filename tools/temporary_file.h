@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "platform/file_descriptor.h"
+#include "platform/local/file_descriptor.h"
 
 namespace quarry::tool {
 

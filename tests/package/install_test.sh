@@ -66,7 +66,7 @@ printf '[c]\nn=me\np=host:secret\n[s]\nk=/keys\n[l]\nu=tables\n[m]\nu=x\n[x]\na=
 for compiler in "${compilers[@]}"; do
   read -r cxx cc <<<"$compiler"
   consumer "host-$cc" "$cxx" "$cc" "$work/host-lib/lib64/cmake" \
-    -DPLATFORM_SOURCES="$root/tests/package/consumer/host_platform.c;$root/platform/cr_errno_exception.cc"
+    -DPLATFORM_SOURCES="$root/tests/package/consumer/host_platform.c;$root/platform/local/cr_errno_exception.cc"
   expect $'me:secret asks tables\nagent 7' "host-$cc/consumer" host.conf
   expect 'Unable to get the CR login from config file (status 4)' "host-$cc/consumer" agent.conf
 done

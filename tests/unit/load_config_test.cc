@@ -1,7 +1,6 @@
-#include "dmconfig/config_file.h"
-
 #include <gtest/gtest.h>
 
+#include "dmconfig/config_file.h"
 #include "tests/support/support.h"
 
 namespace quarry::storage::dmconfig {

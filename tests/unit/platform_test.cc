@@ -17,9 +17,9 @@
 #include <type_traits>
 
 #include "platform/cr_runtime.h"
-#include "platform/file_descriptor.h"
-#include "platform/local_metab.h"
-#include "platform/sealed_password.h"
+#include "platform/local/file_descriptor.h"
+#include "platform/local/local_metab.h"
+#include "platform/local/sealed_password.h"
 #include "tests/support/support.h"
 
 namespace quarry::platform {

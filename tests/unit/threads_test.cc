@@ -12,8 +12,8 @@
 #include "config/client_config.h"
 #include "dmconfig/config_file.h"
 #include "platform/cr_runtime.h"
-#include "platform/local_metab.h"
-#include "platform/sealed_password.h"
+#include "platform/local/local_metab.h"
+#include "platform/local/sealed_password.h"
 #include "tests/support/support.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/local_metab.h"
+#include "platform/local/local_metab.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/file_descriptor.h"
+#include "platform/local/file_descriptor.h"
 
 namespace storage::utils {
 

@@ -1,7 +1,7 @@
 // The base64 of key files and stored passwords: URL-safe, without padding. Not
 // installed.
-#ifndef QUARRY_PLATFORM_BASE64_H_
-#define QUARRY_PLATFORM_BASE64_H_
+#ifndef QUARRY_PLATFORM_LOCAL_BASE64_H_
+#define QUARRY_PLATFORM_LOCAL_BASE64_H_
 
 #include <sodium.h>
 
@@ -26,4 +26,4 @@ inline bool DecodeBase64(std::string_view text, unsigned char* bytes, std::size_
 
 }  // namespace quarry::platform
 
-#endif  // QUARRY_PLATFORM_BASE64_H_
+#endif  // QUARRY_PLATFORM_LOCAL_BASE64_H_

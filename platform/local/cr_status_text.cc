@@ -1,5 +1,5 @@
 #include "platform/cr_runtime.h"
-#include "platform/local_metab.h"
+#include "platform/local/local_metab.h"
 
 extern "C" const char* CRStatusToStringA(cr_status_t status) {
   switch (status) {

@@ -1,7 +1,7 @@
 // Small helpers over file descriptors, for the stand-ins and the tool. Not
 // installed.
-#ifndef QUARRY_PLATFORM_FILE_DESCRIPTOR_H_
-#define QUARRY_PLATFORM_FILE_DESCRIPTOR_H_
+#ifndef QUARRY_PLATFORM_LOCAL_FILE_DESCRIPTOR_H_
+#define QUARRY_PLATFORM_LOCAL_FILE_DESCRIPTOR_H_
 
 #include <poll.h>
 #include <unistd.h>
@@ -80,4 +80,4 @@ inline bool WriteAll(int descriptor, const char* bytes, std::size_t size) {
 
 }  // namespace quarry::platform
 
-#endif  // QUARRY_PLATFORM_FILE_DESCRIPTOR_H_
+#endif  // QUARRY_PLATFORM_LOCAL_FILE_DESCRIPTOR_H_

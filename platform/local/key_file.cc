@@ -1,4 +1,4 @@
-// Key files: their text, and who may have access.
+#include "platform/local/key_file.h"
 
 #include <fcntl.h>
 #include <sodium.h>
@@ -7,10 +7,10 @@
 
 #include <cerrno>
 #include <cstring>
+#include <string_view>
 
-#include "platform/base64.h"
-#include "platform/file_descriptor.h"
-#include "platform/sealed_password.h"
+#include "platform/local/base64.h"
+#include "platform/local/file_descriptor.h"
 
 namespace quarry::platform {
 

@@ -1,4 +1,4 @@
-#include "platform/sealed_password.h"
+#include "platform/local/sealed_password.h"
 
 #include <sodium.h>
 
@@ -6,7 +6,8 @@
 #include <array>
 #include <cstring>
 
-#include "platform/base64.h"
+#include "platform/local/base64.h"
+#include "platform/local/secret_bytes.h"
 
 namespace quarry::platform {
 
@@ -92,12 +93,6 @@ std::string Encode(const SealedBytes& sealed) {
 }
 
 }  // namespace
-
-SecretBytes::SecretBytes(std::size_t size)
-    : data_(sodium_init() < 0 ? nullptr : static_cast<unsigned char*>(sodium_malloc(size))),
-      size_(size) {}
-
-SecretBytes::~SecretBytes() { sodium_free(data_); }
 
 DecryptResult SealPasswordWithNonce(const SealingKey& key, const unsigned char* nonce,
                                     std::string_view password, std::string* stored) {

@@ -1,7 +1,7 @@
 // LocalMetab is a metabase service library for one machine without a server:
 // the ledger is a folder that holds the two routing tables as files.
-#ifndef QUARRY_PLATFORM_LOCAL_METAB_H_
-#define QUARRY_PLATFORM_LOCAL_METAB_H_
+#ifndef QUARRY_PLATFORM_LOCAL_LOCAL_METAB_H_
+#define QUARRY_PLATFORM_LOCAL_LOCAL_METAB_H_
 
 #include <string>
 
@@ -51,4 +51,4 @@ class QUARRY_EXPORT LocalMetab : public LibMetabInterface {
 
 }  // namespace storage::utils
 
-#endif  // QUARRY_PLATFORM_LOCAL_METAB_H_
+#endif  // QUARRY_PLATFORM_LOCAL_LOCAL_METAB_H_
