@@ -6,9 +6,9 @@
 #include <sstream>
 #include <utility>
 
+#include "config/agent_settings.h"
 #include "dmconfig/config_file.h"
 #include "dmconfig/status.h"
-#include "platform/config_names.h"
 #include "platform/cr_runtime.h"
 
 namespace storage::config {
@@ -91,34 +91,40 @@ void AgentCfg::LoadConfigOrDie(DMConfig* config) {
 }
 
 void AgentCfg::GetConfigValuesOrDie(DMConfig* config) {
-  struct RequiredSetting {
-    std::size_t section, entry;
-    std::string* field;
-    const char* message;
-  };
-  const RequiredSetting settings[] = {
-      {kSectionCr, kEntryLogin, &cr_login_, "Unable to get the CR login from config file"},
-      {kSectionCr, kEntryPassword, &cr_password_, "Unable to get the CR password from config file"},
-      {kSectionSsl, kEntryKeyDir, &ssl_key_dir_, "Unable to load SSL key dir from config file"},
-      {kSectionLedger, kEntryUrl, &ledger_url_, "Unable to load LEDGER url from config file"},
-      {kSectionMetabase, kEntryUrl, &metabase_url_, "Unable to load metabase url from config file"},
-      {kSectionControl, kEntryAddress, &ctrl_address_,
-       "Unable to load ctrl address from config file"},
+  const auto field_of = [this](AgentSetting setting) -> std::string* {
+    switch (setting) {
+      case AgentSetting::kLogin:
+        return &cr_login_;
+      case AgentSetting::kPassword:
+        return &cr_password_;
+      case AgentSetting::kKeyDir:
+        return &ssl_key_dir_;
+      case AgentSetting::kLedgerUrl:
+        return &ledger_url_;
+      case AgentSetting::kMetabaseUrl:
+        return &metabase_url_;
+      case AgentSetting::kControlAddress:
+        return &ctrl_address_;
+      case AgentSetting::kNumericOption:
+        break;
+    }
+    return nullptr;
   };
   std::string comment;  // required by the look-up, not used
-  for (const RequiredSetting& setting : settings) {
-    const int status = config->GetOptionValue(SectionName(setting.section),
-                                              EntryName(setting.entry), setting.field, &comment);
-    if (status != kStatusOk) Die(setting.message);
+  for (const AgentSettingRow& row : kAgentSettings) {
+    if (!row.is_required()) continue;
+    const int status = config->GetOptionValue(row.section_name(), row.option_name(),
+                                              field_of(row.setting), &comment);
+    if (status != kStatusOk) Die(row.failure);
   }
   GetNumericOption(config);
   DecryptPasswordOrDie();
 }
 
 void AgentCfg::GetNumericOption(DMConfig* config) {
+  const AgentSettingRow& row = RowOf(AgentSetting::kNumericOption);
   std::string text, comment;
-  const int status = config->GetOptionValue(SectionName(kSectionAgent),
-                                            EntryName(kEntryNumericOption), &text, &comment);
+  const int status = config->GetOptionValue(row.section_name(), row.option_name(), &text, &comment);
   numeric_option_ = kDefaultNumericOption;
   if (status != kStatusOk) return;
   // Whatever is written there has a number.

@@ -1,22 +1,24 @@
 // Promise: `check` finds an error exactly when the library refuses the text,
 // the first one on the line where it stops; its reports are fit for a terminal.
+#include "tools/check/check.h"
+
 #include <algorithm>
 
 #include "fuzz/second_reader.h"
 #include "fuzz/target.h"
-#include "tools/check_text.h"
-#include "tools/display.h"
+#include "tools/check/finding_text.h"
+#include "tools/terminal/terminal_text.h"
 
 namespace quarry::fuzz {
 
 namespace {
 
-using tool::Finding;
+using settings::Finding;
 
 // Printable, but for line feeds and the tabs of a quoted line.
 bool IsFitForATerminal(std::string report) {
   for (char& c : report) c = c == '\n' || c == '\t' ? ' ' : c;
-  return tool::Shown(report) == report;
+  return tool::EscapeForTerminal(report) == report;
 }
 
 }  // namespace
@@ -28,7 +30,7 @@ void TryInput(const std::string& input) {
   const CerrCapture cerr;
   storage::dmconfig::DMConfig model;
   const bool loads = Load(text, &model) == 0;
-  const std::vector<Finding> findings = tool::CheckText(text, "a file");
+  const std::vector<Finding> findings = tool::CheckForProgram(text, "a file", tool::Program::kNone);
   const auto first = std::find_if(findings.begin(), findings.end(),
                                   [](const Finding& finding) { return finding.IsError(); });
   Demand((first == findings.end()) == loads, "errors are what the library refuses");
@@ -41,7 +43,8 @@ void TryInput(const std::string& input) {
   Saw(loads ? findings.empty() ? "clean" : "warned" : "refused");
   for (const Finding& finding : findings) {
     Demand(finding.line > 0 && finding.column > 0 && finding.length > 0, "a finding is somewhere");
-    Demand(IsFitForATerminal(FindingReport(finding, "a file", false)),
+    const tool::Diagnostic diagnostic = tool::DiagnosticsOf({finding}, "a file").front();
+    Demand(IsFitForATerminal(FormatDiagnostic(diagnostic, false)),
            "no control bytes reach a terminal");
   }
 }

@@ -9,21 +9,25 @@
 
 #include "fuzz/second_reader.h"
 #include "fuzz/target.h"
-#include "tools/checked_edit.h"
-#include "tools/errors.h"
+#include "settings/error.h"
+#include "settings/verified_edit.h"
 
 namespace quarry::fuzz {
 
 namespace {
 
-using tool::Setting;
+using settings::Document;
+using settings::Setting;
 
 std::string Set(const std::string& text, const Setting& setting) {
-  return tool::WithSettings("f", text, {setting}).text;
+  settings::RequireReadable(setting);
+  Document document("f", std::string(text));
+  return settings::WithSettings(&document, {setting}).text;
 }
 
 std::string Unset(const std::string& text, const Setting& setting, bool with_comment) {
-  return tool::WithoutOption("f", text, setting.section, setting.option, with_comment).text;
+  Document document("f", std::string(text));
+  return settings::WithoutOption(&document, setting.section, setting.option, with_comment).text;
 }
 
 // Whether a reader of the lines that the writer makes of a setting gets it. A NUL
@@ -74,12 +78,12 @@ void Add(std::vector<Option>* options, const Setting& setting) {
   options->insert(at, {setting.option, setting.value, ""});
 }
 
-void DemandRefused(const std::string& text, const Setting& setting, tool::ExitStatus status) {
+void DemandRefused(const std::string& text, const Setting& setting, settings::ErrorKind kind) {
   try {
     Set(text, setting);
     Demand(false, "what cannot be read back is refused");
-  } catch (const tool::ToolError& error) {
-    Demand(error.exit_status() == status, "a refusal says whose fault it is");
+  } catch (const settings::Error& error) {
+    Demand(error.kind == kind, "a refusal says whose fault it is");
   }
 }
 
@@ -145,17 +149,17 @@ void TryInput(const std::string& input) {
   const Reading reading = ReadText(text);
   if (!ComesBack(setting)) {
     Saw("setting refused");
-    DemandRefused(text, setting, tool::kExitNo);
+    DemandRefused(text, setting, settings::ErrorKind::kRefused);
   } else if (reading.status != 0) {
     Saw("text refused");
-    DemandRefused(text, setting, tool::kExitFailed);
+    DemandRefused(text, setting, settings::ErrorKind::kInvalidText);
   }
   if (reading.status != 0) return;
   try {
     TryUnset(text, setting, input.size() % 2 == 0, reading.sections);
     if (ComesBack(setting)) TrySet(text, setting, reading.sections);
-  } catch (const tool::ToolError& error) {
-    Demand(false, error.report().c_str());
+  } catch (const settings::Error& error) {
+    Demand(false, error.what());
   }
 }
 

@@ -24,6 +24,6 @@ for command in "${commands[@]}"; do
     fail "the man page has other options of $command"
 done
 
-rules=$(grep -oE '"[a-z]+(-[a-z]+)*",' "$root/tools/rules.h" | tr -d '",' | sort)
+rules=$(grep -ohE '"[a-z]+(-[a-z]+)*",' "$root/settings/rules.h" "$root/tools/check/program_rules.h" | tr -d '",' | sort)
 # shellcheck disable=SC2016 # backticks of the page
 [ "$rules" = "$(grep -oE '^. `[a-z-]+` . (error|warning)' "$root/docs/ci.md" | cut -d'`' -f2 | sort)" ] || fail 'docs/ci.md has other rules'

@@ -1,0 +1,113 @@
+#include "settings/file_attributes.h"
+
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <optional>
+#include <vector>
+
+#include "settings/error.h"
+
+namespace quarry::settings {
+
+namespace {
+
+// What `read`, which is flistxattr or fgetxattr, returns; nullopt with errno on failure.
+template <typename Read>
+std::optional<std::string> ReadWhole(Read read) {
+  for (;;) {
+    const ssize_t size = read(nullptr, 0);
+    if (size == -1) return std::nullopt;
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    const ssize_t count = read(bytes.data(), bytes.size());
+    if (count == -1 && errno == ERANGE) continue;  // it grew meanwhile
+    if (count == -1) return std::nullopt;
+    bytes.resize(static_cast<std::size_t>(count));
+    return bytes;
+  }
+}
+
+std::optional<std::string> Attribute(int file, const std::string& name) {
+  return ReadWhole(
+      [&](char* bytes, std::size_t size) { return fgetxattr(file, name.c_str(), bytes, size); });
+}
+
+class AttributeKeeper {
+ public:
+  AttributeKeeper(int from, int to, const std::string& name) : from_(from), to_(to), name_(name) {}
+
+  void KeepOwnerOf(const struct stat& status);
+  void KeepExtended();
+  void KeepModeOf(const struct stat& status);
+
+ private:
+  [[noreturn]] void Refuse(const std::string& what) const {
+    throw SystemError("keep " + what + " of " + name_, name_, errno);
+  }
+  std::vector<std::string> NamesOf(int file) const;
+
+  const int from_;
+  const int to_;
+  const std::string& name_;
+};
+
+void AttributeKeeper::KeepOwnerOf(const struct stat& status) {
+  struct stat now {};
+  if (fstat(to_, &now) != 0) Refuse("the owner");
+  if (now.st_uid == status.st_uid && now.st_gid == status.st_gid) return;
+  if (fchown(to_, status.st_uid, status.st_gid) != 0) Refuse("the owner");
+}
+
+// A folder may give new files attributes that the old file lacks.
+void AttributeKeeper::KeepExtended() {
+  const std::vector<std::string> wanted = NamesOf(from_);
+  for (const std::string& name : wanted) {
+    const auto value = Attribute(from_, name);
+    if (!value) Refuse("the attribute " + name);
+    if (Attribute(to_, name) == value) continue;
+    if (fsetxattr(to_, name.c_str(), value->data(), value->size(), 0) != 0) {
+      Refuse("the attribute " + name);
+    }
+  }
+  for (const std::string& name : NamesOf(to_)) {
+    if (std::find(wanted.begin(), wanted.end(), name) != wanted.end()) continue;
+    if (fremovexattr(to_, name.c_str()) != 0) {
+      Refuse("the lack of the attribute " + name);
+    }
+  }
+}
+
+void AttributeKeeper::KeepModeOf(const struct stat& status) {
+  constexpr mode_t kPermissions = 07777;
+  if (fchmod(to_, status.st_mode & kPermissions) != 0) Refuse("the mode");
+}
+
+std::vector<std::string> AttributeKeeper::NamesOf(int file) const {
+  const auto list =
+      ReadWhole([file](char* bytes, std::size_t size) { return flistxattr(file, bytes, size); });
+  if (!list && errno == ENOTSUP) return {};
+  if (!list) Refuse("the attributes");
+  std::vector<std::string> names;
+  for (std::size_t at = 0; at < list->size(); at += names.back().size() + 1) {
+    names.emplace_back(list->c_str() + at);  // each ends in a NUL
+  }
+  return names;
+}
+
+}  // namespace
+
+// In this order: a change of owner takes bits from the mode, and the mode's
+// bits for the group are those of the access control list.
+void KeepAttributes(int from, int to, const std::string& name) {
+  struct stat status {};
+  if (fstat(from, &status) != 0) throw SystemError("read " + name, name, errno);
+  AttributeKeeper keeper(from, to, name);
+  keeper.KeepOwnerOf(status);
+  keeper.KeepExtended();
+  keeper.KeepModeOf(status);
+}
+
+}  // namespace quarry::settings

@@ -1,0 +1,18 @@
+// Reading whole files.
+#ifndef QUARRY_SETTINGS_FILE_READING_H_
+#define QUARRY_SETTINGS_FILE_READING_H_
+
+#include <string>
+
+namespace quarry::settings {
+
+// Returns the whole content of the file; a pipe will do. Throws Error.
+std::string ReadFile(const std::string& file);
+
+// Returns all that is left to read of an open file. Throws Error; `name` is that of the file for
+// its message.
+std::string ReadAll(int descriptor, const std::string& name);
+
+}  // namespace quarry::settings
+
+#endif  // QUARRY_SETTINGS_FILE_READING_H_

@@ -1,0 +1,170 @@
+#include "settings/file_replacement.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "settings/error.h"
+#include "settings/file_attributes.h"
+#include "settings/file_reading.h"
+
+namespace quarry::settings {
+
+namespace {
+
+bool IsSameFile(const struct stat& left, const struct stat& right) {
+  return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+// Every change of a file, of its text or its attributes, changes this time, and nobody can set it.
+bool IsSameVersion(const struct stat& left, const struct stat& right) {
+  return IsSameFile(left, right) && left.st_ctim.tv_sec == right.st_ctim.tv_sec &&
+         left.st_ctim.tv_nsec == right.st_ctim.tv_nsec;
+}
+
+// Such as "/dev/stdout".
+bool IsOpenFile(const std::filesystem::path& folder, const std::filesystem::path& path) {
+  const auto in_proc = [](const std::filesystem::path& place) {
+    return place.string().compare(0, 6, "/proc/") == 0;
+  };
+  std::error_code error;
+  return in_proc(folder) || in_proc(std::filesystem::read_symlink(path, error));
+}
+
+// The path without links. The file itself may be absent, but then nothing else may have its name.
+std::filesystem::path Resolve(const std::string& file) {
+  const std::filesystem::path path(file);
+  std::error_code error;
+  const auto given = path.parent_path();
+  const auto folder = std::filesystem::canonical(given.empty() ? "." : given, error);
+  if (!error && IsOpenFile(folder, path)) {
+    throw Error(ErrorKind::kOpenFile, file,
+                file + " is an open file of a process, which cannot be replaced");
+  }
+  if (!error) {
+    auto resolved = std::filesystem::canonical(path, error);
+    if (!error) return resolved;
+  }
+  struct stat status {};
+  if (folder.empty()) throw SystemError("open the folder of " + file, file, error.value());
+  const bool is_absent = error.value() == ENOENT && path.has_filename();
+  if (is_absent && lstat(file.c_str(), &status) == 0) {
+    throw Error(ErrorKind::kFailed, file, file + " is a link to a file that does not exist",
+                "make that file, or remove the link");
+  }
+  if (is_absent && errno == ENOENT) return folder / path.filename();
+  throw SystemError("open " + file, file, error.value());
+}
+
+}  // namespace
+
+FileReplacement::FileReplacement(const std::string& file, Options options)
+    : options_(std::move(options)), timer_(options_.max_wait, options_.on_wait), name_(file) {
+  const std::filesystem::path path = Resolve(file);
+  entry_ = path.filename();
+  folder_.Reset(open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (folder_.get() == -1) throw SystemError("open the folder of " + name_, name_, errno);
+  if (OpenOld()) return;
+  if (!options_.new_mode) {
+    throw Error(ErrorKind::kNotFound, name_,
+                "cannot open " + name_ + ": No such file or directory");
+  }
+  if (!options_.read_only) PrepareNew();
+}
+
+// Concurrent creators wait for our temporary file, and then find what we created.
+void FileReplacement::PrepareNew() {
+  struct stat status {};
+  blocked_.emplace();
+  do {
+    new_.emplace(folder_.get(), entry_, *options_.new_mode, name_, &timer_);
+    if (!FindInPlace(&status)) return;
+    new_.reset();
+  } while (!OpenOld());
+  blocked_.reset();
+}
+
+// Returns false when there is no such file.
+bool FileReplacement::OpenOld() {
+  const int access = options_.read_only ? O_RDONLY : O_RDWR;
+  struct stat in_place {};
+  do {
+    old_.Reset(openat(folder_.get(), entry_.c_str(),
+                      access | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!exists() && errno == ENOENT) return false;
+    if (!exists()) {
+      throw SystemError("open " + name_ + (options_.read_only ? "" : " for writing"), name_, errno);
+    }
+    if (!options_.read_only) LockForEdit(old_.get(), name_, &timer_);
+    if (fstat(old_.get(), &status_) != 0) throw SystemError("read " + name_, name_, errno);
+    // The edit that was waited for has put another file in its place.
+  } while (!FindInPlace(&in_place) || !IsSameFile(status_, in_place));
+  RequireReplaceable();
+  return true;
+}
+
+// Only ENOENT means that a file is absent.
+bool FileReplacement::FindInPlace(struct stat* status) const {
+  if (fstatat(folder_.get(), entry_.c_str(), status, AT_SYMLINK_NOFOLLOW) == 0) {
+    return true;
+  }
+  if (errno != ENOENT) throw SystemError("find " + name_, name_, errno);
+  return false;
+}
+
+void FileReplacement::RequireReplaceable() const {
+  if (!S_ISREG(status_.st_mode)) {
+    throw Error(ErrorKind::kFailed, name_, name_ + " is not a regular file");
+  }
+  if (status_.st_nlink > 1) {
+    throw Error(ErrorKind::kFailed, name_,
+                name_ + " has " + std::to_string(status_.st_nlink) +
+                    " names (hard links), which an edit would part",
+                "make them symbolic links, or copies");
+  }
+}
+
+const std::string& FileReplacement::text() {
+  if (!text_) text_ = exists() ? ReadAll(old_.get(), name_) : "";
+  return *text_;
+}
+
+void FileReplacement::Replace(std::string_view text) {
+  if (exists() && text == this->text()) return;
+  if (exists()) {
+    blocked_.emplace();
+    new_.emplace(folder_.get(), entry_, kPrivateMode, name_, &timer_);
+  }
+  WriteAndPublish(text);
+  if (fsync(folder_.get()) == 0) return;
+  throw Error(ErrorKind::kFailed, name_,
+              "the edit of " + name_ + " is in place, but its folder cannot be flushed: " +
+                  std::generic_category().message(errno));
+}
+
+void FileReplacement::WriteAndPublish(std::string_view text) {
+  if (!platform::WriteAll(new_->get(), text.data(), text.size())) {
+    throw SystemError("save " + name_, name_, errno);
+  }
+  if (exists()) KeepAttributes(old_.get(), new_->get(), name_);
+  if (fsync(new_->get()) != 0) throw SystemError("save " + name_, name_, errno);
+  if (!IsUntouched()) {
+    throw Error(ErrorKind::kFailed, name_, "another program changed " + name_ + " during this edit",
+                "nothing was written; do it again");
+  }
+  new_->Publish(exists());
+}
+
+// Whether the file is as it was when it was locked. Some programs change files without a lock.
+bool FileReplacement::IsUntouched() const {
+  struct stat now {};
+  const bool present = FindInPlace(&now);
+  return exists() ? present && IsSameVersion(now, status_) : !present;
+}
+
+}  // namespace quarry::settings

@@ -1,0 +1,64 @@
+#include "settings/line_scanner.h"
+
+namespace quarry::settings {
+
+using storage::dmconfig::KindOf;
+using storage::dmconfig::LineFault;
+using storage::dmconfig::LineKind;
+using storage::dmconfig::ParseHeader;
+using storage::dmconfig::ParseOption;
+using storage::dmconfig::WithoutLeadingBlanks;
+
+bool IsHeaderAfterBom(std::string_view text) {
+  return text.substr(0, kByteOrderMark.size()) == kByteOrderMark &&
+         text.substr(kByteOrderMark.size(), 1) == "[";
+}
+
+bool SameName(const std::string& one, const std::string& other) {
+  const storage::dmconfig::StringCaseCmp before;
+  return !before(one, other) && !before(other, one);
+}
+
+LineFault ScannedLine::fault() const {
+  return kind == LineKind::kHeader ? header.fault : option.fault;
+}
+
+bool LineScanner::Next(ScannedLine* line) {
+  if (rest_.empty()) return false;
+  *line = {};
+  line->number = ++number_;
+  line->raw = rest_.substr(0, rest_.find('\n'));
+  rest_.remove_prefix(line->raw.size());
+  if (!rest_.empty()) rest_.remove_prefix(1);
+
+  line->text = WithoutLeadingBlanks(line->raw);
+  line->kind = KindOf(line->text);
+  if (line->kind == LineKind::kHeader) {
+    line->header = ParseHeader(line->text);
+    in_section_ = true;  // after an invalid header, too: what follows is meant to be in it
+  }
+  if (line->kind == LineKind::kOption) {
+    line->option = ParseOption(line->text, in_section_);
+    in_section_ = in_section_ || IsHeaderAfterBom(line->text);
+  }
+  return true;
+}
+
+OriginMap FindOrigins(std::string_view text) {
+  OriginMap origins;
+  SectionOrigin before_any_section;  // stays empty: the text is valid
+  SectionOrigin* section = &before_any_section;
+  LineScanner scanner(text);
+  for (ScannedLine line; scanner.Next(&line);) {
+    if (line.kind == LineKind::kHeader) {
+      section = &origins[std::string(line.header.name)];
+      if (section->header.number == 0) section->header = line;
+    }
+    if (line.kind == LineKind::kOption) {
+      section->options[std::string(line.option.name)] = line;
+    }
+  }
+  return origins;
+}
+
+}  // namespace quarry::settings

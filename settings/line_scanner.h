@@ -1,0 +1,63 @@
+// The lines of a text, each with what the grammar says of it. Unlike a load, a scan goes on after
+// an invalid line.
+#ifndef QUARRY_SETTINGS_LINE_SCANNER_H_
+#define QUARRY_SETTINGS_LINE_SCANNER_H_
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "dmconfig/line.h"
+#include "dmconfig/string_case_cmp.h"
+
+namespace quarry::settings {
+
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// Whether the line would be a header but for a byte-order mark before it. Only the mark is
+// reported then, not every option after it.
+bool IsHeaderAfterBom(std::string_view text);
+
+// Whether the two names are the same section or option.
+bool SameName(const std::string& one, const std::string& other);
+
+// All views are into the text.
+struct ScannedLine {
+  // What breaks the grammar in it; kNone for a valid line.
+  storage::dmconfig::LineFault fault() const;
+
+  std::size_t number = 0;  // from 1
+  std::string_view raw;    // without its line feed
+  std::string_view text;   // and without leading blanks
+  storage::dmconfig::LineKind kind = storage::dmconfig::LineKind::kBlank;
+  storage::dmconfig::HeaderLine header;  // of a kHeader
+  storage::dmconfig::OptionLine option;  // of a kOption
+};
+
+class LineScanner {
+ public:
+  // Borrows the text.
+  explicit LineScanner(std::string_view text) : rest_(text) {}
+
+  // Returns false at the end of the text.
+  bool Next(ScannedLine* line);
+
+ private:
+  std::string_view rest_;
+  std::size_t number_ = 0;
+  bool in_section_ = false;
+};
+
+// Where the sections and options of a valid text are: of each section its first header, of each
+// option the line that counts, which is the last one that sets it.
+struct SectionOrigin {
+  ScannedLine header;
+  std::map<std::string, ScannedLine, storage::dmconfig::StringCaseCmp> options;
+};
+using OriginMap = std::map<std::string, SectionOrigin, storage::dmconfig::StringCaseCmp>;
+OriginMap FindOrigins(std::string_view text);
+
+}  // namespace quarry::settings
+
+#endif  // QUARRY_SETTINGS_LINE_SCANNER_H_

@@ -1,0 +1,27 @@
+#include "settings/signal_block.h"
+
+#include <initializer_list>
+
+namespace quarry::settings {
+
+ScopedSignalBlock::ScopedSignalBlock() {
+  sigset_t blocked;
+  sigfillset(&blocked);
+  // Not those of faults, which cannot wait; nor those that stop the process, which may; nor the one
+  // for a file that grows too large, which is ignored instead.
+  for (const int number : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP, SIGABRT, SIGSYS, SIGXFSZ,
+                           SIGTSTP, SIGTTIN, SIGTTOU}) {
+    sigdelset(&blocked, number);
+  }
+  (void)pthread_sigmask(SIG_BLOCK, &blocked, &before_);
+  struct sigaction ignore {};
+  ignore.sa_handler = SIG_IGN;
+  (void)sigaction(SIGXFSZ, &ignore, &file_size_before_);
+}
+
+ScopedSignalBlock::~ScopedSignalBlock() {
+  (void)sigaction(SIGXFSZ, &file_size_before_, nullptr);
+  (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
+}  // namespace quarry::settings

@@ -1,0 +1,28 @@
+#ifndef QUARRY_SETTINGS_SIGNAL_BLOCK_H_
+#define QUARRY_SETTINGS_SIGNAL_BLOCK_H_
+
+#include <csignal>
+
+namespace quarry::settings {
+
+// Blocks the signals that end the calling thread's process for the object's lifetime, so that no
+// operation is left half done. Exceeding the limit for the size of files (SIGXFSZ) is an error of
+// the write, not the end of the process.
+class ScopedSignalBlock {
+ public:
+  ScopedSignalBlock();
+  ~ScopedSignalBlock();
+  ScopedSignalBlock(const ScopedSignalBlock&) = delete;
+  ScopedSignalBlock& operator=(const ScopedSignalBlock&) = delete;
+
+  // The signals that were blocked before, for a child process.
+  const sigset_t& before() const { return before_; }
+
+ private:
+  sigset_t before_;
+  struct sigaction file_size_before_ {};
+};
+
+}  // namespace quarry::settings
+
+#endif  // QUARRY_SETTINGS_SIGNAL_BLOCK_H_

@@ -1,0 +1,18 @@
+// Spelling suggestions for an unknown name.
+#ifndef QUARRY_SETTINGS_SUGGESTIONS_H_
+#define QUARRY_SETTINGS_SUGGESTIONS_H_
+
+#include <list>
+#include <string>
+#include <vector>
+
+namespace quarry::settings {
+
+// Returns at most three of `names` that are spelled much like `wanted`, the nearest first. Letter
+// case does not count.
+std::vector<std::string> SuggestNames(const std::string& wanted,
+                                      const std::list<std::string>& names);
+
+}  // namespace quarry::settings
+
+#endif  // QUARRY_SETTINGS_SUGGESTIONS_H_

@@ -1,0 +1,85 @@
+#include "settings/temporary_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+#include "settings/error.h"
+
+namespace quarry::settings {
+
+// Between the creation of a file and its lock another program may lock it, find it abandoned and
+// remove it; so it is ours only if it is in place once it is locked.
+TemporaryFile::TemporaryFile(int folder, const std::string& entry, mode_t mode,
+                             const std::string& name, LockTimer* timer)
+    : folder_(folder), entry_(entry), temporary_('.' + entry + ".quarry-new"), name_(name) {
+  for (bool is_ours = false; !is_ours;) {
+    file_.Reset(openat(folder_, temporary_.c_str(),
+                       O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+    if (file_.get() != -1) {
+      is_ours = LockNew(timer);
+    } else if (errno == EEXIST) {
+      RemoveAbandoned(timer);
+    } else {
+      throw SystemError("create " + temporary_ + " beside " + name_, name_, errno,
+                        errno == EACCES ? "an edit replaces the file by a new one, for which its "
+                                          "folder must be writable"
+                                        : "");
+    }
+  }
+}
+
+TemporaryFile::~TemporaryFile() {
+  if (!published_) unlinkat(folder_, temporary_.c_str(), 0);
+}
+
+bool TemporaryFile::LockNew(LockTimer* timer) {
+  try {
+    LockForEdit(file_.get(), name_, timer);
+    return IsInPlace(file_.get());
+  } catch (...) {
+    unlinkat(folder_, temporary_.c_str(), 0);
+    throw;
+  }
+}
+
+bool TemporaryFile::IsInPlace(int file) const {
+  struct stat given {
+  }, in_place{};
+  if (fstat(file, &given) == 0 &&
+      fstatat(folder_, temporary_.c_str(), &in_place, AT_SYMLINK_NOFOLLOW) == 0) {
+    return given.st_dev == in_place.st_dev && given.st_ino == in_place.st_ino;
+  }
+  if (errno == ENOENT) return false;
+  throw SystemError("find " + temporary_ + " beside " + name_, name_, errno);
+}
+
+// Waits for the process that holds it, if there is one.
+void TemporaryFile::RemoveAbandoned(LockTimer* timer) {
+  const platform::FileDescriptor found(openat(
+      folder_, temporary_.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (found.get() == -1 && errno == ENOENT) return;
+  if (found.get() != -1) {
+    LockForEdit(found.get(), name_, timer);
+    if (!IsInPlace(found.get())) return;
+  }
+  // A file that we cannot open is not one of ours.
+  if (unlinkat(folder_, temporary_.c_str(), 0) != 0 && errno != ENOENT) {
+    throw SystemError("remove " + temporary_ + " beside " + name_, name_, errno);
+  }
+}
+
+void TemporaryFile::Publish(bool replaces) {
+  const unsigned flags = replaces ? 0 : RENAME_NOREPLACE;
+  published_ = renameat2(folder_, temporary_.c_str(), folder_, entry_.c_str(), flags) == 0;
+  // Some file systems do not support the flag.
+  if (!published_ && errno == EINVAL) {
+    published_ = renameat(folder_, temporary_.c_str(), folder_, entry_.c_str()) == 0;
+  }
+  if (!published_) throw SystemError("save " + name_, name_, errno);
+}
+
+}  // namespace quarry::settings

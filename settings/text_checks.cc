@@ -1,0 +1,228 @@
+#include "settings/text_checks.h"
+
+#include <map>
+#include <utility>
+
+#include "dmconfig/string_case_cmp.h"
+#include "settings/line_scanner.h"
+
+namespace quarry::settings {
+
+using storage::dmconfig::LineFault;
+using storage::dmconfig::LineKind;
+using storage::dmconfig::StringCaseCmp;
+
+namespace {
+
+const char kCommentHint[] = "comments stand on lines of their own";
+
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsCommentMark(char c) { return c == '#' || c == ';'; }
+
+// "threads 4" and "threads: 4" were probably meant as "threads = 4"; what quotes were meant for is
+// unclear.
+std::string MissingEqualsHint(std::string_view line, bool may_quote) {
+  constexpr std::size_t kMaxExample = 60;
+  const std::size_t name_end = line.find_first_of(" \t:\r");
+  const std::size_t value_begin = line.find_first_not_of(" \t:\r", name_end);
+  std::string example = "NAME = VALUE";
+  may_quote = may_quote && line.size() <= kMaxExample && line.find('"') == std::string_view::npos;
+  if (may_quote && value_begin != std::string_view::npos && name_end != 0) {
+    const std::size_t value_end = line.find_last_not_of(" \t\r") + 1;
+    example = std::string(line.substr(0, name_end)) + " = " +
+              std::string(line.substr(value_begin, value_end - value_begin));
+  }
+  return "write \"" + example + "\", or put \"#\" first to make it a comment";
+}
+
+// Where in a value something looks like a comment: " # x", or "# x" as the whole value, but not
+// "#fff".
+std::size_t FindCommentLookalike(std::string_view value) {
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (!IsCommentMark(value[i])) continue;
+    const bool blank_before = i > 0 && IsBlank(value[i - 1]);
+    const bool blank_after = i + 1 < value.size() && IsBlank(value[i + 1]);
+    if (blank_before || (i == 0 && blank_after)) return i;
+  }
+  return std::string_view::npos;
+}
+
+class Checker {
+ public:
+  explicit Checker(const CheckOptions& options) : options_(options) {}
+
+  std::vector<Finding> Check(std::string_view text);
+
+ private:
+  // What came before in a section, by line numbers; 0 is none.
+  struct Section {
+    std::size_t header_line = 0;
+    std::size_t comment_line = 0;
+    std::map<std::string, std::size_t, StringCaseCmp> options;
+  };
+
+  void CheckLine(const ScannedLine& line);
+  void CheckHeader(const ScannedLine& line);
+  void CheckOption(const ScannedLine& line);
+  void CheckHeaderFault(const ScannedLine& line);
+  void CheckOptionFault(const ScannedLine& line);
+  void EnterSection(const ScannedLine& line);
+  void EnterNamelessSection();
+  void WarnOfRepeatedOption(const ScannedLine& line);
+  void WarnOfValue(const ScannedLine& line);
+
+  // Adds a finding about `part`, a view into the line.
+  void Add(const Rule& rule, const ScannedLine& line, std::string_view part, std::string hint);
+  void Add(const Rule& rule, const ScannedLine& line, std::string_view part, std::string message,
+           std::string hint);
+
+  const CheckOptions& options_;
+  std::vector<Finding> findings_;
+  std::map<std::string, Section, StringCaseCmp> sections_;
+  Section nameless_;  // takes the options under a header without a usable name
+  Section* section_ = &nameless_;
+  ScannedLine pending_comment_;  // the first line of it; number 0 when none
+  bool warned_of_carriage_return_ = false;
+};
+
+std::vector<Finding> Checker::Check(std::string_view text) {
+  LineScanner scanner(text);
+  for (ScannedLine line; scanner.Next(&line);) CheckLine(line);
+  if (pending_comment_.number != 0) {
+    Add(rules::kCommentAtEnd, pending_comment_, pending_comment_.text,
+        "move it above the section or option that it is about");
+  }
+  SortFindings(&findings_);
+  return std::move(findings_);
+}
+
+void Checker::CheckLine(const ScannedLine& line) {
+  switch (line.kind) {
+    case LineKind::kBlank:
+      return;
+    case LineKind::kComment:
+      if (pending_comment_.number == 0) pending_comment_ = line;
+      return;
+    case LineKind::kHeader:
+      CheckHeader(line);
+      break;
+    case LineKind::kOption:
+      CheckOption(line);
+      break;
+  }
+  pending_comment_.number = 0;
+}
+
+void Checker::CheckHeader(const ScannedLine& line) {
+  CheckHeaderFault(line);
+  if (line.header.name.empty()) {
+    EnterNamelessSection();
+    return;
+  }
+  EnterSection(line);
+  const std::string_view name = line.header.name;
+  if (IsBlank(name.front()) || IsBlank(name.back())) {
+    Add(rules::kBlanksInSectionName, line, name, "write the name next to the brackets");
+  }
+}
+
+void Checker::CheckHeaderFault(const ScannedLine& line) {
+  const std::string_view at = line.text.substr(line.header.offset);
+  switch (line.header.fault) {
+    case LineFault::kHeaderNotClosed:
+      return Add(rules::kHeaderNotClosed, line, at, "add \"]\" after the section name");
+    case LineFault::kSectionNameEmpty:
+      return Add(rules::kSectionNameEmpty, line, at.substr(0, 1),
+                 "write a name between \"[\" and \"]\"");
+    case LineFault::kTextAfterHeader:
+      return Add(rules::kTextAfterHeader, line, at, kCommentHint);
+    default:
+      return;
+  }
+}
+
+void Checker::EnterSection(const ScannedLine& line) {
+  section_ = &sections_[std::string(line.header.name)];
+  if (section_->comment_line != 0) {
+    Add(rules::kSectionAgain, line, line.header.name,
+        "section again: its comment above line " + std::to_string(section_->header_line) +
+            " is dropped when a program saves this file",
+        "keep one header for the section, with one comment");
+  }
+  section_->header_line = line.number;
+  section_->comment_line = pending_comment_.number;
+}
+
+void Checker::EnterNamelessSection() {
+  nameless_ = {};
+  section_ = &nameless_;
+}
+
+void Checker::CheckOption(const ScannedLine& line) {
+  if (line.option.fault != LineFault::kNone) return CheckOptionFault(line);
+  WarnOfRepeatedOption(line);
+  WarnOfValue(line);
+}
+
+void Checker::CheckOptionFault(const ScannedLine& line) {
+  // Never empty: a line of blanks is no option line.
+  const std::string_view text = line.text.substr(0, line.text.find_last_not_of(" \t\r") + 1);
+  if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+    if (IsHeaderAfterBom(text)) EnterNamelessSection();
+    return Add(rules::kByteOrderMark, line, text.substr(0, kByteOrderMark.size()),
+               "save the file without it");
+  }
+  switch (line.option.fault) {
+    case LineFault::kNoSection:
+      return Add(rules::kNoSection, line, text, "put a [section] line above");
+    case LineFault::kNoEquals:
+      return Add(rules::kNoEquals, line, text,
+                 MissingEqualsHint(text, !options_.holds_secret(line.raw)));
+    default:
+      return Add(rules::kOptionNameEmpty, line, text.substr(0, 1), "write a name before the \"=\"");
+  }
+}
+
+void Checker::WarnOfRepeatedOption(const ScannedLine& line) {
+  std::size_t& last_line = section_->options[std::string(line.option.name)];
+  if (last_line != 0) {
+    Add(rules::kOptionAgain, line, line.option.name,
+        "option again: overrides line " + std::to_string(last_line), "keep one of the two lines");
+  }
+  last_line = line.number;
+}
+
+void Checker::WarnOfValue(const ScannedLine& line) {
+  const std::string_view value = line.option.value;
+  if (value.empty()) return;
+  if (value.find_first_not_of(" \t") == std::string_view::npos) {
+    return Add(rules::kBlankValue, line, value, "for an empty value write nothing after the \"=\"");
+  }
+  const std::size_t mark = FindCommentLookalike(value);
+  if (mark != std::string_view::npos) {
+    Add(rules::kCommentInValue, line, value.substr(mark), kCommentHint);
+  }
+  if (value.back() == '\r' && !warned_of_carriage_return_) {
+    warned_of_carriage_return_ = true;
+    Add(rules::kCarriageReturn, line, value.substr(value.size() - 1),
+        "remove all of them: sed -i 's/\\r$//' " + options_.file_in_commands);
+  }
+}
+
+void Checker::Add(const Rule& rule, const ScannedLine& line, std::string_view part,
+                  std::string hint) {
+  Add(rule, line, part, rule.meaning, std::move(hint));
+}
+
+void Checker::Add(const Rule& rule, const ScannedLine& line, std::string_view part,
+                  std::string message, std::string hint) {
+  findings_.push_back(FindingAt(rule, line, part, std::move(message), std::move(hint)));
+}
+
+}  // namespace
+
+std::vector<Finding> CheckText(std::string_view text, const CheckOptions& options) {
+  return Checker(options).Check(text);
+}
+
+}  // namespace quarry::settings

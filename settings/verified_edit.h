@@ -1,0 +1,39 @@
+// Edits of a document that are read back before they count: a load of the edited text gives what a
+// load of the old text gave, except for what was asked.
+#ifndef QUARRY_SETTINGS_VERIFIED_EDIT_H_
+#define QUARRY_SETTINGS_VERIFIED_EDIT_H_
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "settings/document.h"
+#include "settings/line_edits.h"
+
+namespace quarry::settings {
+
+enum class Comments { kCompared, kIgnored };
+
+// Whether two documents have the same sections, in the same order, and the same options and values,
+// and the same comments if these are compared. The comments of sections after the first
+// `old_sections` are not compared.
+bool IsSameModel(Document* left, Document* right, Comments comments, std::size_t old_sections);
+
+struct EditedText {
+  TextEdit edit;     // empty when nothing has to change
+  std::string text;  // after the edit
+};
+
+// Both change the document's model to the one that the edited text must give, and throw Error
+// (kFailed) when it gives another one, which is a fault of this library.
+
+// The settings must be readable (RequireReadable); no two set the same option.
+EditedText WithSettings(Document* document, const std::vector<Setting>& settings);
+
+// The option must exist.
+EditedText WithoutOption(Document* document, const std::string& section, const std::string& option,
+                         bool with_comment);
+
+}  // namespace quarry::settings
+
+#endif  // QUARRY_SETTINGS_VERIFIED_EDIT_H_

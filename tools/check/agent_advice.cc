@@ -1,0 +1,146 @@
+#include "tools/check/agent_advice.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/local/sealed_password.h"
+#include "settings/error.h"
+#include "settings/suggestions.h"
+#include "tools/terminal/terminal_text.h"
+
+namespace quarry::tool {
+
+using settings::Document;
+using settings::Quoted;
+
+namespace {
+
+const std::string& KeyFolder(Document* document) {
+  return ValueOf(AgentSetting::kKeyDir, document);
+}
+
+// The path as a start forms it: up to a NUL, and cut.
+std::string KeyFile(Document* document) {
+  constexpr std::size_t kMaxPathBytes = 4094;
+  const std::string& folder = KeyFolder(document);
+  return (folder.substr(0, folder.find('\0')) + "/auth.key").substr(0, kMaxPathBytes);
+}
+
+std::string CommandOn(const char* command, const std::string& folder) {
+  return std::string("quarry-config ") + command + ' ' + ShellQuotedFile(folder);
+}
+
+using Decrypt = int(const char* key_file, const char* stored, char* out, std::size_t capacity);
+
+int TryWith(Decrypt* decrypt, Document* document) {
+  platform::SecretBytes out(platform::kLongestPassword + 1);
+  if (out.data() == nullptr) return kDecryptNoCrypto;
+  const std::string& stored = ValueOf(AgentSetting::kPassword, document);
+  return decrypt(KeyFile(document).c_str(), stored.c_str(), out.text(), out.size());
+}
+
+// With our own code. The results of the platform library mean what ours do only where both agree.
+int TryOwnPassword(Document* document) {
+  return TryWith(
+      [](const char* key_file, const char* stored, char* out, std::size_t capacity) -> int {
+        return platform::OpenPassword(key_file, stored, out, capacity);
+      },
+      document);
+}
+
+Advice AdviceForNoKeyFile(Document* document) {
+  const std::string file = KeyFile(document);
+  const std::string& folder = KeyFolder(document);
+  if (access(file.c_str(), F_OK) == 0 || (errno != ENOENT && errno != ENOTDIR)) {
+    return {"key file " + Quoted(file) + " cannot be read",
+            "start as the user that the key file and its folder belong to"};
+  }
+  std::string hint = "set " + FullName(AgentSetting::kKeyDir) + " to the folder that has it";
+  if (!folder.empty()) {
+    hint += ", or make a key: ";
+    if (access(folder.c_str(), F_OK) != 0) {
+      hint += "mkdir -m 700 " + ShellQuotedFile(folder) + " && ";
+    }
+    hint += CommandOn("keygen", folder);
+  }
+  return {"there is no key file " + Quoted(file), hint};
+}
+
+}  // namespace
+
+bool Has(AgentSetting setting, Document* document) {
+  const AgentSettingRow& row = RowOf(setting);
+  return document->Has(row.section_name(), row.option_name());
+}
+
+const std::string& ValueOf(AgentSetting setting, Document* document) {
+  const AgentSettingRow& row = RowOf(setting);
+  return document->Find(row.section_name(), row.option_name())->value;
+}
+
+std::string FullName(AgentSetting setting) {
+  const AgentSettingRow& row = RowOf(setting);
+  return '[' + std::string(row.section_name()) + "] " + row.option_name();
+}
+
+Advice AdviceForAbsent(AgentSetting setting, Document* document) {
+  const std::string section = RowOf(setting).section_name();
+  const std::string option = RowOf(setting).option_name();
+  std::string hint = "add \"" + option + " = ...\" to section [" + section + "]";
+  const auto near = settings::SuggestNames(option, document->Options(section));
+  const auto near_sections = settings::SuggestNames(section, document->Sections());
+  if (!near.empty()) {
+    hint += "; " + Quoted(near.front()) + " there looks like it";
+  } else if (!document->HasSection(section) && !near_sections.empty()) {
+    hint += "; section " + Quoted(near_sections.front()) + " looks like it";
+  }
+  return {"an agent start needs option " + Quoted(option) + " in section " + Quoted(section), hint};
+}
+
+int TryPassword(Document* document) { return TryWith(DecryptPasswdWithKey, document); }
+
+DecryptResult TryKey(Document* document) {
+  return platform::SealingKey().Load(KeyFile(document).c_str());
+}
+
+std::string OpenKeyHint(const std::string& key_file) {
+  return "let only the agent's user own and read it: chown, and chmod 600 " +
+         ShellQuotedFile(key_file) + "; then try again as that user";
+}
+
+Advice AdviceForPassword(int result, Document* document) {
+  if (result == TryOwnPassword(document)) return AdviceForResult(result, document);
+  return {
+      "the platform library cannot decrypt the password (result " + std::to_string(result) + ")",
+      "see its documentation; quarry-config --version names the file"};
+}
+
+Advice AdviceForResult(int result, Document* document) {
+  const std::string file = Quoted(KeyFile(document));
+  const std::string seal =
+      "seal the password and set it again: " + CommandOn("seal", KeyFolder(document));
+  switch (result) {
+    case kDecryptNoKeyFile:
+      return AdviceForNoKeyFile(document);
+    case kDecryptKeyTooOpen:
+      return {"key file " + file + " is open to others", OpenKeyHint(KeyFile(document))};
+    case kDecryptNotAKeyFile:
+      return {file + " is not a key file",
+              "bring back the right one, or make a key in another folder: "
+              "quarry-config keygen FOLDER"};
+    case kDecryptNotSealed:
+      return {"the password is not sealed in a known form", seal};
+    case kDecryptOtherKey:
+      return {"the password is sealed with another key than " + file, seal};
+    case kDecryptDamaged:
+      return {"the sealed password is damaged", seal};
+    case kDecryptTooLong:
+      return {"the password is longer than an agent can take", seal};
+    default:
+      return {"the password cannot be decrypted: no cryptography or memory",
+              "try again; quarry-config --version names the library"};
+  }
+}
+
+}  // namespace quarry::tool

@@ -1,0 +1,151 @@
+#include "tools/check/agent_checks.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <list>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "dmconfig/string_case_cmp.h"
+#include "settings/document.h"
+#include "settings/error.h"
+#include "settings/suggestions.h"
+#include "tools/check/agent_advice.h"
+#include "tools/check/program_rules.h"
+
+namespace quarry::tool {
+
+using settings::Finding;
+using settings::FindingAt;
+using settings::Quoted;
+using settings::ScannedLine;
+
+namespace {
+
+class AgentChecker {
+ public:
+  // Borrows the text.
+  AgentChecker(const std::string& text, const std::string& file)
+      : document_(file, std::string(text)), origins_(settings::FindOrigins(text)) {}
+
+  std::vector<Finding> Check();
+
+ private:
+  void CheckPresence(AgentSetting setting);
+  void CheckUnknownOptions(const std::string& section);
+  void CheckNumber();
+  void CheckPassword();
+  void AddPassword(const Advice& advice);
+  void AddKeyFile(const Advice& advice);
+
+  bool Has(AgentSetting setting) { return tool::Has(setting, &document_); }
+  const ScannedLine& LineOf(AgentSetting setting) const;
+
+  settings::Document document_;
+  const settings::OriginMap origins_;
+  std::vector<Finding> findings_;
+};
+
+std::vector<Finding> AgentChecker::Check() {
+  std::set<std::string> sections;
+  for (const AgentSettingRow& row : kAgentSettings) {
+    if (row.is_required()) CheckPresence(row.setting);
+    if (sections.insert(row.section_name()).second) CheckUnknownOptions(row.section_name());
+  }
+  CheckNumber();
+  if (Has(AgentSetting::kPassword) && Has(AgentSetting::kKeyDir)) CheckPassword();
+  return std::move(findings_);
+}
+
+const ScannedLine& AgentChecker::LineOf(AgentSetting setting) const {
+  const AgentSettingRow& row = RowOf(setting);
+  return origins_.at(row.section_name()).options.at(row.option_name());
+}
+
+void AgentChecker::CheckPresence(AgentSetting setting) {
+  if (Has(setting)) return;
+  const Advice advice = AdviceForAbsent(setting, &document_);
+  const auto section = origins_.find(RowOf(setting).section_name());
+  if (section == origins_.end()) {
+    Finding finding;
+    finding.rule = &rules::kSettingAbsent;
+    finding.message = advice.message;
+    finding.hint = advice.hint;
+    findings_.push_back(finding);
+    return;
+  }
+  const ScannedLine& header = section->second.header;
+  findings_.push_back(
+      FindingAt(rules::kSettingAbsent, header, header.header.name, advice.message, advice.hint));
+}
+
+void AgentChecker::CheckUnknownOptions(const std::string& section) {
+  const auto origin = origins_.find(section);
+  if (origin == origins_.end()) return;
+  std::set<std::string, storage::dmconfig::StringCaseCmp> known;
+  for (const AgentSettingRow& row : kAgentSettings) {
+    if (row.section_name() == section) known.insert(row.option_name());
+  }
+  for (const auto& [name, line] : origin->second.options) {
+    if (known.count(name) > 0) continue;
+    const auto near =
+        settings::SuggestNames(name, std::list<std::string>(known.begin(), known.end()));
+    findings_.push_back(FindingAt(rules::kUnknownSetting, line, line.option.name,
+                                  rules::kUnknownSetting.meaning,
+                                  near.empty() ? "keep it in a section of its own"
+                                               : "nearest that it takes: " + Quoted(near.front())));
+  }
+}
+
+void AgentChecker::CheckNumber() {
+  if (!Has(AgentSetting::kNumericOption)) return;
+  const ScannedLine& line = LineOf(AgentSetting::kNumericOption);
+  const std::string value(line.option.value);
+  errno = 0;
+  char* end = nullptr;
+  const long number = std::strtol(value.c_str(), &end, 10);
+  const auto taken = static_cast<std::int32_t>(number);
+  const bool whole = !value.empty() && end == value.data() + value.size();
+  if (whole && errno == 0 && taken == number) return;
+  findings_.push_back(FindingAt(rules::kNumber, line, line.option.value,
+                                (whole ? "number does not fit 32 bits" : "value is not a number") +
+                                    std::string(": an agent takes ") + std::to_string(taken),
+                                "write a number from -2147483648 to 2147483647"));
+}
+
+void AgentChecker::CheckPassword() {
+  const int result = TryPassword(&document_);
+  if (result == kDecryptDone) return;
+  const bool about_key =
+      result == kDecryptNoKeyFile || result == kDecryptKeyTooOpen || result == kDecryptNotAKeyFile;
+  const Advice advice = AdviceForPassword(result, &document_);
+  if (about_key) return AddKeyFile(advice);
+  AddPassword(advice);
+  // A password in another form is found before the key is looked at.
+  const DecryptResult key = TryKey(&document_);
+  if (result == kDecryptNotSealed && key != kDecryptDone) {
+    AddKeyFile(AdviceForResult(key, &document_));
+  }
+}
+
+void AgentChecker::AddPassword(const Advice& advice) {
+  const ScannedLine& line = LineOf(AgentSetting::kPassword);
+  findings_.push_back(
+      FindingAt(rules::kPassword, line, line.option.value, advice.message, advice.hint));
+}
+
+void AgentChecker::AddKeyFile(const Advice& advice) {
+  const ScannedLine& line = LineOf(AgentSetting::kKeyDir);
+  findings_.push_back(
+      FindingAt(rules::kKeyFile, line, line.option.value, advice.message, advice.hint));
+}
+
+}  // namespace
+
+std::vector<Finding> CheckForAgent(const std::string& text, const std::string& file) {
+  return AgentChecker(text, file).Check();
+}
+
+}  // namespace quarry::tool

@@ -1,0 +1,16 @@
+#ifndef QUARRY_TOOLS_CHECK_CLIENT_CHECKS_H_
+#define QUARRY_TOOLS_CHECK_CLIENT_CHECKS_H_
+
+#include <string>
+#include <vector>
+
+#include "settings/finding.h"
+
+namespace quarry::tool {
+
+// What a client would read otherwise than it is written, in a valid text.
+std::vector<settings::Finding> CheckForClient(const std::string& text);
+
+}  // namespace quarry::tool
+
+#endif  // QUARRY_TOOLS_CHECK_CLIENT_CHECKS_H_

@@ -1,0 +1,25 @@
+// The rules for what an agent or a client reads from a text. Their names are as stable as those of
+// settings/rules.h.
+#ifndef QUARRY_TOOLS_CHECK_PROGRAM_RULES_H_
+#define QUARRY_TOOLS_CHECK_PROGRAM_RULES_H_
+
+#include "settings/rules.h"
+
+namespace quarry::tool::rules {
+
+inline constexpr settings::Rule kSettingAbsent =
+    settings::ErrorRule("setting-absent", "an agent start fails without this setting");
+inline constexpr settings::Rule kPassword =
+    settings::ErrorRule("stored-password", "an agent cannot open its stored password");
+inline constexpr settings::Rule kKeyFile =
+    settings::ErrorRule("key-file", "an agent cannot use its key file");
+inline constexpr settings::Rule kUnknownSetting =
+    settings::WarningRule("unknown-setting", "an agent start does not take this option");
+inline constexpr settings::Rule kNumber =
+    settings::WarningRule("numeric-option", "an agent takes another number than is written here");
+inline constexpr settings::Rule kIngestMode =
+    settings::WarningRule("ingest-mode", "value is neither \"on\" nor \"off\": a client takes off");
+
+}  // namespace quarry::tool::rules
+
+#endif  // QUARRY_TOOLS_CHECK_PROGRAM_RULES_H_

@@ -1,0 +1,108 @@
+// quarry-config check
+
+#include <algorithm>
+#include <cstddef>
+
+#include "tools/check/report.h"
+#include "tools/commands/command.h"
+#include "tools/terminal/progress.h"
+#include "tools/terminal/standard_streams.h"
+#include "tools/terminal/terminal.h"
+
+namespace quarry::tool {
+
+namespace {
+
+struct CheckRequest {
+  std::vector<std::string> files;
+  bool strict = false;  // warnings count as errors
+  ReportFormat format = ReportFormat::kText;
+  Program program = Program::kNone;
+};
+
+struct Totals {
+  void Count(const std::vector<settings::Finding>& findings) {
+    const auto count = static_cast<std::size_t>(
+        std::count_if(findings.begin(), findings.end(),
+                      [](const settings::Finding& finding) { return finding.IsError(); }));
+    ++files;
+    errors += count;
+    warnings += findings.size() - count;
+  }
+
+  std::size_t files = 0;
+  std::size_t errors = 0;
+  std::size_t warnings = 0;
+  std::size_t unreadable = 0;  // not among the files
+};
+
+std::string Counted(std::size_t count, const std::string& noun) {
+  return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+// "2 files, no errors" or "1 file, 2 errors, 1 warning".
+std::string Summary(const Totals& totals) {
+  std::string text = Counted(totals.files, "file") + ", " +
+                     (totals.errors == 0 ? "no errors" : Counted(totals.errors, "error"));
+  if (totals.unreadable > 0) text += ", " + std::to_string(totals.unreadable) + " not read";
+  if (totals.warnings > 0) text += ", " + Counted(totals.warnings, "warning");
+  return text + '\n';
+}
+
+ExitStatus ExitStatusFor(const Totals& totals, bool strict) {
+  if (totals.unreadable > 0) return kExitFailed;
+  const bool refused = totals.errors > 0 || (strict && totals.warnings > 0);
+  return refused ? kExitNo : kExitDone;
+}
+
+ExitStatus RunCheck(const CheckRequest& request) {
+  Totals totals;
+  Progress progress("files checked", request.files.size());
+  const auto report = MakeReport(request.format);
+  for (const std::string& file : request.files) {
+    try {
+      const std::string text = ReadInput(file);
+      const auto findings = CheckForProgram(text, file, request.program);
+      totals.Count(findings);
+      if (!findings.empty()) progress.Clear();
+      report->AddFile(file, findings);
+    } catch (const settings::Error& error) {
+      // The other files are checked all the same.
+      progress.Clear();
+      WriteDiagnostics(DiagnosticsOf(error));
+      report->AddUnreadable(file, error);
+      ++totals.unreadable;
+    }
+    progress.Step();
+  }
+  progress.Clear();
+  report->Finish();
+  if (request.format == ReportFormat::kText && IsStandardOutputTerminal()) {
+    WriteStandardOutput(Summary(totals));
+  }
+  return ExitStatusFor(totals, request.strict);
+}
+
+}  // namespace
+
+Action DeclareCheck(CLI::App* app) {
+  const auto request = std::make_shared<CheckRequest>();
+  app->add_option("FILE", request->files, "Files to check")->required();
+  app->add_flag("--strict", request->strict, "Let warnings count as errors");
+  CLI::Option* const format = AddChoice<ReportFormat>(app, "--format", &request->format,
+                                                      {{"text", ReportFormat::kText},
+                                                       {"json", ReportFormat::kJson},
+                                                       {"sarif", ReportFormat::kSarif},
+                                                       {"github", ReportFormat::kGithub}},
+                                                      "How findings are shown: text, json, sarif "
+                                                      "or github")
+                                  ->type_name("FORMAT");
+  app->add_flag_callback(
+         "--json", [request] { request->format = ReportFormat::kJson; },
+         "The same as --format=json")
+      ->excludes(format);
+  AddProgram(app, &request->program);
+  return BindRequest(request, RunCheck);
+}
+
+}  // namespace quarry::tool

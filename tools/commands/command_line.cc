@@ -1,0 +1,198 @@
+// CLI11 parses the words of one command. Only that command is declared: to declare them all takes
+// longer than to read an ordinary file. Where CLI11 2.1 does otherwise than users expect, and has
+// no setting for it, a function here helps out:
+//   SplitEmptyValue        it looks for the value of "--default=" in the next word
+//   ProtectBrackets        it splits a word in brackets where an argument may be repeated
+//   RequireKnownOptions    it reports a missing argument rather than an unknown option
+//   UsageMessage           some of its messages are not meant for users
+#include "tools/commands/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <list>
+#include <utility>
+
+#include "settings/suggestions.h"
+#include "tools/commands/command.h"
+#include "tools/terminal/standard_streams.h"
+#include "tools/terminal/version.h"
+
+namespace quarry::tool {
+
+using settings::Quoted;
+
+namespace {
+
+const char kInput[] = "FILE may be \"-\" for standard input.\n";
+const char kStatuses[] =
+    "\"--\" ends the options.\n"
+    "Exit status: 0 done; 1 the answer is no (errors found, option absent, a\n"
+    "value that would not be read back); 2 wrong usage; 3 it could not be\n"
+    "done (a file unreadable, invalid, locked or not written).";
+const char kDescription[] = "Checks, queries and edits configuration files.";
+constexpr char kProtection = '\x01';
+
+void SetUpHelp(CLI::App* app) {
+  app->get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app->get_formatter()->label("REQUIRED", "");
+  app->get_formatter()->label("TEXT", "");
+  app->set_help_flag("-h,--help", "Show this help and end");
+}
+
+// The help that lists the commands.
+std::string Help() {
+  CLI::App app(kDescription, "quarry-config");
+  SetUpHelp(&app);
+  app.require_subcommand(1);
+  app.add_flag("--version", "Show the versions of the program and its libraries and end");
+  for (const Command& command : Commands()) {
+    app.add_subcommand(command.name, command.description)->group("Commands");
+  }
+  app.footer(std::string(kInput) + kStatuses);
+  return app.help();
+}
+
+const Command* FindCommand(const std::string& name) {
+  const auto& all = Commands();
+  const auto found = std::find_if(all.begin(), all.end(),
+                                  [&](const Command& command) { return name == command.name; });
+  return found == all.end() ? nullptr : &*found;
+}
+
+[[noreturn]] void ThrowNoCommand(const std::string& word) {
+  const std::string help_hint = word.substr(0, 1) == "-"
+                                    ? "options stand behind the command; see: quarry-config --help"
+                                    : "see: quarry-config --help";
+  if (word.empty()) throw ToolError(kExitUsage, "no command is given", help_hint);
+  std::list<std::string> known;
+  for (const Command& command : Commands()) known.emplace_back(command.name);
+  const auto near = settings::SuggestNames(word, known);
+  throw ToolError(kExitUsage, "no command " + Quoted(word),
+                  near.empty() ? help_hint : "nearest: " + near.front());
+}
+
+// The name of the option in a word; empty for other words. A number is not an option.
+std::string OptionNameIn(const std::string& word) {
+  if (word.size() < 2 || word[0] != '-') return "";
+  if (word[1] == '-') return word.substr(0, word.find('='));
+  return word[1] >= '0' && word[1] <= '9' ? "" : word.substr(0, 2);
+}
+
+bool ExpectsValue(const CLI::Option& option) { return option.get_expected_max() > 0; }
+
+std::string UsageMessage(const CLI::ParseError& error) {
+  const std::string text = error.what();
+  if (error.get_name() == "ArgumentMismatch") {
+    return text.substr(0, text.find(':')) + " needs a value behind it";
+  }
+  const std::string excludes = " excludes ";
+  const std::size_t at = text.find(excludes);
+  if (error.get_name() != "ExcludesError" || at == std::string::npos) return text;
+  return "give " + text.substr(0, at) + " or " + text.substr(at + excludes.size()) + ", not both";
+}
+
+// The words of one command.
+class CommandLine {
+ public:
+  CommandLine(const Command& command, std::vector<std::string> words);
+
+  ExitStatus Run();
+
+ private:
+  void RequireKnownOptions() const;
+  void SplitEmptyValues();
+  void ProtectBrackets();
+  std::string UsageHint() const;
+
+  const std::string name_;  // of program and command
+  std::vector<std::string> words_;
+  CLI::App app_;
+  Action action_;
+};
+
+CommandLine::CommandLine(const Command& command, std::vector<std::string> words)
+    : name_("quarry-config " + std::string(command.name)),
+      words_(std::move(words)),
+      app_(command.description, name_) {
+  SetUpHelp(&app_);
+  app_.footer((command.reads_input ? kInput : "") + std::string(kStatuses));
+  action_ = command.declare(&app_);
+}
+
+ExitStatus CommandLine::Run() {
+  RequireKnownOptions();
+  SplitEmptyValues();
+  ProtectBrackets();
+  for (CLI::Option* const option : app_.get_options()) {
+    if (!option->get_positional() && ExpectsValue(*option)) option->take_last();
+  }
+  std::reverse(words_.begin(), words_.end());  // as CLI11 expects them
+  try {
+    app_.parse(words_);
+  } catch (const CLI::CallForHelp&) {
+    WriteStandardOutput(app_.help());
+    return kExitDone;
+  } catch (const CLI::ParseError& error) {
+    throw ToolError(kExitUsage, UsageMessage(error), UsageHint());
+  }
+  return action_();
+}
+
+void CommandLine::RequireKnownOptions() const {
+  for (std::size_t i = 0; i < words_.size() && words_[i] != "--"; ++i) {
+    const std::string name = OptionNameIn(words_[i]);
+    if (name.empty()) continue;
+    const CLI::Option* const option = app_.get_option_no_throw(name);
+    if (option == nullptr) {
+      throw ToolError(kExitUsage, "no option " + Quoted(name),
+                      UsageHint() + "; put \"--\" before a name or value that begins with \"-\"");
+    }
+    if (!ExpectsValue(*option) && words_[i] != name) {
+      throw ToolError(kExitUsage, name + " takes no value", UsageHint());
+    }
+    if (ExpectsValue(*option) && words_[i] == name) ++i;
+  }
+}
+
+void CommandLine::SplitEmptyValues() {
+  for (auto word = words_.begin(); word != words_.end() && *word != "--"; ++word) {
+    if (word->size() <= 3 || word->substr(0, 2) != "--" || word->back() != '=') continue;
+    word->pop_back();
+    word = words_.insert(std::next(word), "");
+  }
+}
+
+// By a byte before a word in brackets, which every option removes from its values.
+void CommandLine::ProtectBrackets() {
+  for (std::string& word : words_) {
+    if (!word.empty() && (word[0] == '[' || word[0] == kProtection)) word.insert(0, 1, kProtection);
+  }
+  const auto remove = [](std::string& word) {
+    if (!word.empty() && word[0] == kProtection) word.erase(0, 1);
+    return std::string();
+  };
+  for (CLI::Option* const option : app_.get_options()) {
+    if (ExpectsValue(*option)) option->transform(CLI::Validator(remove, ""));
+  }
+}
+
+std::string CommandLine::UsageHint() const { return "see: " + name_ + " --help"; }
+
+}  // namespace
+
+ExitStatus RunCommandLine(const std::vector<std::string>& words) {
+  const std::string first = words.empty() ? "" : words.front();
+  if (first == "-h" || first == "--help") {
+    WriteStandardOutput(Help());
+    return kExitDone;
+  }
+  if (first == "--version") {
+    WriteStandardOutput(VersionText());
+    return kExitDone;
+  }
+  const Command* const command = FindCommand(first);
+  if (command == nullptr) ThrowNoCommand(first);
+  return CommandLine(*command, {std::next(words.begin()), words.end()}).Run();
+}
+
+}  // namespace quarry::tool

@@ -1,0 +1,49 @@
+#include "tools/commands/command.h"
+
+namespace quarry::tool {
+
+// Each is defined in the command's own file.
+Action DeclareCheck(CLI::App* app);
+Action DeclareList(CLI::App* app);
+Action DeclareGet(CLI::App* app);
+Action DeclareSet(CLI::App* app);
+Action DeclareUnset(CLI::App* app);
+Action DeclareEdit(CLI::App* app);
+Action DeclareDump(CLI::App* app);
+Action DeclareDiff(CLI::App* app);
+Action DeclareClient(CLI::App* app);
+Action DeclareAgent(CLI::App* app);
+Action DeclareKeygen(CLI::App* app);
+Action DeclareSeal(CLI::App* app);
+
+const std::vector<Command>& Commands() {
+  static const std::vector<Command> kCommands = {
+      {"check", "Show every error and warning in files", true, DeclareCheck},
+      {"list", "Show the sections of a file, or one section's options", true, DeclareList},
+      {"get", "Show the value of one option", true, DeclareGet},
+      {"set", "Set options, leaving every other line as it is", true, DeclareSet},
+      {"unset", "Remove an option, leaving every other line as it is", true, DeclareUnset},
+      {"edit", "Edit a file with $VISUAL or $EDITOR and check it before it is saved", false,
+       DeclareEdit},
+      {"dump", "Show a file as a program would save it", true, DeclareDump},
+      {"diff", "Show what differs between two files for programs", true, DeclareDiff},
+      {"client", "Show what a client takes from a file", true, DeclareClient},
+      {"agent", "Start an agent for a trial and show its settings", false, DeclareAgent},
+      {"keygen", "Make a key file to seal passwords with", false, DeclareKeygen},
+      {"seal", "Seal the password on standard input with a key", false, DeclareSeal},
+  };
+  return kCommands;
+}
+
+void AddProgram(CLI::App* app, Program* program) {
+  AddChoice<Program>(app, "--as", program,
+                     {{"agent", Program::kAgent}, {"client", Program::kClient}},
+                     "Check also what this program takes: agent or client")
+      ->type_name("PROGRAM");
+}
+
+void AddDryRun(CLI::App* app, bool* dry_run) {
+  app->add_flag("--dry-run", *dry_run, "Show the edit as a unified diff, do not make it");
+}
+
+}  // namespace quarry::tool

@@ -1,0 +1,72 @@
+#include "tools/commands/edit_target.h"
+
+#include <optional>
+#include <utility>
+
+#include "settings/unified_diff.h"
+#include "tools/terminal/errors.h"
+#include "tools/terminal/standard_streams.h"
+#include "tools/terminal/terminal_text.h"
+
+namespace quarry::tool {
+
+using settings::EditedText;
+using settings::ErrorKind;
+using settings::FileReplacement;
+
+namespace {
+
+std::string DiffOf(const std::string& before, const std::string& file, const EditedText& edited) {
+  return settings::UnifiedDiff(EscapeForTerminal(InputName(file)), before, edited.edit);
+}
+
+EditedText EditStandardInput(const EditTarget& target, const EditFunction& edit) {
+  const std::string text = ReadInput(target.file);
+  EditedText edited = edit(text);
+  WriteStandardOutput(target.dry_run ? DiffOf(text, target.file, edited) : edited.text);
+  return edited;
+}
+
+// What a user of this program can do beyond what the error says.
+std::string HintFor(ErrorKind kind) {
+  switch (kind) {
+    case ErrorKind::kNotFound:
+      return "only quarry-config set --create makes a new file";
+    case ErrorKind::kOpenFile:
+      return "\"-\" stands for standard input and output";
+    default:
+      return "";
+  }
+}
+
+}  // namespace
+
+EditedText MakeEdit(const EditTarget& target, const EditFunction& edit) {
+  if (target.file == "-") return EditStandardInput(target, edit);
+  FileReplacement::Options options;
+  if (target.create) options.new_mode = settings::kUsualMode;
+  options.read_only = target.dry_run;
+  FileReplacement file = OpenForEdit(target.file, std::move(options));
+  EditedText edited = edit(file.text());
+  if (target.dry_run) {
+    WriteStandardOutput(DiffOf(file.text(), target.file, edited));
+  } else {
+    file.Replace(edited.text);
+  }
+  return edited;
+}
+
+FileReplacement OpenForEdit(const std::string& file, FileReplacement::Options options) {
+  RequireName(file);
+  options.on_wait = [file] {
+    WriteDiagnostics({Message("waiting for another edit of " + file + " to end")});
+  };
+  try {
+    return FileReplacement(file, std::move(options));
+  } catch (settings::Error& error) {
+    if (error.hint.empty()) error.hint = HintFor(error.kind);
+    throw;
+  }
+}
+
+}  // namespace quarry::tool

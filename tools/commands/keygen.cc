@@ -1,0 +1,66 @@
+// quarry-config keygen
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <new>
+
+#include "platform/local/key_file.h"
+#include "tools/commands/command.h"
+#include "tools/commands/edit_target.h"
+#include "tools/commands/key_folder.h"
+#include "tools/terminal/redactor.h"
+#include "tools/terminal/standard_streams.h"
+#include "tools/terminal/terminal_text.h"
+
+namespace quarry::tool {
+
+namespace {
+
+struct KeygenRequest {
+  std::string folder;
+};
+
+// Only its owner may write to the folder.
+void RequirePrivateFolder(const std::string& folder) {
+  RequireName(folder);
+  struct stat status {};
+  if (stat(folder.c_str(), &status) != 0) {
+    throw settings::SystemError(
+        "open " + folder, folder, errno,
+        errno == ENOENT ? "make it: mkdir -m 700 " + ShellQuotedFile(folder) : "");
+  }
+  if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return;
+  throw ToolError(kExitFailed, "others may write to the folder " + settings::Quoted(folder),
+                  "a key there could be exchanged: chmod go-w " + ShellQuotedFile(folder));
+}
+
+ExitStatus RunKeygen(const KeygenRequest& request) {
+  DisableCoreDumps();
+  RequirePrivateFolder(request.folder);
+  const std::string name = KeyFileIn(request.folder);
+  settings::FileReplacement::Options options;
+  options.new_mode = settings::kPrivateMode;
+  settings::FileReplacement file = OpenForEdit(name, std::move(options));
+  if (file.exists()) {
+    throw ToolError(kExitFailed, "there is a key already: " + name,
+                    "passwords may be sealed with it; make the new one in another folder");
+  }
+  platform::SealingKey key;
+  platform::SecretBytes text(platform::kKeyFileBytes + 1);
+  if (text.data() == nullptr || key.Randomise() != kDecryptDone) throw std::bad_alloc();
+  EncodeKey(key, &text);
+  file.Replace({text.text(), platform::kKeyFileBytes});
+  WriteDiagnostics({Message("the key is in " + name + "; only its owner can read it")});
+  return kExitDone;
+}
+
+}  // namespace
+
+Action DeclareKeygen(CLI::App* app) {
+  const auto request = std::make_shared<KeygenRequest>();
+  app->add_option("DIR", request->folder, "Folder for the key file auth.key")->required();
+  return BindRequest(request, RunKeygen);
+}
+
+}  // namespace quarry::tool

@@ -1,0 +1,75 @@
+// quarry-config list
+
+#include <list>
+#include <optional>
+
+#include "settings/line_scanner.h"
+#include "tools/commands/command.h"
+#include "tools/commands/document_json.h"
+#include "tools/commands/open_document.h"
+#include "tools/terminal/standard_streams.h"
+#include "tools/terminal/terminal_text.h"
+
+namespace quarry::tool {
+
+using settings::Document;
+
+namespace {
+
+struct ListRequest {
+  std::string file;
+  std::optional<std::string> section;
+  bool origin = false;
+  bool json = false;
+};
+
+std::string NamesText(const ListRequest& request, Document* document) {
+  const std::list<std::string> names =
+      request.section ? document->Options(*request.section) : document->Sections();
+  std::string text;
+  for (const std::string& name : names) text += name + '\n';
+  return text;
+}
+
+std::string OriginText(const std::list<std::string>& sections, Document* document) {
+  const settings::OriginMap origins = settings::FindOrigins(document->text());
+  const std::string file = EscapeForTerminal(InputName(document->file()));
+  std::string text;
+  for (const std::string& section : sections) {
+    for (const auto& [name, stored] : document->Record(section).option_map) {
+      text += file + ':' + std::to_string(origins.at(section).options.at(name).number) + ": [" +
+              EscapeForTerminal(section) + "] " + EscapeForTerminal(name) + " = " +
+              EscapeForTerminal(stored.value) + '\n';
+    }
+  }
+  return text;
+}
+
+ExitStatus RunList(const ListRequest& request) {
+  Document document = OpenDocument(request.file);
+  if (request.section) RequireSection(*request.section, &document);
+  const std::list<std::string> sections =
+      request.section ? std::list<std::string>{document.StoredName(*request.section)}
+                      : document.Sections();
+  if (request.json) {
+    WriteStandardOutput(DocumentJson(sections, request.origin, &document));
+  } else if (request.origin) {
+    WriteStandardOutput(OriginText(sections, &document));
+  } else {
+    WriteStandardOutput(NamesText(request, &document));
+  }
+  return kExitDone;
+}
+
+}  // namespace
+
+Action DeclareList(CLI::App* app) {
+  const auto request = std::make_shared<ListRequest>();
+  app->add_option("FILE", request->file, "File to read")->required();
+  app->add_option("SECTION", request->section, "Show this section only");
+  app->add_flag("--origin", request->origin, "Show every option with its value and line");
+  app->add_flag("--json", request->json, "Print sections, options, values and comments as JSON");
+  return BindRequest(request, RunList);
+}
+
+}  // namespace quarry::tool

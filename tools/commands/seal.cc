@@ -1,0 +1,69 @@
+// quarry-config seal
+
+#include <cerrno>
+#include <new>
+
+#include "platform/local/sealed_password.h"
+#include "tools/check/agent_advice.h"
+#include "tools/commands/command.h"
+#include "tools/commands/key_folder.h"
+#include "tools/terminal/password_prompt.h"
+#include "tools/terminal/redactor.h"
+#include "tools/terminal/standard_streams.h"
+#include "tools/terminal/terminal_text.h"
+
+namespace quarry::tool {
+
+using settings::Quoted;
+
+namespace {
+
+struct SealRequest {
+  std::string folder;
+};
+
+void LoadKey(const std::string& folder, platform::SealingKey* key) {
+  RequireName(folder);
+  const std::string file = KeyFileIn(folder);
+  errno = 0;
+  switch (key->Load(file.c_str())) {
+    case kDecryptDone:
+      return;
+    case kDecryptNoKeyFile:
+      throw settings::SystemError(
+          "read the key file " + file, file, errno,
+          errno == ENOENT ? "make one: quarry-config keygen " + ShellQuotedFile(folder) : "");
+    case kDecryptKeyTooOpen:
+      throw ToolError(kExitNo, "key file " + Quoted(file) + " is open to others",
+                      OpenKeyHint(file));
+    case kDecryptNotAKeyFile:
+      throw ToolError(kExitNo, Quoted(file) + " is not a key file",
+                      "make one in another folder: quarry-config keygen FOLDER");
+    default:
+      throw std::bad_alloc();
+  }
+}
+
+ExitStatus RunSeal(const SealRequest& request) {
+  DisableCoreDumps();
+  platform::SealingKey key;
+  LoadKey(request.folder, &key);
+  PasswordInput input;
+  input.Read("to seal for " + KeyFileIn(request.folder));
+  std::string stored;
+  if (platform::SealPassword(key, input.password(), &stored) != kDecryptDone) {
+    throw std::bad_alloc();
+  }
+  WriteStandardOutput(stored + '\n');
+  return kExitDone;
+}
+
+}  // namespace
+
+Action DeclareSeal(CLI::App* app) {
+  const auto request = std::make_shared<SealRequest>();
+  app->add_option("DIR", request->folder, "Folder with the key file auth.key")->required();
+  return BindRequest(request, RunSeal);
+}
+
+}  // namespace quarry::tool

@@ -1,0 +1,143 @@
+// quarry-config set
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
+
+#include "dmconfig/string_case_cmp.h"
+#include "platform/local/sealed_password.h"
+#include "settings/line_scanner.h"
+#include "tools/check/agent_advice.h"
+#include "tools/check/finding_text.h"
+#include "tools/commands/command.h"
+#include "tools/commands/edit_target.h"
+#include "tools/commands/open_document.h"
+#include "tools/terminal/standard_streams.h"
+#include "tools/terminal/terminal_text.h"
+
+namespace quarry::tool {
+
+using settings::EditedText;
+using settings::SameName;
+using settings::Setting;
+using storage::dmconfig::LineKind;
+using storage::dmconfig::StringCaseCmp;
+
+namespace {
+
+// An option and its value, or the name of a file whose options are set.
+struct SetRequest {
+  std::string file;
+  std::optional<std::string> section, option, value;
+  std::optional<std::string> changes;
+  bool create = false;
+  bool dry_run = false;
+};
+
+bool EndsInCarriageReturn(std::string_view value) { return !value.empty() && value.back() == '\r'; }
+
+std::size_t CountCarriageReturns(const std::string& text) {
+  std::size_t count = 0;
+  settings::LineScanner scanner(text);
+  for (settings::ScannedLine line; scanner.Next(&line);) {
+    if (EndsInCarriageReturn(line.option.value)) ++count;
+  }
+  return count;
+}
+
+void WarnOfCarriageReturns(const std::string& file, const EditedText& edited,
+                           const std::vector<Setting>& settings) {
+  if (edited.edit.empty()) return;
+  const auto wanted = static_cast<std::size_t>(
+      std::count_if(settings.begin(), settings.end(),
+                    [](const Setting& setting) { return EndsInCarriageReturn(setting.value); }));
+  const std::size_t count = CountCarriageReturns(edited.text);
+  if (count <= wanted) return;
+  const std::string values =
+      std::to_string(count - wanted) + (count - wanted == 1 ? " value ends" : " values end");
+  WriteDiagnostics({Warning(
+      InputName(file) + " has carriage returns at its line ends: " + values +
+          " in one, which programs see",
+      "remove all of them: sed -i 's/\\r$//' " + (file == "-" ? "FILE" : ShellQuotedFile(file)))});
+}
+
+void WarnOfPlainPassword(const std::vector<Setting>& settings) {
+  const AgentSettingRow& password = RowOf(AgentSetting::kPassword);
+  const auto is_plain = [&password](const Setting& setting) {
+    return SameName(setting.section, password.section_name()) &&
+           SameName(setting.option, password.option_name()) &&
+           setting.value.substr(0, platform::kSealedPrefix.size()) != platform::kSealedPrefix;
+  };
+  if (std::none_of(settings.begin(), settings.end(), is_plain)) return;
+  WriteDiagnostics({Warning("the value for the agent's password is not sealed",
+                            "set what this prints: quarry-config seal DIR")});
+}
+
+// The options that the text sets, in its order, each once and with its last value.
+std::vector<Setting> SettingsOf(settings::Document* changes) {
+  std::vector<Setting> settings;
+  std::map<std::string, std::set<std::string, StringCaseCmp>, StringCaseCmp> seen;
+  std::string section;
+  settings::LineScanner scanner(changes->text());
+  for (settings::ScannedLine line; scanner.Next(&line);) {
+    if (line.kind == LineKind::kHeader) section = line.header.name;
+    if (line.kind != LineKind::kOption) continue;
+    const std::string option(line.option.name);
+    if (!seen[section].insert(option).second) continue;
+    settings.push_back({section, option, changes->Find(section, option)->value});
+  }
+  return settings;
+}
+
+std::vector<Setting> ReadChanges(const SetRequest& request) {
+  if (*request.changes == "-" && request.file == "-") {
+    throw ToolError(kExitUsage, "standard input cannot be both the file and the changes",
+                    "give the name of one of them");
+  }
+  settings::Document changes = OpenDocument(*request.changes);
+  WriteDiagnostics(DiagnosticsOf(CheckForProgram(changes.text(), changes.file(), Program::kNone),
+                                 changes.file()));
+  return SettingsOf(&changes);
+}
+
+std::vector<Setting> SettingsFor(const SetRequest& request) {
+  const bool complete = request.value.has_value();
+  const bool none = !request.section.has_value();
+  if (request.changes ? !none : !complete) {
+    throw ToolError(kExitUsage, "give either SECTION, OPTION and VALUE or --from CHANGES",
+                    "see: quarry-config set --help");
+  }
+  if (request.changes) return ReadChanges(request);
+  return {{*request.section, *request.option, *request.value}};
+}
+
+ExitStatus RunSet(const SetRequest& request) {
+  const std::vector<Setting> settings = SettingsFor(request);
+  const EditedText edited =
+      MakeEdit({request.file, request.create, request.dry_run}, [&](const std::string& text) {
+        for (const Setting& setting : settings) settings::RequireReadable(setting);
+        settings::Document document = OpenDocument(request.file, text);
+        return settings::WithSettings(&document, settings);
+      });
+  WarnOfCarriageReturns(request.file, edited, settings);
+  WarnOfPlainPassword(settings);
+  return kExitDone;
+}
+
+}  // namespace
+
+Action DeclareSet(CLI::App* app) {
+  const auto request = std::make_shared<SetRequest>();
+  app->add_option("FILE", request->file, "File to edit")->required();
+  app->add_option("SECTION", request->section, "The section");
+  app->add_option("OPTION", request->option, "Its option");
+  app->add_option("VALUE", request->value, "The option's new value");
+  app->add_option("--from", request->changes, "Set all options of this file, or none")
+      ->type_name("CHANGES");
+  app->add_flag("--create", request->create, "Make a new file when there is none");
+  AddDryRun(app, &request->dry_run);
+  return BindRequest(request, RunSet);
+}
+
+}  // namespace quarry::tool
