@@ -24,7 +24,7 @@ SectionOptionMap* DMConfig::GetOptionMap(const std::string& section) {
     auto record = std::make_unique<SectionOptionMap>();
     std::list<std::string> name(1, section);
     section_map_.emplace_hint(at, section, record.get());
-    // Cannot fail, so map and list always name the same sections.
+    // Cannot throw, so map and list always have the same sections.
     section_list_.splice(section_list_.end(), name);
     return record.release();
   } catch (...) {

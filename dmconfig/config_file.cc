@@ -14,8 +14,8 @@ namespace quarry::storage::dmconfig {
 
 namespace {
 
-// The message that comes before a refused line; null where none is written.
-const char* DiagnosticOf(LineFault fault) {
+// The message written before the refused line; null when nothing is written.
+const char* DiagnosticFor(LineFault fault) {
   switch (fault) {
     case LineFault::kTextAfterHeader:
       return "Found invalid line: ";
@@ -29,8 +29,8 @@ const char* DiagnosticOf(LineFault fault) {
 }
 
 int Refuse(LineFault fault, std::string_view line) {
-  if (const char* message = DiagnosticOf(fault)) {
-    // Copied first, for std::cerr may write to the buffer that the line is in.
+  if (const char* message = DiagnosticFor(fault)) {
+    // Copied first, because std::cerr may write to the buffer that holds the line.
     const std::string text(line);
     std::cerr << message << text << std::endl;
   }
@@ -55,7 +55,7 @@ class TextReader {
   DMConfig* const config_;
   SectionOptionMap* section_ = nullptr;  // the current one; null before any
   std::string pending_comment_;
-  std::string name_;  // of the line at hand; kept for its memory
+  std::string name_;  // of the current line; a member so that its memory is reused
 };
 
 int TextReader::ReadAll() {
@@ -131,7 +131,7 @@ class TextWriter {
 
   std::ostream* const out_;
   DMConfig* const model_;
-  std::string line_;  // being put together; kept for its memory
+  std::string line_;  // the text being built; a member so that its memory is reused
 };
 
 int TextWriter::WriteAll() {
@@ -171,7 +171,7 @@ int TextWriter::WriteOptions(const SectionOptionMap& record) {
   return kStatusOk;
 }
 
-// Only the first character decides; a later line may lack a marker.
+// Only the first character counts; later lines of a comment may lack a "#" or ";".
 void TextWriter::WriteComment(const std::string& comment) {
   if (comment.empty()) return;
   if (KindOf(comment) != LineKind::kComment) line_ += '#';
@@ -179,7 +179,7 @@ void TextWriter::WriteComment(const std::string& comment) {
   WriteLine();
 }
 
-// Ends what was put together and writes it, a line of it at a time.
+// Terminates line_, writes it line by line, flushing each, and clears it.
 void TextWriter::WriteLine() {
   line_ += '\n';
   for (std::string_view rest = line_; !rest.empty();) {

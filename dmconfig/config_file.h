@@ -1,38 +1,37 @@
-// DMConfigFile reads configuration text into a DMConfig (dmconfig/config.h) and
-// writes it.
+// DMConfigFile reads configuration text into a DMConfig (dmconfig/config.h) and writes it.
 //
 //   DMConfig model;
 //   DMConfigFile file("/etc/quarry/agent.conf", "");
 //   const int status = file.LoadConfig(&model);
 //   if (status != kStatusOk) return status;
 //
-// The text is a sequence of lines that end in a line feed (the last one may do
-// without). Leading spaces, tabs and carriage returns of a line do not count.
+// The text is a sequence of lines that end in a line feed (optional on the last one). Leading
+// spaces, tabs and carriage returns of a line are ignored.
 //
 //   # comment        a whole line that begins with "#" or ";". A run of them,
 //                    blank lines allowed between, belongs to the header or
 //                    option line that follows, or to nothing at the text's end
-//   [section]        the name is everything up to the first "]", blanks
-//                    included; only blanks may follow. A name met before, in
-//                    any case of letters, continues that section, and its
-//                    comment is replaced, by none when none precedes
+//   [section]        the name is everything up to the first "]", whitespace
+//                    included; only spaces, tabs and carriage returns may
+//                    follow. A name seen before, in any case of letters,
+//                    continues that section, and its comment is replaced, by
+//                    none when none precedes
 //   name = value     split at the first "="; spaces and tabs around both parts
-//                    go, but a value of nothing else is kept whole. A name met
-//                    before in the section sets that option again and keeps its
-//                    comment unless a new one precedes
+//                    are removed, but a value of nothing else is kept whole. A
+//                    name seen before in the section sets that option again and
+//                    keeps its comment unless a new one precedes
 //
-// There are no trailing comments, quotes, escapes or continuation lines: all
-// these characters belong to the value. So does a carriage return at the end of
-// an option line. Any other byte is taken as it is; lines may be of any length.
+// There are no trailing comments, quotes, escapes or continuation lines: all these characters
+// belong to the value. So does a carriage return at the end of an option line. Any other byte is
+// stored as it is; lines may be of any length.
 //
 // Reading stops at the first line that is none of these.
 //
-// Written text has the sections in order of creation and their options in order
-// of names, "[section]" and "name=value" without blanks, and nothing between.
-// A comment stands above what it belongs to; "#" is put in front of one whose
-// first character is neither "#" nor ";", so one that was read (it begins with
-// a line feed) gains the line "#" at its top. Texts are written as they are: it
-// is the caller's affair that names and values read back as they were.
+// Written text has the sections in order of creation and their options in order of names, as
+// "[section]" and "name=value" without added whitespace or blank lines. A comment is above what it
+// belongs to; "#" is put in front of one whose first character is neither "#" nor ";", so one that
+// was read (it begins with a line feed) gains the line "#" at its top. Texts are written as they
+// are: the caller must ensure that names and values read back unchanged.
 #ifndef QUARRY_DMCONFIG_CONFIG_FILE_H_
 #define QUARRY_DMCONFIG_CONFIG_FILE_H_
 
@@ -44,81 +43,77 @@
 
 namespace quarry::storage::dmconfig {
 
-// Keeps two file names and nothing else, so one object serves any number of
-// loads. Threads may load through one object at the same time, each into a
-// model of its own; their lines on std::cerr may interleave.
+// Keeps two file names and nothing else, so one object serves any number of loads. Threads may load
+// through one object at the same time, each into a model of its own; their lines on std::cerr may
+// interleave.
 class QUARRY_EXPORT DMConfigFile {
  public:
-  // Copies both names. Either may be empty; what needs it then returns -1.
+  // Copies both names. Either may be empty; the operations that need it then return -1.
   DMConfigFile(const std::string& input_file, const std::string& output_file);
   ~DMConfigFile();
   // Copies the other's names.
   DMConfigFile(const DMConfigFile&) = default;
-  // Copies the other's names over its own.
+  // Replaces its names with copies of the other's.
   DMConfigFile& operator=(const DMConfigFile&) = default;
 
-  // Reads the file named `input_file` into `*config`, which is emptied first.
-  // The file is open during the call only; a pipe will do. Returns as the
-  // second form does, -4 when the file cannot be opened, and -1 also when the
-  // name is empty (the model is not touched then).
+  // Reads the file named `input_file` into `*config`, which is emptied first. The file is open
+  // during the call only; a pipe will do. Returns what the second form returns, -4 when the file
+  // cannot be opened, and -1 also when the name is empty (the model is unchanged then).
   int LoadConfig(DMConfig* config);
 
-  // Reads `*in`, from where it stands to its end, into `*config`, which is
-  // emptied first. Both are borrowed; the stream's own code must not use the
-  // model meanwhile. Returns (names in dmconfig/status.h)
+  // Reads `*in`, from its current position to its end, into `*config`, which is emptied first. Both
+  // are borrowed; the stream's own code must not use the model meanwhile. Returns (names in
+  // dmconfig/status.h)
   //    0  the whole text was read
-  //   -1  a null pointer; the model is not touched
+  //   -1  a null pointer; the model is unchanged
   //   -2  an invalid line. The model holds what the lines before it stored, and
-  //       the stream stands at the line after it
+  //       the stream is positioned at the line after it
   //   -4  the stream was not good() at the start (the model is empty), or it
   //       failed before its end (the model holds the lines read until then).
-  //       Memory that runs out inside std::getline, for a line that does not
-  //       lie whole in the stream's buffer, is such a failure: it sets badbit
+  //       Memory that runs out inside std::getline, for a line that is not
+  //       entirely in the stream's buffer, is such a failure: it sets badbit
   //   -5  memory ran out while a section was being created; the model holds
   //       what the lines before stored
-  // The stream is left, flags included, as reading line by line with
-  // std::getline leaves it.
+  // The stream is left, flags included, as reading line by line with std::getline leaves it.
   //
-  // Some failures also write one line to std::cerr, each message followed by
-  // the text that it is about, a line without its leading blanks:
+  // Some failures also write one line to std::cerr, each message followed by the text that it is
+  // about, a line without its leading spaces, tabs and carriage returns:
   //   "Failed to open input file:"  and the input file's name, for -4 at the
   //                                 start
   //   "Found invalid line: "        text after a section header
   //   "Found an invalid line: "     an option line before any section
   //   "Found an invalid key: "      a line that begins with "="
-  // The rest of -2 ("[" without "]", "[]", no "=") is silent.
+  // The other causes of -2 ("[" without "]", "[]", no "=") write nothing.
   //
-  // Throws only what the stream (when its exception mask is set) or an
-  // allocation throws; the model then holds what was stored before.
+  // Throws only what the stream (when its exception mask is set) or an allocation throws; the model
+  // then holds what was stored before.
   int LoadConfig(std::istream* in, DMConfig* config);
 
-  // Writes the model to the file named `output_file`, which is emptied or
-  // created. Returns as the second form does, -4 when the file cannot be
-  // opened, and -1 also when the name is empty; on -1 no file is touched. The
-  // file is replaced in place: where it must never be half written, write to
-  // another one and rename that.
+  // Writes the model to the file named `output_file`, which is truncated or created. Returns what
+  // the second form returns, -4 when the file cannot be opened, and -1 also when the name is empty;
+  // for an empty file name or a null pointer no file is touched. The file is overwritten in place:
+  // where it must never be half written, write to another one and rename that.
   int DumpConfig(DMConfig* model);
 
-  // Writes the model to `*out` from where it stands, and flushes after every
-  // line. Both are borrowed; the model is not changed. A model that has many
-  // lines is written faster to a std::ostringstream first. Returns
+  // Writes the model to `*out` at its current position, and flushes after every line. Both are
+  // borrowed; the model is not changed. A model that has many lines is written faster to a
+  // std::ostringstream first. Returns
   //    0  everything was written
   //   -1  a null pointer; nothing is written
   //   -4  the stream was not good() at the start, and nothing is written, or it
   //       failed meanwhile, and writing stopped there
   //   -1  a section or option name is empty (such names come only by way of
-  //       GetOptionMap). At a section writing stops; of an option's section the
-  //       rest is left out, and the status is returned at the end
+  //       GetOptionMap). At such a section writing stops; at such an option the
+  //       rest of its section is left out, and the status is returned at the end
   //
-  // Failures but for null pointers also write one line to std::cerr, each
-  // message followed by the name that it is about:
+  // Every failure except a null pointer also writes one line to std::cerr, each message followed by
+  // the name that it is about:
   //   "Failed to open file: "                        the output file's name
   //   "Failed to write file: "                       the output file's name
   //   "Failed to get option list for section: "      the section's
   //   "Failed to get value for option: "             the option's
   //
-  // Throws only what the stream (when its exception mask is set) or an
-  // allocation throws.
+  // Throws only what the stream (when its exception mask is set) or an allocation throws.
   int DumpConfig(std::ostream* out, DMConfig* model);
 
  private:

@@ -1,9 +1,9 @@
-// The grammar of a single line of configuration text, in one place: the reader
-// stores lines by it and the quarry-config program explains and edits them by
-// it. Not installed. Results are views into the line that was given.
+// The grammar of a single line of configuration text, in one place: the reader parses lines with it
+// and the quarry-config program explains and edits them with it. Not installed. Results are views
+// into the line that was given.
 //
-// A line comes without its line feed. What a line means beyond itself (which
-// section is current, which comment is pending) is its user's affair.
+// A line is passed without its line feed. What depends on other lines (the current section, the
+// pending comment) is up to the caller.
 #ifndef QUARRY_DMCONFIG_LINE_H_
 #define QUARRY_DMCONFIG_LINE_H_
 
@@ -24,8 +24,8 @@ enum class LineFault {
   kOptionNameEmpty,   // "= value"
 };
 
-// `offset` is where the fault shows, in bytes from the start of the line
-// without its leading blanks.
+// `offset` is the position of the fault, in bytes from the start of the line without its leading
+// whitespace.
 struct HeaderLine {
   LineFault fault = LineFault::kNone;
   std::size_t offset = 0;
@@ -39,8 +39,8 @@ struct OptionLine {
   std::string_view value;
 };
 
-// Removes leading spaces, tabs and carriage returns; nothing at the right end.
-// All functions below expect a line without them.
+// Removes leading spaces, tabs and carriage returns; nothing at the right end. All functions below
+// expect a line without them.
 inline std::string_view WithoutLeadingBlanks(std::string_view line) {
   std::size_t blanks = 0;
   while (blanks < line.size() &&
@@ -57,7 +57,7 @@ inline LineKind KindOf(std::string_view line) {
   return LineKind::kOption;
 }
 
-// The name is what stands between "[" and the first "]", blanks included.
+// The name is the text between "[" and the first "]", whitespace included.
 inline HeaderLine ParseHeader(std::string_view line) {
   const std::size_t close = line.find(']');
   if (close == std::string_view::npos) {
@@ -71,8 +71,7 @@ inline HeaderLine ParseHeader(std::string_view line) {
   return {LineFault::kTextAfterHeader, extra, name};
 }
 
-// Removes spaces and tabs at both ends, but leaves a text of nothing else
-// whole.
+// Removes spaces and tabs at both ends, but leaves a text of nothing else whole.
 inline std::string_view Trimmed(std::string_view text) {
   const auto is_blank = [](char c) { return c == ' ' || c == '\t'; };
   std::size_t begin = 0, end = text.size();
@@ -82,8 +81,7 @@ inline std::string_view Trimmed(std::string_view text) {
   return text.substr(begin, end - begin);
 }
 
-// `in_section` says whether a header came before; its absence is the first
-// fault that counts.
+// `in_section` says whether a header came before; its absence is reported before any other fault.
 inline OptionLine ParseOption(std::string_view line, bool in_section) {
   if (!in_section) return {LineFault::kNoSection, 0, {}, {}};
   const std::size_t equals = line.find('=');

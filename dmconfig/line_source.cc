@@ -7,12 +7,12 @@ namespace quarry::storage::dmconfig {
 
 namespace {
 
-// Reaches the protected get area of any stream buffer; never constructed.
+// Gives access to the protected get area of any stream buffer; never constructed.
 class GetArea : public std::streambuf {
  public:
-  // Takes the next line and its line feed out of what the buffer already holds;
-  // false, and nothing taken, when no line feed is there yet.
-  static bool TakeLine(std::streambuf* buffer, std::string_view* line) {
+  // Extracts the next line and its line feed from the buffered characters; returns false and
+  // extracts nothing when they contain no line feed.
+  static bool ExtractLine(std::streambuf* buffer, std::string_view* line) {
     char* const begin = (buffer->*(&GetArea::gptr))();
     char* const end = (buffer->*(&GetArea::egptr))();
     if (begin == end) return false;
@@ -31,17 +31,17 @@ class GetArea : public std::streambuf {
 }  // namespace
 
 bool LineSource::Next(std::string_view* line) {
-  if (TakeFromBuffer(line)) return true;
+  if (ExtractFromBuffer(line)) return true;
   std::getline(*in_, copied_);
   if (in_->fail() && !in_->eof()) return false;
   *line = copied_;
   return true;
 }
 
-bool LineSource::TakeFromBuffer(std::string_view* line) {
-  // Reading flushes a tied stream first, which std::getline sees to.
+bool LineSource::ExtractFromBuffer(std::string_view* line) {
+  // Reading must flush a tied stream first; std::getline does that.
   if (in_->tie() != nullptr) return false;
-  return GetArea::TakeLine(in_->rdbuf(), line);
+  return GetArea::ExtractLine(in_->rdbuf(), line);
 }
 
 }  // namespace quarry::storage::dmconfig

@@ -1,7 +1,6 @@
-// LineSource hands out the lines of a stream one by one as std::getline would,
-// but in place where it can: a line that lies whole in the stream's buffer is
-// not copied. In every moment the stream stands, and has the state flags, as
-// after the same number of std::getline calls. Not installed.
+// LineSource returns the lines of a stream one by one as std::getline would, but without copying a
+// line that is entirely in the stream's buffer. After each call the stream's position and state
+// flags are those after the same number of std::getline calls. Not installed.
 #ifndef QUARRY_DMCONFIG_LINE_SOURCE_H_
 #define QUARRY_DMCONFIG_LINE_SOURCE_H_
 
@@ -13,23 +12,21 @@ namespace quarry::storage::dmconfig {
 
 class LineSource {
  public:
-  // Borrows the stream.
+  // Borrows the stream, which must outlive this object.
   explicit LineSource(std::istream* in) : in_(in) {}
 
-  // Sets `*line` to the next line without its line feed and returns true. As
-  // with std::getline, a text that ends in a line feed has one more, empty
-  // line; the stream is at its end then. Returns false when the stream fails
-  // before its end. Exceptions of the stream pass through.
+  // Sets `*line` to the next line without its line feed and returns true. As with std::getline, a
+  // text that ends in a line feed has one more, empty line; the stream is at its end then. Returns
+  // false when the stream fails before its end. Exceptions of the stream pass through.
   //
-  // The view is good until the next call, or until anybody else uses the
-  // stream or its buffer.
+  // The view is valid until the next call, or until the stream or its buffer is used elsewhere.
   bool Next(std::string_view* line);
 
  private:
-  bool TakeFromBuffer(std::string_view* line);
+  bool ExtractFromBuffer(std::string_view* line);
 
   std::istream* const in_;
-  std::string copied_;  // a line that did not lie whole in the buffer
+  std::string copied_;  // a line that was not entirely in the buffer
 };
 
 }  // namespace quarry::storage::dmconfig

@@ -15,12 +15,12 @@ OptionValue* AddOption(SectionOptionMap* record, std::string&& option, std::stri
   auto& options = record->option_map;
   auto name = std::forward_as_tuple(std::move(option));
   const auto texts = std::forward_as_tuple(value, comment);
-  // Saved texts hold their options in order, so most belong at the end.
+  // A saved text has its options in order, so most of them are appended.
   if (options.empty() || StringCaseCmp()(std::prev(options.end())->first, std::get<0>(name))) {
     options.emplace_hint(options.end(), std::piecewise_construct, std::move(name), texts);
     return nullptr;
   }
-  // One descent; the node is made in vain for an option that is there already.
+  // One search of the tree, at the cost of a wasted node when the option exists already.
   const auto [at, is_new] = options.emplace(std::piecewise_construct, std::move(name), texts);
   return is_new ? nullptr : &at->second;
 }

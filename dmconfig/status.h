@@ -1,27 +1,27 @@
-// The statuses of the model, the reader and the writer. 0 is success, failures
-// are negative. A status that one operation passes on from another keeps its
-// number, so a caller may compare with these names wherever it came from.
+// The statuses of the model, the reader and the writer. 0 is success, failures are negative. An
+// operation that passes on the status of another one does not change it, so a caller may compare
+// with these names wherever it came from.
 #ifndef QUARRY_DMCONFIG_STATUS_H_
 #define QUARRY_DMCONFIG_STATUS_H_
 
 namespace quarry::storage::dmconfig {
 
-// It was done.
+// Success.
 inline constexpr int kStatusOk = 0;
 
-// A null pointer, an empty section or option name, an empty file name.
+// A null pointer, or an empty section, option or file name.
 inline constexpr int kStatusInvalidArgument = -1;
 
-// A line that the text format does not allow; reading stopped there.
+// A line that is invalid in the text format; reading stopped there.
 inline constexpr int kStatusInvalidLine = -2;
 
-// A stream that cannot be used: a file that does not open, a failed read.
+// A stream failed: a file could not be opened, or a read or write failed.
 inline constexpr int kStatusStreamFailed = -4;
 
-// A section's record could not be obtained: memory is exhausted.
+// Memory ran out while a section was being created.
 inline constexpr int kStatusOutOfMemory = -5;
 
-// There is no such section; only HasSection says so.
+// There is no such section; only HasSection returns this.
 inline constexpr int kStatusNoSuchSection = -6;
 
 // The section has no such option.

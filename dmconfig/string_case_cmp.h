@@ -11,25 +11,25 @@
 
 namespace quarry::storage::dmconfig {
 
-// True when `left` comes before `right` by their bytes up to the first NUL, taken as unsigned,
-// with A to Z folded onto a to z. This is strcasecmp in the C locale, whatever locale the process
-// has set. So "_" comes before every letter, and bytes from 0x80 on come last; letters outside
-// ASCII are not folded.
+// Orders names by their bytes up to the first NUL, compared as unsigned, with A to Z folded to
+// lower case. This is the order of strcasecmp in the C locale, whatever locale the process has set.
+// So "_" sorts before every letter, and bytes from 0x80 on sort last; letters outside ASCII are not
+// folded.
 struct StringCaseCmp {
-  // Whether `left` comes before `right`. Any thread may call.
+  // Returns whether `left` sorts before `right`. Any thread may call.
   bool operator()(const std::string& left, const std::string& right) const noexcept {
     const char* l = left.c_str();
     const char* r = right.c_str();
-    // Half of all comparisons end here.
+    // Half of all comparisons are decided by the first byte.
     if (Folded(*l) != Folded(*r)) return Folded(*l) < Folded(*r);
 
-    // Eight bytes at a time, the last eight again with some before them.
+    // Eight bytes at a time; the last word may overlap the one before it.
     const std::size_t shared = std::min(left.size(), right.size());
     for (std::size_t at = 0; shared >= kWordSize;
          at = std::min(at + kWordSize, shared - kWordSize)) {
       const std::uint64_t left_word = Folded(WordAt(l + at));
       const std::uint64_t right_word = Folded(WordAt(r + at));
-      if (HasNul(left_word | right_word)) break;  // in the same place
+      if (HasNul(left_word | right_word)) break;  // a NUL at the same place in both
       if (left_word != right_word) return left_word < right_word;
       if (at + kWordSize == shared) return Folded(l[shared]) < Folded(r[shared]);
     }
@@ -46,7 +46,7 @@ struct StringCaseCmp {
   static constexpr std::uint64_t kOnes = 0x0101010101010101;
   static constexpr std::uint64_t kHighBits = 0x80 * kOnes;
 
-  // The eight bytes at `text`, the first one highest.
+  // Loads the eight bytes at `text` in big-endian order.
   static std::uint64_t WordAt(const char* text) noexcept {
     std::uint64_t word;
     std::memcpy(&word, text, sizeof word);
@@ -55,8 +55,8 @@ struct StringCaseCmp {
   static bool HasNul(std::uint64_t word) noexcept {
     return ((word - kOnes) & ~word & kHighBits) != 0;
   }
-  // Adds 0x20 to each byte from A to Z: those below 0x80 whose high bit is set
-  // by adding up to "A" and not yet by adding up to the byte after "Z".
+  // Adds 0x20 to each byte from A to Z. Those are the bytes below 0x80 whose high bit is set by
+  // adding 0x80 - 'A' but not by adding 0x80 - ('Z' + 1).
   static std::uint64_t Folded(std::uint64_t word) noexcept {
     const std::uint64_t low = word & ~kHighBits;
     const std::uint64_t from_a = low + (0x80 - 'A') * kOnes;
