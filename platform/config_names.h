@@ -1,8 +1,7 @@
-// The names of the agent's settings. They stand in two pools, one of section
-// and one of option names; a name is designated by the offset, in bytes, at
-// which it starts in its pool, and ends at the NUL. libquarry_platform.so
-// defines the pools with the names shown behind the offsets; a storage system's
-// own library may define others at the same offsets.
+// The names of the agent's settings. They are stored in two string tables, one of section names and
+// one of option names; a name is identified by the offset, in bytes, at which it starts in its
+// table, and is NUL-terminated. libquarry_platform.so defines the tables with the names shown after
+// the offsets; a storage system's own library may define other names at the same offsets.
 #ifndef QUARRY_PLATFORM_CONFIG_NAMES_H_
 #define QUARRY_PLATFORM_CONFIG_NAMES_H_
 
@@ -11,9 +10,9 @@
 #include "platform/export.h"
 
 extern "C" {
-// The names of sections.
+// The string table of section names.
 QUARRY_EXPORT extern const char _dct_config_section_string_table_[];
-// The names of options.
+// The string table of option names.
 QUARRY_EXPORT extern const char _dct_config_entry_string_table_[];
 }
 
@@ -33,13 +32,12 @@ inline constexpr std::size_t kEntryUrl = 1322;           // "url"
 inline constexpr std::size_t kEntryKeyDir = 1503;        // "key_dir"
 inline constexpr std::size_t kEntryAddress = 2777;       // "address"
 
-// The name of the section designated by `offset`, NUL-terminated. It stays for
-// the life of the process.
+// Returns the section name at `offset`, NUL-terminated. It is never freed.
 inline const char* SectionName(std::size_t offset) {
   return _dct_config_section_string_table_ + offset;
 }
 
-// The same of an option.
+// Returns the option name at `offset`, NUL-terminated. It is never freed.
 inline const char* EntryName(std::size_t offset) {
   return _dct_config_entry_string_table_ + offset;
 }

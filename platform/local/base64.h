@@ -1,5 +1,4 @@
-// The base64 of key files and stored passwords: URL-safe, without padding. Not
-// installed.
+// The base64 variant of key files and stored passwords: URL-safe, without padding. Not installed.
 #ifndef QUARRY_PLATFORM_LOCAL_BASE64_H_
 #define QUARRY_PLATFORM_LOCAL_BASE64_H_
 
@@ -13,11 +12,11 @@ namespace quarry::platform {
 
 inline constexpr int kBase64 = sodium_base64_VARIANT_URLSAFE_NO_PADDING;
 
-// False for a text that is not the one that encoding its bytes gives, and when
-// it has more than `capacity` bytes.
+// Decodes `text` into `bytes` and sets `*size` to their number. Returns false for a text that is
+// not the canonical encoding of its bytes, or that decodes to more than `capacity` bytes.
 inline bool DecodeBase64(std::string_view text, unsigned char* bytes, std::size_t capacity,
                          std::size_t* size) {
-  // libsodium takes every byte beyond ASCII for "_".
+  // libsodium decodes every non-ASCII byte as "_".
   const auto is_ascii = [](char c) { return static_cast<signed char>(c) >= 0; };
   return std::all_of(text.begin(), text.end(), is_ascii) &&
          sodium_base642bin(bytes, capacity, text.data(), text.size(), nullptr, size, nullptr,

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-// The bytes between the names belong to settings that an agent start does not
-// use; here they are NUL.
+// The bytes between the names are reserved for settings that an agent start does not use; here they
+// are NUL.
 #define NUL_1 "\0"
 #define NUL_4 NUL_1 NUL_1 NUL_1 NUL_1
 #define NUL_16 NUL_4 NUL_4 NUL_4 NUL_4
@@ -47,11 +47,11 @@ namespace storage::config {
 
 namespace {
 
-// Whether `name` is what starts at `offset` of the pool, right behind a NUL.
+// Whether the table has `name` at `offset`, at its start or directly after a NUL.
 template <std::size_t size>
-constexpr bool StartsAt(const char (&pool)[size], std::size_t offset, std::string_view name) {
-  return offset + name.size() < size && (offset == 0 || pool[offset - 1] == '\0') &&
-         std::string_view(pool + offset) == name;
+constexpr bool StartsAt(const char (&table)[size], std::size_t offset, std::string_view name) {
+  return offset + name.size() < size && (offset == 0 || table[offset - 1] == '\0') &&
+         std::string_view(table + offset) == name;
 }
 
 static_assert(StartsAt(_dct_config_section_string_table_, kSectionAgent, "Agent"));
@@ -68,8 +68,8 @@ static_assert(StartsAt(_dct_config_entry_string_table_, kEntryUrl, "url"));
 static_assert(StartsAt(_dct_config_entry_string_table_, kEntryKeyDir, "key_dir"));
 static_assert(StartsAt(_dct_config_entry_string_table_, kEntryAddress, "address"));
 
-// Login and password are two options of one section; the two URLs are one
-// option name in two sections.
+// Login and password are two options of one section; the two URLs are one option name in two
+// sections.
 static_assert(kEntryLogin != kEntryPassword);
 static_assert(kSectionLedger != kSectionMetabase);
 

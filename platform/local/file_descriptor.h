@@ -1,4 +1,4 @@
-// Small helpers over file descriptors, for the stand-ins and the tool. Not
+// An owning file descriptor, and complete reads and writes, for the stand-ins and the tool. Not
 // installed.
 #ifndef QUARRY_PLATFORM_LOCAL_FILE_DESCRIPTOR_H_
 #define QUARRY_PLATFORM_LOCAL_FILE_DESCRIPTOR_H_
@@ -11,7 +11,7 @@
 
 namespace quarry::platform {
 
-// Owns a descriptor, -1 being none, and closes it.
+// Owns a descriptor and closes it; -1 means none.
 class FileDescriptor {
  public:
   explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
@@ -21,13 +21,14 @@ class FileDescriptor {
 
   int get() const { return descriptor_; }
 
-  // Closes what is open and owns another one.
+  // Closes the descriptor and takes ownership of another one.
   void Reset(int descriptor) {
     Close();
     descriptor_ = descriptor;
   }
 
-  // Closes early; false with errno when the system reports that data was lost.
+  // Closes the descriptor. Returns false, with errno set, when the system reports that data was
+  // lost.
   bool Close() {
     if (descriptor_ == -1) return true;
     const bool closed = close(descriptor_) == 0 || errno == EINTR;
@@ -39,18 +40,17 @@ class FileDescriptor {
   int descriptor_;
 };
 
-// After a read or write that failed: whether to do it again. Waits while a
-// descriptor that another program made non-blocking has nothing to give or no
-// room.
-inline bool Retry(int descriptor, short events) {
+// Whether to retry a read or write that failed with the current errno. On a descriptor that another
+// program made non-blocking, first waits for one of `events`, as poll defines them.
+inline bool ShouldRetry(int descriptor, short events) {
   if (errno == EINTR) return true;
   if (errno != EAGAIN) return false;
   pollfd ready = {descriptor, events, 0};
   return poll(&ready, 1, -1) >= 0 || errno == EINTR;
 }
 
-// Reads until `capacity` bytes are there or the end comes; `*size` is what was
-// read. False with errno on failure.
+// Reads `capacity` bytes, fewer only at end of file, and sets `*size` to their number. Returns
+// false, with errno set, on failure.
 inline bool ReadUpTo(int descriptor, char* bytes, std::size_t capacity, std::size_t* size) {
   *size = 0;
   while (*size < capacity) {
@@ -58,20 +58,20 @@ inline bool ReadUpTo(int descriptor, char* bytes, std::size_t capacity, std::siz
     if (count == 0) break;
     if (count > 0) {
       *size += static_cast<std::size_t>(count);
-    } else if (!Retry(descriptor, POLLIN)) {
+    } else if (!ShouldRetry(descriptor, POLLIN)) {
       return false;
     }
   }
   return true;
 }
 
-// False with errno on failure.
+// Writes `size` bytes. Returns false, with errno set, on failure.
 inline bool WriteAll(int descriptor, const char* bytes, std::size_t size) {
   for (std::size_t written = 0; written < size;) {
     const ssize_t count = write(descriptor, bytes + written, size - written);
     if (count >= 0) {
       written += static_cast<std::size_t>(count);
-    } else if (!Retry(descriptor, POLLOUT)) {
+    } else if (!ShouldRetry(descriptor, POLLOUT)) {
       return false;
     }
   }

@@ -19,10 +19,10 @@ namespace {
 constexpr std::string_view kPrefix = "quarry-config-key:v1:";
 constexpr std::size_t kKeyBytes = crypto_aead_xchacha20poly1305_ietf_KEYBYTES;
 constexpr std::size_t kEncodedBytes =
-    sodium_base64_ENCODED_LEN(kKeyBytes, kBase64) - 1;  // counts a NUL
+    sodium_base64_ENCODED_LEN(kKeyBytes, kBase64) - 1;  // the macro counts a NUL
 static_assert(kKeyFileBytes == kPrefix.size() + kEncodedBytes + 1);
 
-// Whether nobody but the caller and root can have read or written the key.
+// Whether the owner is trusted and nobody else may use the key; SealingKey::Load has the rules.
 bool IsPrivate(const struct stat& status) {
   const uid_t caller = geteuid();
   const bool trusted_owner = caller == 0 || status.st_uid == caller || status.st_uid == 0;
@@ -58,7 +58,7 @@ DecryptResult SealingKey::Randomise() {
 }
 
 DecryptResult SealingKey::Load(const char* key_file) {
-  // One byte more than a key file has, to see that it ends there.
+  // One byte more than a key file has, to detect a longer file.
   SecretBytes text(kKeyFileBytes + 1);
   if (bytes_.data() == nullptr || text.data() == nullptr) {
     return kDecryptNoCrypto;

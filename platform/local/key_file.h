@@ -1,4 +1,5 @@
-// Key files: the key that passwords are sealed with, as "auth.key" stores it. Not installed.
+// The key that passwords are sealed with, and the format of the file "auth.key" that stores it. Not
+// installed.
 //
 // A key file is one line of text: "quarry-config-key:v1:", 32 random bytes as 43 characters of
 // base64url, a line feed.
@@ -14,19 +15,20 @@
 
 namespace quarry::platform {
 
-// The 32 bytes of a key.
+// A key of 32 bytes, in guarded memory.
 class SealingKey {
  public:
   SealingKey();
 
-  // Reads a key file. Follows links; does not wait for a pipe. Returns kDecryptDone,
+  // Reads a key file. Follows symbolic links; does not wait for a pipe. Returns kDecryptDone,
   // kDecryptNoKeyFile (errno says why), kDecryptNotAKeyFile, kDecryptNoCrypto, or
-  // kDecryptKeyTooOpen: the file must belong to the caller or to root (to anybody when the caller
-  // is root), and nobody else may read or write it. The one exception is a secret mounted for a
-  // service: owned by root, readable by the group, which is the caller's.
+  // kDecryptKeyTooOpen: the file must be owned by the caller or by root (by any user when the
+  // caller is root), and no other user may read or write it. The one exception is a secret mounted
+  // for a service: owned by root and readable by its group, which is the caller's.
   DecryptResult Load(const char* key_file);
 
-  // Sets the key to 32 given bytes, or to random ones. Returns kDecryptDone or kDecryptNoCrypto.
+  // Set the key to a copy of the 32 bytes at `bytes`, or to random bytes. Both return kDecryptDone
+  // or kDecryptNoCrypto.
   DecryptResult Set(const unsigned char* bytes);
   DecryptResult Randomise();
 
@@ -36,8 +38,11 @@ class SealingKey {
   SecretBytes bytes_;
 };
 
-// Writes the text of the key's file, kKeyFileBytes long and followed by a NUL, to `*text`.
+// The size of a key file, in bytes.
 inline constexpr std::size_t kKeyFileBytes = 65;
+
+// Writes the text of the key's file and a NUL to `*text`, which must have room for
+// kKeyFileBytes + 1 bytes.
 void EncodeKey(const SealingKey& key, SecretBytes* text);
 
 }  // namespace quarry::platform

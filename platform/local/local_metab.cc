@@ -29,17 +29,17 @@ bool SameTime(const timespec& left, const timespec& right) {
   return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }
 
-// Whether it is a file of this user's that nobody has locked; it is locked
-// then.
-bool IsAbandoned(int descriptor) {
+// Whether the file belongs to this user and no process holds a lock on it, as after its process was
+// killed. Locks the file when it returns true.
+bool LockIfAbandoned(int descriptor) {
   struct stat status {};
   return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
          flock(descriptor, LOCK_EX | LOCK_NB) == 0;
 }
 
-// A private copy of one routing table, waiting beside its target. Removed
-// unless it has been put in place; locked for its life, so that one that a
-// killed process left is told from one that is in use.
+// A private copy of one routing table, in a temporary file next to its target. The destructor
+// removes the file unless PutInPlace has renamed it. The file is locked for the lifetime of the
+// object, which distinguishes it from a file left by a killed process.
 class PendingTable {
  public:
   explicit PendingTable(const std::string& target)
@@ -101,16 +101,16 @@ cr_status_t PendingTable::Make() {
   return MakeAndLock() ? 0 : kRoutingTargetFailed;
 }
 
-// Another process may take a new file for abandoned until it is locked; then it
-// is made again.
+// Until the new file is locked, another process may treat it as abandoned and lock or remove it;
+// then creates another one.
 bool PendingTable::MakeAndLock() {
   for (;;) {
     copy_.assign(folder_).append(kCopyPrefix).append("XXXXXX");
     out_.Reset(mkostemp(copy_.data(), O_CLOEXEC));  // with mode 0600
     if (out_.get() == -1) return false;
-    const bool taken = flock(out_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    const bool gone = access(copy_.c_str(), F_OK) != 0 && errno == ENOENT;
-    made_ = !taken && !gone;
+    const bool locked_by_other = flock(out_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    const bool removed = access(copy_.c_str(), F_OK) != 0 && errno == ENOENT;
+    made_ = !locked_by_other && !removed;
     if (made_) return true;
   }
 }
@@ -118,13 +118,13 @@ bool PendingTable::MakeAndLock() {
 void PendingTable::RemoveAbandoned() const {
   DIR* const folder = opendir(folder_.empty() ? "." : folder_.c_str());
   if (folder == nullptr) return;
-  // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream is ours alone.
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread uses the directory stream.
   while (const dirent* entry = readdir(folder)) {
     const std::string_view name = entry->d_name;
     if (name.substr(0, kCopyPrefix.size()) != kCopyPrefix) continue;
     const FileDescriptor found(openat(folder_descriptor_.get(), entry->d_name,
                                       O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (IsAbandoned(found.get())) {
+    if (LockIfAbandoned(found.get())) {
       unlinkat(folder_descriptor_.get(), entry->d_name, 0);
     }
   }

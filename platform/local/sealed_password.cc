@@ -24,7 +24,7 @@ constexpr std::size_t kLongestSealed = kHeadBytes + kLongestPadded + kTagBytes;
 
 using KeyId = std::array<unsigned char, kIdBytes>;
 
-// Everything of a stored password behind its prefix.
+// The decoded bytes of a stored password, without its prefix.
 struct SealedBytes {
   std::array<unsigned char, kLongestSealed> bytes{};
   std::size_t size = 0;
@@ -45,7 +45,7 @@ KeyId IdOf(const SealingKey& key) {
   return id;
 }
 
-// The prefix and the key id, which the tag covers.
+// The prefix and the key id, which the tag authenticates.
 using AssociatedData = std::array<unsigned char, kSealedPrefix.size() + kIdBytes>;
 
 AssociatedData AssociatedDataOf(const unsigned char* id) {
@@ -77,7 +77,7 @@ bool DecryptInto(unsigned char* padded, const SealedBytes& sealed, const Sealing
              key.bytes()) == 0;
 }
 
-// Whether the key is the right one and no byte was changed.
+// Checks that the password was sealed with this key and not changed since.
 DecryptResult Verify(const SealedBytes& sealed, const SealingKey& key) {
   const KeyId id = IdOf(key);
   if (sodium_memcmp(id.data(), sealed.id(), id.size()) != 0) {
@@ -152,7 +152,7 @@ DecryptResult OpenPassword(const char* key_file, const char* stored, char* out,
                            std::size_t capacity) {
   const bool given = key_file != nullptr && stored != nullptr && out != nullptr;
   if (!given || capacity == 0) return kDecryptBadArgument;
-  if (!IsSealed(stored)) return kDecryptNotSealed;  // whatever the key
+  if (!IsSealed(stored)) return kDecryptNotSealed;  // even when the key file is unusable
   SealingKey key;
   const DecryptResult result = key.Load(key_file);
   return result == kDecryptDone ? OpenPasswordWithKey(key, stored, out, capacity) : result;

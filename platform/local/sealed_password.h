@@ -1,16 +1,16 @@
 // Passwords sealed with a key: the form in which the local stand-in stores them. Not installed;
-// DecryptPasswdWithKey and the quarry-config program share it.
+// used by DecryptPasswdWithKey and the quarry-config program.
 //
-// A stored password is "sealed:v1:" and in base64url
+// A stored password is "sealed:v1:" followed by the base64url encoding of
 //
-//   key id      4 bytes: the first of BLAKE2b-128, keyed with the key, over
-//               "quarry-config key id"; tells another key from damage
+//   key id      4 bytes: the first of BLAKE2b-128, keyed with the key, of
+//               "quarry-config key id"; distinguishes a wrong key from damage
 //   nonce      24 bytes, random
-//   ciphertext  the password padded to a multiple of 64 bytes, which hides its length
+//   ciphertext  the password, padded to a multiple of 64 bytes to hide its length
 //   tag        16 bytes
 //
-// of XChaCha20-Poly1305 (IETF), with "sealed:v1:" and the key id as associated data, so that
-// neither can be exchanged.
+// Ciphertext and tag are those of XChaCha20-Poly1305 (IETF), with "sealed:v1:" and the key id as
+// associated data, so that a change of either is detected.
 //
 // Nothing here throws, except SealPassword (std::bad_alloc). Any number of threads may call at
 // once.
@@ -26,25 +26,25 @@
 
 namespace quarry::platform {
 
-// The longest password in bytes, so that it fits the agent's capacity of 255.
+// The longest password in bytes; with a NUL it fits the agent's capacity of 255.
 inline constexpr std::size_t kLongestPassword = 254;
 
 inline constexpr std::string_view kSealedPrefix = "sealed:v1:";
 
-// Stores in `*stored` the sealed form of the password: at most kLongestPassword
-// bytes without NUL or line feed. kDecryptDone, kDecryptBadArgument or
-// kDecryptNoCrypto.
+// Sets `*stored` to the sealed form of the password, which is at most kLongestPassword bytes
+// without NUL or line feed. Returns kDecryptDone, kDecryptBadArgument or kDecryptNoCrypto.
 DecryptResult SealPassword(const SealingKey& key, std::string_view password, std::string* stored);
 
-// As SealPassword with 24 bytes of nonce. A nonce must never serve twice; this
-// is for tests against known answers.
+// Like SealPassword, with the given nonce of 24 bytes. A nonce must never be used twice; this is
+// for tests with known answers.
 DecryptResult SealPasswordWithNonce(const SealingKey& key, const unsigned char* nonce,
                                     std::string_view password, std::string* stored);
 
-// DecryptPasswdWithKey, whose contract is in platform/cr_runtime.h; the second
-// one with a key at hand.
+// Implements DecryptPasswdWithKey (platform/cr_runtime.h).
 DecryptResult OpenPassword(const char* key_file, const char* stored, char* out,
                            std::size_t capacity);
+
+// Like OpenPassword, with a key that was loaded before. `stored` and `out` must not be null.
 DecryptResult OpenPasswordWithKey(const SealingKey& key, const char* stored, char* out,
                                   std::size_t capacity);
 

@@ -6,11 +6,11 @@
 
 namespace quarry::platform {
 
-// A buffer in memory that libsodium guards, keeps out of swap, and wipes when the buffer is
-// destroyed. Nothing throws; any thread may construct one.
+// A buffer from sodium_malloc: between guard pages, locked against swapping where the system allows
+// it, and wiped when it is destroyed. Nothing throws; any thread may construct one.
 class SecretBytes {
  public:
-  explicit SecretBytes(std::size_t size);  // data() is null when there is no memory
+  explicit SecretBytes(std::size_t size);  // on failure data() is null
   ~SecretBytes();
   SecretBytes(const SecretBytes&) = delete;
   SecretBytes& operator=(const SecretBytes&) = delete;
