@@ -22,18 +22,18 @@ namespace {
 
 constexpr std::size_t kPathBytes = 4096;
 constexpr std::size_t kPasswordBytes = 4096;
-constexpr std::size_t kPasswordCapacity = 255;  // what the decryption may fill
+constexpr std::size_t kPasswordCapacity = 255;  // passed to the decryption; counts the NUL
 constexpr std::int32_t kDefaultNumericOption = 10102;
 constexpr std::int32_t kAllBitsSet = -1;
 
-// The whole memory of a string, also what lies behind its end.
+// Clears a string and overwrites its whole capacity, including the bytes past its end.
 void Wipe(std::string* text) {
   text->resize(text->capacity());
   explicit_bzero(text->data(), text->size());
   text->clear();
 }
 
-// Wipes a string at the end of a scope, unless it was kept.
+// Wipes a string at the end of the scope unless Keep was called.
 class StringWiper {
  public:
   explicit StringWiper(std::string* text) : text_(text) {}
@@ -49,9 +49,9 @@ class StringWiper {
   std::string* text_;
 };
 
-// A buffer for the plain password, wiped on every path.
+// A buffer for the plain password; the destructor wipes it.
 struct PasswordBuffer {
-  // Not cleared: the decryption fills it.
+  // Leaves `text` uninitialized: the decryption fills it.
   PasswordBuffer() {}  // NOLINT(modernize-use-equals-default)
   ~PasswordBuffer() { explicit_bzero(text, sizeof text); }
   PasswordBuffer(const PasswordBuffer&) = delete;
@@ -110,7 +110,7 @@ void AgentCfg::GetConfigValuesOrDie(DMConfig* config) {
     }
     return nullptr;
   };
-  std::string comment;  // required by the look-up, not used
+  std::string comment;  // GetOptionValue requires it; not used
   for (const AgentSettingRow& row : kAgentSettings) {
     if (!row.is_required()) continue;
     const int status = config->GetOptionValue(row.section_name(), row.option_name(),
@@ -127,21 +127,21 @@ void AgentCfg::GetNumericOption(DMConfig* config) {
   const int status = config->GetOptionValue(row.section_name(), row.option_name(), &text, &comment);
   numeric_option_ = kDefaultNumericOption;
   if (status != kStatusOk) return;
-  // Whatever is written there has a number.
+  // Text that is not a number must be accepted; atol gives a number for any text.
   // NOLINTNEXTLINE(cert-err34-c)
   numeric_option_ = static_cast<std::int32_t>(std::atol(text.c_str()));
 }
 
 void AgentCfg::DecryptPasswordOrDie() {
   char key_file[kPathBytes];
-  // A longer path is cut.
+  // A longer path is truncated.
   (void)std::snprintf(key_file, kPathBytes - 1, "%s%c%s", ssl_key_dir_.c_str(), '/', "auth.key");
 
   PasswordBuffer password;
   if (DecryptPasswdWithKey(key_file, cr_password_.c_str(), password.text, kPasswordCapacity) != 0) {
     Die("Unable to decrypt password from config file");
   }
-  Wipe(&cr_password_);  // first: a longer password takes other memory
+  Wipe(&cr_password_);  // before the assignment, which may reallocate
   cr_password_ = password.text;
 }
 

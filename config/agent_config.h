@@ -1,5 +1,5 @@
-// AgentCfg is the configuration of the storage system's agent, taken in one go
-// from its file.
+// AgentCfg is the configuration of the storage system's agent, loaded from its file by the
+// constructor.
 //
 //   try {
 //     storage::config::AgentCfg cfg(lib_metab, "/etc/quarry/agent.conf");
@@ -8,23 +8,22 @@
 //     std::cerr << error.what() << '\n';
 //   }
 //
-// Construction loads the file, takes seven settings, decrypts the password and
-// has the metabase service library fetch the routing tables. It completes or
-// throws; there is no half-made object. The settings, names in any letter case:
+// Construction loads the file, reads seven settings, decrypts the password and has the metabase
+// service library fetch the routing tables. It completes or throws; there is no partially
+// constructed object. The settings, with names in any letter case:
 //
 //   [CR] login             required
-//   [CR] password          required; sealed for the key file "auth.key" in ...
+//   [CR] password          required; sealed with the key in the file "auth.key" in ...
 //   [SSL] key_dir          required; ... this folder
 //   [Ledger] url           required
 //   [Metabase] url         required
 //   [Control] address      required
 //   [Agent] numeric_option a number; 10102 when it is absent
 //
-// An empty value is a value. The names are those of the platform library
-// (platform/config_names.h) and may be others with another one.
+// An empty value counts as present. The names are those of the platform library
+// (platform/config_names.h); another platform library may define others.
 //
-// Failures are Cr_ErrnoException (platform/cr_runtime.h), in the order in which
-// they are found:
+// Failures are Cr_ErrnoException (platform/cr_runtime.h), in the order in which they are detected:
 //   status  message                                            detail
 //   4       Unable to parse the agent config file: "PATH"      none
 //   4       Unable to get the CR login from config file        none
@@ -35,24 +34,20 @@
 //   4       Unable to load ctrl address from config file       none
 //   4       Unable to decrypt password from config file        none
 //   9       Lib Metab (ledgerd) weak_ptr has expired           none
-//   any     Unable to get the routing tables from ledgerd      the status's
-//   text
-// In PATH each '"' and '&' has a '&' in front. When the file is missing or
-// invalid, the reader has written its line to std::cerr before
-// (dmconfig/config_file.h). std::bad_alloc and whatever the metabase service
-// library throws pass through. Nothing is caught.
+//   any     Unable to get the routing tables from ledgerd      text of the status
+// In PATH every '"' and '&' is preceded by '&'. When the file is missing or invalid, the reader has
+// written its message to std::cerr before (dmconfig/config_file.h). std::bad_alloc and whatever the
+// metabase service library throws pass through. Nothing is caught.
 //
-// Secrets: the plain password is wiped from the object's memory when the object
-// ends or its construction fails, and from every buffer that construction used;
-// so is the stored form when the password replaces it. What cannot be wiped are
-// copies that others take: the caller from cr_password(), the metabase service
-// library from its argument, the platform library while it decrypts; and what
-// the system saves of the processor's registers, as at a signal or when a
-// function is bound at its first call (LD_BIND_NOW=1 prevents the latter). No
-// message holds the password in either form.
+// Secrets: the plain password is wiped from the object's memory when the object is destroyed or its
+// construction fails, and from every buffer that construction used; so is the stored form when the
+// password replaces it. What cannot be wiped are copies made elsewhere: by the caller from
+// cr_password(), by the metabase service library from its argument, by the platform library while
+// it decrypts; and what the system saves of the processor's registers, as at a signal or when a
+// function is bound at its first call (LD_BIND_NOW=1 prevents the latter). No message contains the
+// password in either form.
 //
-// Threads: construct on one thread; afterwards any number may read. Separate
-// objects share nothing.
+// Threads: construct on one thread; afterwards any number may read. Separate objects share nothing.
 #ifndef QUARRY_CONFIG_AGENT_CONFIG_H_
 #define QUARRY_CONFIG_AGENT_CONFIG_H_
 
@@ -67,14 +62,13 @@
 
 namespace storage::config {
 
-// An agent's configuration; the top of config/agent_config.h tells all about
-// it. What the operations refer to lives as long as the object.
+// An agent's configuration, described at the top of config/agent_config.h. The references that the
+// accessors return are valid as long as the object.
 class QUARRY_EXPORT AgentCfg {
  public:
-  // Copies both arguments. The handle is promoted last, when all settings have
-  // been taken, and held for the time of the request only: the object never
-  // keeps the metabase service library alive. The file is read once and the
-  // path is used as it is.
+  // Copies both arguments. The handle is promoted last, after all settings have been read, and held
+  // during the request only: the object never keeps the metabase service library alive. The file is
+  // read once and the path is used as it is.
   AgentCfg(std::weak_ptr<utils::LibMetabInterface> lib_metab,
            const boost::filesystem::path& config_path);
   ~AgentCfg();
@@ -90,21 +84,21 @@ class QUARRY_EXPORT AgentCfg {
   const std::string& cr_password() const { return cr_password_; }
   // `[SSL] key_dir`.
   const std::string& ssl_key_dir() const { return ssl_key_dir_; }
-  // Where the metabase service library has left the first routing table:
+  // The path of the first routing table, which the metabase service library has written:
   // "/tmp/r.rt", for every agent on the machine.
   const std::string& routing_table_r_path() const { return routing_table_r_path_; }
-  // The same of the second one: "/tmp/c.rt".
+  // The path of the second one: "/tmp/c.rt".
   const std::string& routing_table_c_path() const { return routing_table_c_path_; }
-  // The file's path as it was given.
+  // The file's path as passed to the constructor.
   const boost::filesystem::path& config_path() const { return config_path_; }
   // `[Metabase] url`.
   const std::string& metabase_url() const { return metabase_url_; }
-  // The handle as it was given; what it refers to may be gone since.
+  // The handle as passed to the constructor; it may have expired since.
   const std::weak_ptr<utils::LibMetabInterface>& lib_metab() const { return lib_metab_; }
   // `[Control] address`.
   const std::string& ctrl_address() const { return ctrl_address_; }
-  // `[Agent] numeric_option`: the value's leading decimal number, 0 when there
-  // is none, cut to 32 bits.
+  // `[Agent] numeric_option`: the value's leading decimal number, 0 when there is none, truncated
+  // to 32 bits.
   std::int32_t numeric_option() const { return numeric_option_; }
 
  private:

@@ -13,11 +13,11 @@ using quarry::storage::dmconfig::kStatusOk;
 
 namespace {
 
-// NOLINTBEGIN(cert-err58-cpp): made when the library is loaded, in this order.
+// NOLINTBEGIN(cert-err58-cpp): constructed when the library is loaded, in this order.
 const std::string CFG_LYNX("lynx");
 const std::string CFG_LYNX_INGEST_MODE("ingest_mode");
 const std::string CFG_LYNX_INGEST_MODE_ON("on");
-// Compared with nothing: every other value means off too.
+// Never compared: every value other than "on" means off.
 [[maybe_unused]] const std::string CFG_LYNX_INGEST_MODE_OFF("off");
 // NOLINTEND(cert-err58-cpp)
 

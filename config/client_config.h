@@ -1,12 +1,12 @@
-// ClientCfg holds what the storage system's client takes from a configuration
-// text: whether its ingest mode is on.
+// ClientCfg holds what the storage system's client reads from a configuration text: whether its
+// ingest mode is on.
 //
 //   storage::config::ClientCfg cfg;
 //   const int status = cfg.SetCfg("[lynx]\ningest_mode = on\n");
 //   if (status == 0 && cfg.ingest_mode_on_) StartIngest();
 //
-// Statuses are those of dmconfig/status.h. One thread at a time may use a
-// ClientCfg; separate objects may be used at the same time.
+// Statuses are those of dmconfig/status.h. One thread at a time may use a ClientCfg; separate
+// objects may be used at the same time.
 #ifndef QUARRY_CONFIG_CLIENT_CONFIG_H_
 #define QUARRY_CONFIG_CLIENT_CONFIG_H_
 
@@ -17,26 +17,25 @@
 
 namespace storage::config {
 
-// A client's setting.
+// A client's configuration.
 class QUARRY_EXPORT ClientCfg {
  public:
-  // Takes the setting from `text`: option "ingest_mode" in section "lynx", both
-  // in any letter case. The mode is on when the value is exactly "on" and off
-  // when it is anything else ("ON", "on" with a carriage return behind it). A
-  // text without the option leaves the mode as it was. Returns 0, or what the
-  // reader says of a text that it refuses (dmconfig/config_file.h), with its
-  // message on std::cerr; the mode stays as it was then. std::bad_alloc passes.
+  // Reads the setting from `text`: option "ingest_mode" in section "lynx", both in any letter case.
+  // The mode is on when the value is exactly "on" and off when it is anything else ("ON", "on"
+  // followed by a carriage return). A text without the option leaves the mode unchanged. Returns 0,
+  // or the reader's status for a text that it rejects (dmconfig/config_file.h), with its message on
+  // std::cerr; the mode is unchanged then. std::bad_alloc passes through.
   int SetCfg(const std::string& text);
 
-  // The first step of SetCfg: reads `text` into the caller's `*model`, which is
-  // emptied first. Returns -1 when it is null, else what the reader returns.
+  // The first step of SetCfg: parses `text` into the caller's `*model`, which is emptied first.
+  // Returns -1 when it is null, else what the reader returns.
   int ParseCfg(const std::string& text, quarry::storage::dmconfig::DMConfig* model);
 
-  // The second step: takes the setting from a model, which must not be null,
-  // and returns 0. As every look-up it may add the empty section to the model.
+  // The second step: reads the setting from a model, which must not be null, and returns 0. Like
+  // every look-up it may add the empty section to the model.
   int GetConfigValues(quarry::storage::dmconfig::DMConfig* model);
 
-  // Off until a text turns it on.
+  // Off until SetCfg or GetConfigValues reads "on".
   bool ingest_mode_on_ = false;
 };
 
