@@ -1,4 +1,4 @@
-# What is installed, and how programs find it. The tree may be moved as a whole.
+# What is installed, and how programs find it. The installed tree is relocatable.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/quarry_config)
@@ -6,7 +6,7 @@ file(RELATIVE_PATH headers_dir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCL
 
 install(TARGETS quarry_config quarry_platform EXPORT quarry_configTargets
   FILE_SET HEADERS DESTINATION ${headers_dir}
-  INCLUDES DESTINATION ${headers_dir}) # file sets are unknown before CMake 3.23
+  INCLUDES DESTINATION ${headers_dir}) # for users with CMake before 3.23, which has no file sets
 
 # For CMake: find_package(quarry_config CONFIG), quarry::config, quarry::platform.
 install(EXPORT quarry_configTargets NAMESPACE quarry:: DESTINATION ${package_dir})
@@ -19,8 +19,8 @@ install(FILES
   ${PROJECT_BINARY_DIR}/quarry_config-config-version.cmake
   DESTINATION ${package_dir})
 
-# For pkg-config, which knows the folder of the file that it reads. What lies in /usr is
-# not moved, and its plain names are left out where the compiler looks anyway.
+# For pkg-config, which sets pcfiledir to the folder of the .pc file. An installation in /usr is not
+# relocated, and with the plain prefix pkg-config leaves out the compiler's default paths.
 set(prefix /usr)
 if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   file(RELATIVE_PATH prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
@@ -43,12 +43,12 @@ install(TARGETS quarry-config)
 install(FILES completions/quarry-config.bash RENAME quarry-config
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 set(QUARRY_ZSH_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
-  "Where the completion for zsh is installed")
+  "Install directory of the zsh completion")
 install(FILES completions/_quarry-config DESTINATION ${QUARRY_ZSH_DIR})
 install(FILES examples/agent.conf examples/client.conf examples/broken.conf
   DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarry-config/examples)
 
-# Man pages, where scdoc is there to make them.
+# Man pages, when scdoc is installed.
 find_program(SCDOC scdoc)
 if(NOT SCDOC)
   message(STATUS "scdoc is missing (Debian: scdoc): man pages are not installed")

@@ -1,4 +1,4 @@
-# quarry_sanitize: instruments a target as QUARRY_SANITIZE says (see presets).
+# quarry_sanitize: instruments a target with the sanitizers in QUARRY_SANITIZE (see the presets).
 add_library(quarry_sanitize INTERFACE)
 if(QUARRY_SANITIZE)
   target_compile_options(quarry_sanitize INTERFACE
