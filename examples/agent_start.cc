@@ -1,7 +1,7 @@
-// How an agent starts: usage: agent_start CONFIG-FILE.
+// A minimal agent: agent_start CONFIG-FILE.
 //
-// Makes the metabase service library, takes the configuration in one go, and
-// handles the one kind of exception that says why it cannot.
+// Creates the metabase service library, loads the configuration, and handles the exception that
+// says why a start fails.
 
 #include <iostream>
 #include <memory>
