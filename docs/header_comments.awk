@@ -1,15 +1,15 @@
-# Turns the plain comments of a header into those that Doxygen reads, line by line,
-# so that its warnings name the right lines. The first comment tells of the file, a
-# whole-line comment of what follows, one behind code of that code. Lines that are
-# set in are kept as they stand, as C++ where one of them ends in ";". Further in than
-# members stand are the bodies of functions; their comments are left alone.
+# Converts the plain comments of a header to Doxygen comments, keeping line numbers so that
+# Doxygen's warnings name the right lines. The first comment documents the file, a whole-line
+# comment the declaration that follows, a trailing comment the declaration on its line. Indented
+# lines of a comment become a verbatim block, or a code block when one of them ends in ";".
+# Comments indented more than class members are inside function bodies and stay unchanged.
 
-function is_set_in(line) { return text[line] ~ /^   / }
+function is_indented(line) { return text[line] ~ /^   / }
 
-# Shows the lines from `first` on that are set in, and returns the last one.
-function keep(first,    last, command) {
+# Makes a block of the indented lines from `first` on and returns the last of them.
+function keep_block(first,    last, command) {
   command = "verbatim"
-  for (last = first; last <= lines && is_set_in(last); last++)
+  for (last = first; last <= lines && is_indented(last); last++)
     if (text[last] ~ /;$/) command = "code{.cpp}"
   text[first - 1] = text[first - 1] " \\" command
   text[last - 1] = text[last - 1] " \\end" substr(command, 1, index(command "{", "{") - 1)
@@ -18,8 +18,8 @@ function keep(first,    last, command) {
 
 function end_comment(    line) {
   for (line = 1; line <= lines; line++) {
-    if (is_set_in(line)) line = keep(line)
-    else if (text[line] ~ /^ [0-9]+[.]/) sub(/[.]/, "\\.", text[line]) # "0. Then" begins no list
+    if (is_indented(line)) line = keep_block(line)
+    else if (text[line] ~ /^ [0-9]+[.]/) sub(/[.]/, "\\.", text[line]) # "0. Then" is not a list
   }
   if (lines > 0 && !files++) text[lines] = text[lines] " \\file"
   if (lines > 0) text[lines] = text[lines] " */"
