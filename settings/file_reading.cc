@@ -31,7 +31,7 @@ std::string ReadToEnd(int descriptor, const std::string& name) {
     text.resize(used + more);
     std::size_t count = 0;
     if (!platform::ReadUpTo(descriptor, &text[used], more, &count)) {
-      throw SystemError("read " + name, name, errno, errno == EISDIR ? "give the files in it" : "");
+      throw SystemError("read " + name, name, errno, errno == EISDIR ? "name the files in it" : "");
     }
     used += count;
     if (count < more) break;

@@ -124,7 +124,7 @@ void FileReplacement::RequireReplaceable() const {
   if (status_.st_nlink > 1) {
     throw Error(ErrorKind::kFailed, name_,
                 name_ + " has " + std::to_string(status_.st_nlink) +
-                    " names (hard links), which an edit would part",
+                    " names (hard links), which an edit would separate",
                 "make them symbolic links, or copies");
   }
 }

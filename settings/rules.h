@@ -36,12 +36,12 @@ inline constexpr Rule kOptionNameEmpty = ErrorRule("option-name-empty", "option 
 // What is valid but probably not meant.
 inline constexpr Rule kBlanksInSectionName =
     WarningRule("blanks-in-section-name", "blanks belong to the section name");
-inline constexpr Rule kSectionAgain =
-    WarningRule("section-again",
-                "section again: its comment above the earlier line is dropped when a program saves "
-                "this file");
+inline constexpr Rule kSectionAgain = WarningRule(
+    "section-again",
+    "repeated section: its comment above the earlier line is dropped when a program saves "
+    "this file");
 inline constexpr Rule kOptionAgain =
-    WarningRule("option-again", "option again: overrides the earlier line");
+    WarningRule("option-again", "repeated option: overrides the earlier line");
 inline constexpr Rule kBlankValue =
     WarningRule("blank-value", "blanks are the value of this option");
 inline constexpr Rule kCommentInValue =

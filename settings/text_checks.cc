@@ -14,7 +14,7 @@ using storage::dmconfig::StringCaseCmp;
 
 namespace {
 
-const char kCommentHint[] = "comments stand on lines of their own";
+const char kCommentHint[] = "put the comment on a line of its own";
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 bool IsCommentMark(char c) { return c == '#' || c == ';'; }
@@ -145,7 +145,7 @@ void Checker::EnterSection(const ScannedLine& line) {
   section_ = &sections_[std::string(line.header.name)];
   if (section_->comment_line != 0) {
     Add(rules::kSectionAgain, line, line.header.name,
-        "section again: its comment above line " + std::to_string(section_->header_line) +
+        "repeated section: its comment above line " + std::to_string(section_->header_line) +
             " is dropped when a program saves this file",
         "keep one header for the section, with one comment");
   }
@@ -187,7 +187,8 @@ void Checker::WarnOfRepeatedOption(const ScannedLine& line) {
   std::size_t& last_line = section_->options[std::string(line.option.name)];
   if (last_line != 0) {
     Add(rules::kOptionAgain, line, line.option.name,
-        "option again: overrides line " + std::to_string(last_line), "keep one of the two lines");
+        "repeated option: overrides line " + std::to_string(last_line),
+        "keep one of the two lines");
   }
   last_line = line.number;
 }

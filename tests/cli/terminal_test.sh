@@ -53,7 +53,7 @@ seal_on_terminal() { # FIRST SECOND
   exec 5<>typed
   rm -f session sealed
   script -qefc "'$program' seal keys >sealed; stty -a | grep -o ' -*echo '" session <typed >/dev/null 2>&1 &
-  for prompt in 'Password to seal' 'The same again'; do
+  for prompt in 'Password to seal' 'Repeat the password'; do
     for _ in $(seq 100); do grep -qs -e "$prompt" -e refused session && break; sleep 0.1; done
     printf '%s\n' "$1" >&5
     shift

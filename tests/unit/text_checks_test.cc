@@ -57,10 +57,10 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
        "2:7+3w this is part of the value\n3:5+2w this is part of the value\n"
        "4:4+3w this is part of the value\n5:7+3w this is part of the value\n"},
       {"option again", "[a]\nx=1\n[b]\nx=1\n[A]\nX=2\nx=3\n",
-       "6:1+1w option again: overrides line 2\n"
-       "7:1+1w option again: overrides line 6\n"},
+       "6:1+1w repeated option: overrides line 2\n"
+       "7:1+1w repeated option: overrides line 6\n"},
       {"section again", "#c\n[a]\n[b]\n[A]\n[a]\n",
-       "4:2+1w section again: its comment above line 2 is dropped when a "
+       "4:2+1w repeated section: its comment above line 2 is dropped when a "
        "program saves this file\n"},
       {"comment at the end", "[a]\nx=1\n  #c\n;d\n\nbad", "6:1+3 option line without \"=\"\n"},
       {"in order of lines", "[a]\nx=# 1 # c\r\n",

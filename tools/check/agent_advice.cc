@@ -91,9 +91,9 @@ Advice AdviceForAbsent(AgentSetting setting, Document* document) {
   const auto near = settings::SuggestNames(option, document->Options(section));
   const auto near_sections = settings::SuggestNames(section, document->Sections());
   if (!near.empty()) {
-    hint += "; " + Quoted(near.front()) + " there looks like it";
+    hint += ", or correct " + Quoted(near.front()) + " there";
   } else if (!document->HasSection(section) && !near_sections.empty()) {
-    hint += "; section " + Quoted(near_sections.front()) + " looks like it";
+    hint += ", or correct section " + Quoted(near_sections.front());
   }
   return {"an agent start needs option " + Quoted(option) + " in section " + Quoted(section), hint};
 }
@@ -136,7 +136,7 @@ Advice AdviceForResult(int result, Document* document) {
     case kDecryptDamaged:
       return {"the sealed password is damaged", seal};
     case kDecryptTooLong:
-      return {"the password is longer than an agent can take", seal};
+      return {"the password is longer than an agent can use", seal};
     default:
       return {"the password cannot be decrypted: no cryptography or memory",
               "try again; quarry-config --version names the library"};

@@ -95,7 +95,7 @@ void AgentChecker::CheckUnknownOptions(const std::string& section) {
     findings_.push_back(FindingAt(rules::kUnknownSetting, line, line.option.name,
                                   rules::kUnknownSetting.meaning,
                                   near.empty() ? "keep it in a section of its own"
-                                               : "nearest that it takes: " + Quoted(near.front())));
+                                               : "did you mean " + Quoted(near.front()) + "?"));
   }
 }
 
@@ -111,7 +111,7 @@ void AgentChecker::CheckNumber() {
   if (whole && errno == 0 && taken == number) return;
   findings_.push_back(FindingAt(rules::kNumber, line, line.option.value,
                                 (whole ? "number does not fit 32 bits" : "value is not a number") +
-                                    std::string(": an agent takes ") + std::to_string(taken),
+                                    std::string(": an agent reads ") + std::to_string(taken),
                                 "write a number from -2147483648 to 2147483647"));
 }
 

@@ -14,11 +14,11 @@ inline constexpr settings::Rule kPassword =
 inline constexpr settings::Rule kKeyFile =
     settings::ErrorRule("key-file", "an agent cannot use its key file");
 inline constexpr settings::Rule kUnknownSetting =
-    settings::WarningRule("unknown-setting", "an agent start does not take this option");
+    settings::WarningRule("unknown-setting", "an agent start does not use this option");
 inline constexpr settings::Rule kNumber =
-    settings::WarningRule("numeric-option", "an agent takes another number than is written here");
+    settings::WarningRule("numeric-option", "an agent reads another number than is written here");
 inline constexpr settings::Rule kIngestMode =
-    settings::WarningRule("ingest-mode", "value is neither \"on\" nor \"off\": a client takes off");
+    settings::WarningRule("ingest-mode", "value is neither \"on\" nor \"off\": a client reads it as off");
 
 }  // namespace quarry::tool::rules
 

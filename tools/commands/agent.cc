@@ -39,7 +39,7 @@ std::string RoutingHint(cr_status_t status) {
   const std::string setting = FullName(AgentSetting::kLedgerUrl);
   switch (status) {
     case kLedgerUrlUnsupported:
-      return "this command starts against a folder: set " + setting + " to file://FOLDER";
+      return "this command reads the tables from a folder: set " + setting + " to file://FOLDER";
     case kLedgerFolderMissing:
     case kLedgerFolderUnreadable:
       return "see " + setting + "; it names the folder of the routing tables";

@@ -61,14 +61,14 @@ const Command* FindCommand(const std::string& name) {
 
 [[noreturn]] void ThrowNoCommand(const std::string& word) {
   const std::string help_hint = word.substr(0, 1) == "-"
-                                    ? "options stand behind the command; see: quarry-config --help"
+                                    ? "options go after the command; see: quarry-config --help"
                                     : "see: quarry-config --help";
   if (word.empty()) throw ToolError(kExitUsage, "no command is given", help_hint);
   std::list<std::string> known;
   for (const Command& command : Commands()) known.emplace_back(command.name);
   const auto near = settings::SuggestNames(word, known);
-  throw ToolError(kExitUsage, "no command " + Quoted(word),
-                  near.empty() ? help_hint : "nearest: " + near.front());
+  throw ToolError(kExitUsage, "unknown command " + Quoted(word),
+                  near.empty() ? help_hint : "did you mean " + near.front() + "?");
 }
 
 // The name of the option in a word; empty for other words. A number is not an option.
@@ -83,7 +83,7 @@ bool ExpectsValue(const CLI::Option& option) { return option.get_expected_max() 
 std::string UsageMessage(const CLI::ParseError& error) {
   const std::string text = error.what();
   if (error.get_name() == "ArgumentMismatch") {
-    return text.substr(0, text.find(':')) + " needs a value behind it";
+    return text.substr(0, text.find(':')) + " requires a value";
   }
   const std::string excludes = " excludes ";
   const std::size_t at = text.find(excludes);
@@ -144,7 +144,7 @@ void CommandLine::RequireKnownOptions() const {
     if (name.empty()) continue;
     const CLI::Option* const option = app_.get_option_no_throw(name);
     if (option == nullptr) {
-      throw ToolError(kExitUsage, "no option " + Quoted(name),
+      throw ToolError(kExitUsage, "unknown option " + Quoted(name),
                       UsageHint() + "; put \"--\" before a name or value that begins with \"-\"");
     }
     if (!ExpectsValue(*option) && words_[i] != name) {

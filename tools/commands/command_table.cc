@@ -27,7 +27,7 @@ const std::vector<Command>& Commands() {
        DeclareEdit},
       {"dump", "Show a file as a program would save it", true, DeclareDump},
       {"diff", "Show what differs between two files for programs", true, DeclareDiff},
-      {"client", "Show what a client takes from a file", true, DeclareClient},
+      {"client", "Show what a client reads from a file", true, DeclareClient},
       {"agent", "Start an agent for a trial and show its settings", false, DeclareAgent},
       {"keygen", "Make a key file to seal passwords with", false, DeclareKeygen},
       {"seal", "Seal the password on standard input with a key", false, DeclareSeal},
@@ -38,7 +38,7 @@ const std::vector<Command>& Commands() {
 void AddProgram(CLI::App* app, Program* program) {
   AddChoice<Program>(app, "--as", program,
                      {{"agent", Program::kAgent}, {"client", Program::kClient}},
-                     "Check also what this program takes: agent or client")
+                     "Check also what this program needs: agent or client")
       ->type_name("PROGRAM");
 }
 

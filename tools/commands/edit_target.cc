@@ -33,7 +33,7 @@ std::string HintFor(ErrorKind kind) {
     case ErrorKind::kNotFound:
       return "only quarry-config set --create makes a new file";
     case ErrorKind::kOpenFile:
-      return "\"-\" stands for standard input and output";
+      return "\"-\" means standard input and output";
     default:
       return "";
   }

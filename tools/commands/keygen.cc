@@ -32,7 +32,7 @@ void RequirePrivateFolder(const std::string& folder) {
   }
   if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return;
   throw ToolError(kExitFailed, "others may write to the folder " + settings::Quoted(folder),
-                  "a key there could be exchanged: chmod go-w " + ShellQuotedFile(folder));
+                  "a key there could be replaced: chmod go-w " + ShellQuotedFile(folder));
 }
 
 ExitStatus RunKeygen(const KeygenRequest& request) {

@@ -26,14 +26,14 @@ namespace {
   throw ToolError(kExitFailed, DiagnosticsOf(findings, file));
 }
 
-// "nearest: "a", "b"", or where to see all names when none is near.
+// "did you mean "a", "b"?", or where to see all names when none is near.
 std::string SuggestionHint(const std::string& wanted, const std::list<std::string>& names,
                            const std::string& list_command) {
   std::string hint;
   for (const std::string& name : settings::SuggestNames(wanted, names)) {
-    hint += (hint.empty() ? "nearest: " : ", ") + Quoted(name);
+    hint += (hint.empty() ? "did you mean " : ", ") + Quoted(name);
   }
-  return hint.empty() ? "see all names with: " + list_command : hint;
+  return hint.empty() ? "see all names with: " + list_command : hint + '?';
 }
 
 std::string ListCommand(const std::string& file, const std::string& section = "") {

@@ -71,7 +71,7 @@ void WarnOfPlainPassword(const std::vector<Setting>& settings) {
   };
   if (std::none_of(settings.begin(), settings.end(), is_plain)) return;
   WriteDiagnostics({Warning("the value for the agent's password is not sealed",
-                            "set what this prints: quarry-config seal DIR")});
+                            "set the output of: quarry-config seal DIR")});
 }
 
 // The options that the text sets, in its order, each once and with its last value.

@@ -80,7 +80,7 @@ void PasswordInput::ReadTwice(const std::string& purpose) {
   ReadBytes(true);
   WriteStandardError("\n");
   RequireSealable();
-  WriteStandardError("The same again: ");
+  WriteStandardError("Repeat the password: ");
   PasswordInput again;
   again.ReadBytes(true);
   WriteStandardError("\n");
@@ -120,7 +120,7 @@ void PasswordInput::RequireSealable() const {
   if (text.size() > kLongestPassword) {
     throw ToolError(kExitNo,
                     "the password is longer than " + std::to_string(kLongestPassword) + " bytes",
-                    "an agent cannot take it");
+                    "an agent cannot use a longer one");
   }
   if (text.find_first_of(std::string_view("\0\n", 2)) != std::string_view::npos) {
     throw ToolError(kExitNo, "the password holds a line feed or a NUL byte",
