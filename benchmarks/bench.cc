@@ -1,11 +1,11 @@
-// The benchmarks: every operation, on every workload, of this library, of
-// others and of the floors below all of them, in rounds in random order. Prints
-// the ratios; Google Benchmark's options are taken, too.
+// Measures each operation of this library, of other libraries (peers.h) and of the baselines
+// (baselines.h) in rounds in random order, and prints the ratios. Accepts the options of Google
+// Benchmark too.
 //
-//   bench WORKLOAD|growth [--quick] [--benchmark_...]
+//   bench WORKLOAD|scaling [--quick] [--benchmark_...]
 //
-// One workload a process, or the heap that a large one leaves behind would slow
-// the others down.
+// A process measures one workload: the fragmented heap that a large one leaves would slow down the
+// next.
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -23,7 +23,7 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/floors.h"
+#include "benchmarks/baselines.h"
 #include "benchmarks/peers.h"
 #include "benchmarks/programs.h"
 #include "benchmarks/ratio_reporter.h"
@@ -33,7 +33,7 @@ namespace quarry::benchmarks {
 
 namespace {
 
-// The folder of all files, gone at the end.
+// A temporary folder, removed by the destructor.
 class Folder {
  public:
   Folder() {
@@ -60,7 +60,7 @@ const Workload& WorkloadOf(const std::string& name) {
   return place->second;
 }
 
-// The file with the text of a workload, and with what follows.
+// Returns the path of a file with the workload's text and `more` after it.
 std::string FileOf(const std::string& name, const std::string& more = "") {
   const std::string path = TheFolder() / (name + (more.empty() ? "" : "+"));
   if (!std::filesystem::exists(path)) {
@@ -69,15 +69,15 @@ std::string FileOf(const std::string& name, const std::string& more = "") {
   return path;
 }
 
-// A peer that refuses a text would look fast.
+// Returns the model. Throws when there is none: a library that refuses a text would seem fast.
 template <typename Pointer>
 Pointer Loaded(Pointer model) {
   if (!model) throw std::runtime_error("a text was not loaded");
   return model;
 }
 
-// Entries in random order, as many as one iteration uses; in another letter
-// case when asked.
+// Returns the entries that one iteration looks up or sets, in random order; with `other_case` the
+// letter case of their names is swapped.
 const std::vector<Entry>& SampleOf(const std::string& name, bool other_case) {
   constexpr std::size_t kSize = 1000;
   static std::map<std::string, std::vector<Entry>> samples;
@@ -102,18 +102,18 @@ const std::vector<Entry>& SampleOf(const std::string& name, bool other_case) {
   return sample;
 }
 
-// Before each measurement, for everybody: joins what is free in the heap, which
-// the C library puts off until somebody needs a large block, and keeps its
-// pages. Else a load would pay for the destruction of the model before it.
+// Called before each measurement of every library. Joins the free blocks of the heap and keeps its
+// pages. The C library joins them no earlier than at the next large allocation, so a load would pay
+// for the destruction of the model before it.
 void TidyHeap() {
   constexpr int kNever = 1 << 30;
-  // To set anything joins them.
+  // mallopt joins them, whatever it sets.
   if (mallopt(M_MMAP_MAX, 0) == 0 || mallopt(M_TRIM_THRESHOLD, kNever) == 0) {
     std::abort();
   }
 }
 
-// All names, in the order of the tables.
+// The names of all benchmarks, in the order in which they are printed.
 std::vector<std::string>& Names() {
   static std::vector<std::string> names;
   return names;
@@ -121,7 +121,7 @@ std::vector<std::string>& Names() {
 
 bool is_quick = false;
 
-// Few of what takes long.
+// The large workloads, which take long, get fewer rounds.
 int RoundsOf(const std::string& workload) {
   if (is_quick) return 3;
   const bool is_large = workload == "wide" || workload == "deep" || workload == "sorted" ||
@@ -129,8 +129,8 @@ int RoundsOf(const std::string& workload) {
   return is_large ? 5 : 9;
 }
 
-// Registers `work`, which is given what `prepare` makes anew for each round.
-// Only `work` is timed: what it returns is destroyed outside.
+// Registers `work`, which receives what `prepare` returned for this round. Only `work` is timed:
+// its result is destroyed after the clock has stopped.
 template <typename Prepare, typename Work>
 void Register(const std::string& operation, const std::string& workload, const std::string& who,
               Prepare prepare, Work work) {
@@ -166,7 +166,7 @@ void RegisterLoads(const std::string& workload) {
   Register("load text", workload, Peer::kName, [&text] { return Loaded(Peer::LoadText(text)); });
 }
 
-// Measures the end of a model's life, not its making.
+// Times the destruction of a model, not its construction.
 template <typename Peer>
 void RegisterDestroy(const std::string& workload) {
   const std::string name = "destroy/" + workload + '/' + Peer::kName;
@@ -185,7 +185,7 @@ void RegisterDestroy(const std::string& workload) {
   benchmark::RegisterBenchmark(name.c_str(), run)->UseManualTime()->Repetitions(RoundsOf(workload));
 }
 
-// What is done with a model of the workload's text.
+// Registers `work` on a loaded model of the workload's text; the load is not timed.
 template <typename Peer, typename Work>
 void RegisterUse(const std::string& operation, const std::string& workload, Work work) {
   const std::string& text = WorkloadOf(workload).text;
@@ -231,7 +231,7 @@ void RegisterPeer(const std::string& workload) {
   RegisterDestroy<Peer>(workload);
 }
 
-void RegisterFloors(const std::string& workload) {
+void RegisterBaselines(const std::string& workload) {
   const Workload& made = WorkloadOf(workload);
   const std::string path = FileOf(workload);
   Register("load file", workload, "read(2)",
@@ -240,7 +240,7 @@ void RegisterFloors(const std::string& workload) {
   Register("load text", workload, "memchr", [&made] { return ScanLines(made.text); });
   Register("load text", workload, "maps", [&made] { return BuildMaps(made.entries); });
   Register(
-      "dump to file", workload, "write a line",
+      "dump to file", workload, "write per line",
       [&made] { return Ours::DumpString(Ours::LoadText(made.text).get()); },
       [to = TheFolder() / "lines"](const std::string& text) {
         WriteLines(text, to);
@@ -248,7 +248,7 @@ void RegisterFloors(const std::string& workload) {
       });
 }
 
-// What an agent and a client start with, against the load alone.
+// Compares the whole start of an agent and of a client with the load alone.
 void RegisterPrograms(const std::string& workload) {
   const std::string path = FileOf(workload, kAgentText);
   const std::string text = WorkloadOf(workload).text + kAgentText;
@@ -271,12 +271,12 @@ void RegisterWorkload(const std::string& workload) {
   RegisterWrites<SimpleIni>(workload);
   RegisterWrites<Glib>(workload);
   RegisterWrites<PropertyTree>(workload);
-  RegisterFloors(workload);
+  RegisterBaselines(workload);
   if (workload == "typical") RegisterPrograms(workload);
 }
 
-// Loads of texts that grow.
-void RegisterGrowth() {
+// Loads of texts of increasing length.
+void RegisterScaling() {
   for (const char* workload : {"lines-1000", "lines-10000", "lines-100000", "lines-1000000"}) {
     RegisterLoads<Ours>(workload);
     RegisterLoads<SimpleIni>(workload);
@@ -286,11 +286,11 @@ void RegisterGrowth() {
 int Main(int argc, char** argv) {
   std::vector<std::string> words(argv, argv + argc);
   if (words.size() < 2) {
-    std::fputs("usage: bench WORKLOAD|growth [--quick] [--benchmark_...]\n", stderr);
+    std::fputs("usage: bench WORKLOAD|scaling [--quick] [--benchmark_...]\n", stderr);
     return 2;
   }
   const std::string workload = words[1];
-  // Before the given ones, which may say otherwise.
+  // Our defaults come first, so that the caller's options override them.
   words[1] = "--benchmark_enable_random_interleaving=true";
   words.insert(words.begin() + 2, "--benchmark_min_time=0.05");
   const auto quick = std::find(words.begin(), words.end(), "--quick");
@@ -301,8 +301,8 @@ int Main(int argc, char** argv) {
   int count = static_cast<int>(arguments.size());
   benchmark::Initialize(&count, arguments.data());
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-  if (workload == "growth") {
-    RegisterGrowth();
+  if (workload == "scaling") {
+    RegisterScaling();
   } else {
     RegisterWorkload(workload);
   }

@@ -1,5 +1,5 @@
-// guard OPERATION [WORKLOAD]: carries one operation out on mid, for callgrind
-// to count the instructions of it alone.
+// guard OPERATION [WORKLOAD]: runs one operation on the workload (mid), so that callgrind counts
+// the instructions of this operation alone.
 #include <valgrind/callgrind.h>
 
 #include <cstdio>

@@ -1,5 +1,5 @@
-// Heap bytes of a loaded model: those that it holds, and how many more its load
-// had at its peak. This program's malloc counts.
+// Prints the heap bytes that a loaded model holds, and how many more its load needed at its peak.
+// The program replaces malloc with one that counts.
 
 #include <malloc.h>
 
@@ -86,7 +86,7 @@ void Print(const std::string& path, const Heap& ours) {
 int Main() {
   std::string folder = "/tmp/quarry-heap-XXXXXX";
   if (mkdtemp(folder.data()) == nullptr) return 1;
-  std::printf("heap of a loaded file: ours, to others, more at the peak\n");
+  std::printf("heap of a loaded file: bytes of ours, ratio to others, more at the peak\n");
   for (const char* name : {"typical", "mid", "commented", "wide", "deep", "sorted"}) {
     const std::string path = folder + '/' + name;
     std::ofstream(path) << MakeWorkload(name).text;

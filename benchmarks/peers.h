@@ -1,11 +1,9 @@
-// What the benchmarks compare: this library and others for such files, each
-// behind the same few operations. Where one lacks an operation it has none
-// here.
+// The libraries that the benchmarks compare, ours and others, each wrapped in the same few
+// operations. An operation that a library lacks is missing here too.
 //
-// SimpleIni keeps comments and ignores letter case, as this library does, and
-// is the one that the goals are set against. GKeyFile keeps comments, but tells
-// letter case apart and knows no order of options. Boost.PropertyTree tells
-// letter case apart and drops comments. inih drops comments, has one flat table
+// SimpleIni keeps comments and ignores letter case, as this library does; the goals are set against
+// it. GKeyFile keeps comments, but its names are case-sensitive and its options unordered.
+// Boost.PropertyTree is case-sensitive and drops comments. inih drops comments, has one flat table
 // of lower-case names, and cannot set or write.
 #ifndef QUARRY_BENCHMARKS_PEERS_H_
 #define QUARRY_BENCHMARKS_PEERS_H_
@@ -42,7 +40,7 @@ struct Ours {
     if (File("", "").LoadConfig(&in, model.get()) != 0) return nullptr;
     return model;
   }
-  // What a caller gets: a copy of the value here, a pointer from others.
+  // Does what a caller of the library would do: ours copies the value, SimpleIni returns a pointer.
   static std::size_t Look(Model* model, const std::string& section, const std::string& option) {
     static std::string value, comment;
     model->GetOptionValue(section, option, &value, &comment);
@@ -52,7 +50,7 @@ struct Ours {
                   const std::string& value) {
     model->SetOptionValue(section, option, value);
   }
-  // The number of options.
+  // Returns the number of options.
   static std::size_t List(Model* model) {
     std::list<std::string> sections, options;
     std::string comment;

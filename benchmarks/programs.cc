@@ -7,7 +7,7 @@
 #include "platform/cr_runtime.h"
 #include "platform/lib_metab_interface.h"
 
-// Takes the place of the platform library's.
+// Replaces the function of the platform library.
 extern "C" int DecryptPasswdWithKey(const char* /*key_file*/, const char* /*stored*/, char* out,
                                     std::size_t capacity) {
   out[std::string("password").copy(out, capacity - 1)] = '\0';

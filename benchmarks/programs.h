@@ -1,4 +1,4 @@
-// What an agent and a client do with their configuration, as far as it is ours.
+// The start of an agent and of a client, as far as this library is concerned.
 #ifndef QUARRY_BENCHMARKS_PROGRAMS_H_
 #define QUARRY_BENCHMARKS_PROGRAMS_H_
 
@@ -7,14 +7,14 @@
 
 namespace quarry::benchmarks {
 
-// What an agent's file must have beside a workload's text.
+// The settings that an agent's file must have, to be appended to a workload's text.
 extern const char kAgentText[];
 
-// Makes an AgentCfg whose metabase answers, and whose password is decrypted, at
-// once. The length of what it took.
+// Constructs an AgentCfg with a metabase and a decryption that return at once. Returns the length
+// of the password.
 std::size_t StartAgent(const std::string& path);
 
-// ClientCfg::SetCfg; its status.
+// Calls ClientCfg::SetCfg and returns its status.
 int SetClient(const std::string& text);
 
 }  // namespace quarry::benchmarks

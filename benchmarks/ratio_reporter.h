@@ -1,4 +1,4 @@
-// Prints what Google Benchmark measured as ratios, ours to each other one.
+// Prints the times that Google Benchmark measured as ratios of ours to each other library's.
 #ifndef QUARRY_BENCHMARKS_RATIO_REPORTER_H_
 #define QUARRY_BENCHMARKS_RATIO_REPORTER_H_
 
@@ -11,12 +11,11 @@
 
 namespace quarry::benchmarks {
 
-// A benchmark's name is OPERATION/WORKLOAD/WHO. Of the rounds of each the
-// median counts; the spread of a ratio is that of its rounds. Where a ratio has
-// a goal it stands behind.
+// A benchmark's name is OPERATION/WORKLOAD/WHO. A ratio is that of the medians of all rounds,
+// followed by the lowest and the highest ratio of a round, and by the goal where there is one.
 class RatioReporter : public benchmark::BenchmarkReporter {
  public:
-  // The names in the order in which they are to be shown; rounds come in any.
+  // `names` are the benchmarks in the order in which to print them; rounds may arrive in any order.
   explicit RatioReporter(const std::vector<std::string>& names);
 
   bool ReportContext(const Context& context) override;
@@ -24,7 +23,7 @@ class RatioReporter : public benchmark::BenchmarkReporter {
   void Finalize() override;
 
  private:
-  using Rounds = std::vector<double>;  // nanoseconds an iteration
+  using Rounds = std::vector<double>;  // nanoseconds per iteration
   template <typename Value>
   using Ordered = std::vector<std::pair<std::string, Value>>;
   using Contestants = Ordered<Rounds>;
@@ -34,7 +33,7 @@ class RatioReporter : public benchmark::BenchmarkReporter {
   void PrintOperation(const std::string& operation, const Workloads& workloads);
   void PrintRatio(const std::string& ratio_of, const Rounds& ours,
                   const std::pair<std::string, Rounds>& other);
-  void PrintGrowth();
+  void PrintScaling();
 
   Ordered<Workloads> operations_;
   int missed_ = 0;

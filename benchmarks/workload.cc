@@ -51,7 +51,7 @@ class Generator {
     ++workload_.lines;
   }
 
-  // Unique for each number.
+  // Returns a name of random words that is unique for each number.
   std::string Name(std::size_t number) {
     return std::string(kWords[Below(std::size(kWords))]) + '_' + kWords[Below(std::size(kWords))] +
            '_' + std::to_string(number);

@@ -1,4 +1,4 @@
-// The texts that the benchmarks work on, made anew from a seed each time.
+// The texts that the benchmarks work on, generated from a fixed seed.
 #ifndef QUARRY_BENCHMARKS_WORKLOAD_H_
 #define QUARRY_BENCHMARKS_WORKLOAD_H_
 
@@ -16,15 +16,17 @@ struct Workload {
   std::string name;
   std::string text;
   std::size_t lines = 0;
-  std::vector<Entry> entries;  // what the text says, in its order
+  std::vector<Entry> entries;  // the options, in the order of the text
 };
 
-// typical    63 lines: 6 sections, some comments, as an agent's file
+// Returns the text with that name. Throws std::invalid_argument for any other name.
+//
+// typical    63 lines: 6 sections, some comments, like an agent's file
 // mid        100 sections of 100 options
 // commented  2,000 sections of 20 options with two comment lines each
 // wide       100,000 sections of 5 options
 // deep       one section of 1,000,000 options in random order
-// sorted     the same in order, as the writer leaves them
+// sorted     the same in the order in which the writer saves them
 // lines-N    N lines in sections of 50 options
 Workload MakeWorkload(const std::string& name);
 

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# growth.sh PROGRAM: counts the instructions of checking, dumping and editing texts
-# of 1, 2 and 4 times the length, of every kind; red when twice the text takes more
-# than 2.3 times as many. Needs valgrind.
+# scaling.sh PROGRAM: counts the instructions of checking, dumping and editing texts of 10,000,
+# 20,000 and 40,000 lines, of every kind. Fails when twice the text takes more than 2.3 times the
+# instructions. Needs valgrind.
 set -euo pipefail
 program=$(realpath "$1")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
 
-# N times the line, "%" being its number, of one length for all.
+# Prints the line N times, with its number, of a fixed width, for "%".
 lines() { # LINE N
   awk -v line="$1" -v n="$2" 'BEGIN { for (i = 1; i <= n; ++i) { text = line; gsub(/%/, sprintf("%07d", i), text); print text } }'
 }
@@ -36,7 +36,7 @@ count() { # COMMAND...
   valgrind --tool=callgrind --callgrind-out-file=/dev/null "$program" "$@" 2>&1 >/dev/null | sed -n 's/.*Collected : //p'
 }
 
-# What one operation on a file of that kind and length takes, without the start.
+# The instructions of an operation on such a file, less those on a file of one line.
 cost() { # OPERATION KIND N
   local file="$1-$2-$3" operation=("$1" "$1-$2-$3") all start
   [ "$1" != set ] || operation+=(s new 1)
@@ -53,7 +53,7 @@ measure() { # OPERATION KIND
   first=$((costs[1] * 100 / costs[0])) second=$((costs[2] * 100 / costs[1]))
   printf '%-6s %-10s %11d %11d %11d   x%d.%02d x%d.%02d\n' "$1" "$2" "${costs[@]}" \
     $((first / 100)) $((first % 100)) $((second / 100)) $((second % 100)) >"result-$1-$2"
-  if [ "${costs[0]}" -lt 10000 ] || [ $first -gt 230 ] || [ $second -gt 230 ]; then touch red; fi
+  if [ "${costs[0]}" -lt 10000 ] || [ $first -gt 230 ] || [ $second -gt 230 ]; then touch failed; fi
 }
 
 measurements=0
@@ -67,7 +67,7 @@ for operation in check dump set; do
 done
 wait
 cat result-*
-if [ -e red ] || [ "$(cat result-* | wc -l)" != $measurements ]; then
-  echo 'growth: not all were measured, or twice the text took more than 2.3 times the instructions' >&2
+if [ -e failed ] || [ "$(cat result-* | wc -l)" != $measurements ]; then
+  echo 'scaling: not all were measured, or twice the text took more than 2.3 times the instructions' >&2
   exit 1
 fi

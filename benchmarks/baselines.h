@@ -1,7 +1,7 @@
-// What lies below every library for such files: reading, finding the lines,
-// putting ready texts into maps, writing lines.
-#ifndef QUARRY_BENCHMARKS_FLOORS_H_
-#define QUARRY_BENCHMARKS_FLOORS_H_
+// Baselines: the single steps that every library for such files has to take. Reading the file,
+// finding the line feeds, storing names and values in maps, writing the lines.
+#ifndef QUARRY_BENCHMARKS_BASELINES_H_
+#define QUARRY_BENCHMARKS_BASELINES_H_
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -20,7 +20,7 @@
 
 namespace quarry::benchmarks {
 
-// read(2) of the whole file.
+// Reads the whole file with read(2).
 inline std::string ReadWhole(const std::string& path, std::size_t size) {
   const platform::FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   std::string text(size, '\0');
@@ -29,6 +29,7 @@ inline std::string ReadWhole(const std::string& path, std::size_t size) {
   return text;
 }
 
+// Returns the number of line feeds.
 inline std::size_t ScanLines(std::string_view text) {
   std::size_t lines = 0;
   const char* const end = text.data() + text.size();
@@ -41,6 +42,7 @@ inline std::size_t ScanLines(std::string_view text) {
   return lines;
 }
 
+// Reads the file with std::getline. Returns the summed length of its lines.
 inline std::size_t GetLines(const std::string& path) {
   std::ifstream file(path);
   std::size_t bytes = 0;
@@ -51,6 +53,7 @@ inline std::size_t GetLines(const std::string& path) {
 using Records =
     std::map<std::string, storage::dmconfig::SectionOptionMap, storage::dmconfig::StringCaseCmp>;
 
+// Builds the maps of a model from names and values that are separated already.
 inline std::unique_ptr<Records> BuildMaps(const std::vector<Entry>& entries) {
   auto records = std::make_unique<Records>();
   const std::string* section = nullptr;
@@ -67,6 +70,7 @@ inline std::unique_ptr<Records> BuildMaps(const std::vector<Entry>& entries) {
   return records;
 }
 
+// Writes each line with a write(2) of its own.
 inline void WriteLines(std::string_view text, const std::string& path) {
   const platform::FileDescriptor file(
       open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
@@ -79,4 +83,4 @@ inline void WriteLines(std::string_view text, const std::string& path) {
 
 }  // namespace quarry::benchmarks
 
-#endif  // QUARRY_BENCHMARKS_FLOORS_H_
+#endif  // QUARRY_BENCHMARKS_BASELINES_H_
