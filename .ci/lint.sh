@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# lint.sh BUILD: checks the style of all our files, new ones too. BUILD holds
+# the compile commands of the preset "dev".
+set -euo pipefail
+build=$(realpath "$1")
+cd "$(dirname "$0")/.."
+
+files() { git ls-files --cached --others --exclude-standard -- "$@"; }
+
+echo '== shellcheck'
+files '*.sh' '*.bash' | xargs shellcheck dev .ci/run
+echo '== clang-format'
+files '*.h' '*.cc' | xargs clang-format --dry-run --Werror
+echo '== clang-tidy'
+files '*.cc' ':!benchmarks' | xargs -P "$(nproc)" -n 1 clang-tidy -p "$build" --quiet # benchmarks include others' code

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# compare.sh BUILD [--renew]: compares the interfaces of the built libraries with those kept in this
+# folder; with --renew keeps the new ones instead. Needs abigail-tools.
+set -euo pipefail
+build=$(realpath "$1")
+cd "$(dirname "$0")/.."
+libraries=(libquarry_config libquarry_platform)
+
+# Writes the interface as abidiff compares it, and the exported names.
+describe() { # LIBRARY FOLDER
+  abidw --no-corpus-path --no-comp-dir-path --no-show-locs --drop-private-types --headers-dir . \
+    --exported-interfaces-only --type-id-style hash "$build/$1.so" | sed "s|$PWD/||g" >"$2/$1.abi"
+  nm -DC --defined-only "$build/$1.so" | cut -d' ' -f3- | LC_ALL=C sort >"$2/$1.names"
+}
+
+if [ "${2:-}" = --renew ]; then
+  for library in "${libraries[@]}"; do describe "$library" abi; done
+  echo '== abi/ now describes the libraries as built'
+  exit
+fi
+echo '== comparing the interfaces with abi/'
+failed=0
+for library in "${libraries[@]}"; do
+  describe "$library" "$build"
+  abidiff "abi/$library.abi" "$build/$library.abi" || failed=1
+  diff -u "abi/$library.names" "$build/$library.names" || failed=1
+done
+[ $failed = 1 ] || exit 0
+echo 'abi: the interface has changed. Unless it only grew, programs that were linked before break: give' >&2
+echo '     the libraries another SOVERSION then. Keep the new interface with: ./dev abi --renew' >&2
+exit 1
