@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# lint.sh BUILD: checks the style of all our files, new ones too. BUILD holds
+# lint.sh BUILD: checks the style of all our files, new ones too, and the share of tests. BUILD holds
 # the compile commands of the preset "dev".
 set -euo pipefail
 build=$(realpath "$1")
@@ -13,3 +13,5 @@ echo '== clang-format'
 files '*.h' '*.cc' | xargs clang-format --dry-run --Werror
 echo '== clang-tidy'
 files '*.cc' ':!benchmarks' | xargs -P "$(nproc)" -n 1 clang-tidy -p "$build" --quiet # benchmarks include others' code
+echo '== the share of tests'
+.ci/test_share.sh
