@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 files() { git ls-files --cached --others --exclude-standard -- "$@"; }
 
 echo '== shellcheck'
-files '*.sh' '*.bash' | xargs shellcheck dev .ci/run
+files '*.sh' | xargs shellcheck dev .ci/run "$build/completions/quarry-config.bash"
 echo '== clang-format'
 files '*.h' '*.cc' | xargs clang-format --dry-run --Werror
 echo '== clang-tidy'

@@ -40,11 +40,11 @@ endif()
 file(RELATIVE_PATH to_libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 set_target_properties(quarry-config PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
 install(TARGETS quarry-config)
-install(FILES completions/quarry-config.bash RENAME quarry-config
+install(FILES ${PROJECT_BINARY_DIR}/completions/quarry-config.bash RENAME quarry-config
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 set(QUARRY_ZSH_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
   "Install directory of the zsh completion")
-install(FILES completions/_quarry-config DESTINATION ${QUARRY_ZSH_DIR})
+install(FILES ${PROJECT_BINARY_DIR}/completions/_quarry-config DESTINATION ${QUARRY_ZSH_DIR})
 install(FILES examples/agent.conf examples/client.conf examples/broken.conf
   DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/quarry-config/examples)
 
@@ -54,12 +54,12 @@ if(NOT SCDOC)
   message(STATUS "scdoc is missing (Debian: scdoc): man pages are not installed")
   return()
 endif()
+set(man_1 ${PROJECT_BINARY_DIR}/man/quarry-config.1.scd) # generated
+set(man_5 ${PROJECT_SOURCE_DIR}/man/quarry-config.5.scd)
 foreach(section IN ITEMS 1 5)
-  set(source ${PROJECT_SOURCE_DIR}/man/quarry-config.${section}.scd)
   set(page ${PROJECT_BINARY_DIR}/man/quarry-config.${section})
-  add_custom_command(OUTPUT ${page} DEPENDS ${source}
-    COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/man
-    COMMAND ${SCDOC} < ${source} > ${page} VERBATIM)
+  add_custom_command(OUTPUT ${page} DEPENDS ${man_${section}} words
+    COMMAND ${SCDOC} < ${man_${section}} > ${page} VERBATIM)
   list(APPEND pages ${page})
   install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section})
 endforeach()

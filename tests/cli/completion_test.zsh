@@ -1,11 +1,10 @@
-# words_test.zsh ROOT BUILD: the completions know every command and option that --help
-# shows, and no other; completion, as a zsh and a bash at a terminal make it. Exit status
-# 77: there are no pseudo-terminals here.
+# completion_test.zsh BUILD: completion, as a zsh and a bash at a terminal do it. Exit status 77: there
+# are no pseudo-terminals here.
 zmodload zsh/zpty
 zpty probe true 2>/dev/null || exit 77
 setopt err_exit pipe_fail
-root=$1:A
-path=($2:A $path)
+build=$1:A
+path=($build $path)
 work=$(mktemp -d)
 trap 'rm -rf $work' EXIT
 mkdir -p $work/home $work/here/folder
@@ -16,14 +15,14 @@ print -l '[Other]' y=1 '[a:b=c]' y=1 >../home/f.conf
 # Shells in which control-O inserts all that may stand for the last word, and shows the
 # line. With all of them bash takes quotes away; control-Y inserts a single one.
 cat >$work/home/.zshrc <<END
-fpath=($root/completions \$fpath)
+fpath=($build/completions \$fpath)
 autoload -Uz compinit && compinit -u -d ~/dump
 insert_all() { compstate[insert]=all compstate[list]= }
 show() { comppostfuncs=(insert_all); zle complete-word; zle -I; print -r -- "<<<\${BUFFER%% }>>>"; BUFFER= }
 zle -N show && bindkey '^O' show
 END
 cat >$work/home/.bashrc <<END
-. $root/completions/quarry-config.bash
+. $build/completions/quarry-config.bash
 show() { printf '<<<%s>>>' "\${READLINE_LINE% }"; READLINE_LINE=; }
 bind -x '"\C-t": show' && bind '"\C-o": "\e*\C-t"' && bind '"\C-y": "\t\C-t"'
 END
@@ -39,24 +38,13 @@ complete_line() { # SHELL LINE: sets `reply` to what it becomes
 }
 expect() { # SHELL LINE WANTED
   complete_line $1 $2
-  [[ $reply == $3 ]] || { print -r "words: completion of \"$2\" in $1: \"$reply\""; exit 1 }
+  [[ $reply == $3 ]] || { print -r "completion of \"$2\" in $1: \"$reply\""; exit 1 }
 }
 
-known=(${(f)"$(quarry-config --help | sed -n '/^Commands:/,/^$/s/^  \([a-z]*\) .*/\1/p' | sort)"})
-[[ $#known -ge 12 ]]
-expect zsh '' "--help --version $known"
-expect bash '' "--help --version $known"
-for command in $known; do
-  wanted=(${(of)"$(quarry-config $command --help | sed -n '/^Options:/,/^$/s/^ *\(-[a-zA-Z-]*\).*/\1/p' | sed '/^-h$/d')"})
-  for shell in zsh bash; do
-    complete_line $shell "$command -"
-    found=(${(o)${=reply#* }%=})
-    found=(${found:#--help})
-    [[ $found == $wanted ]] || { print -r "words: $shell knows other options of $command: $found"; exit 1 }
-  done
-done
-
 cases=( # the line, what it becomes
+  'ch'                                  'check'
+  'k'                                   'keygen'
+  'set f.conf --'                       'set f.conf --create --dry-run --from --help'
   'set f'                               'set f.conf folder/'
   'seal '                               'seal folder/'
   'check --as '                         'check --as agent client'
@@ -85,4 +73,4 @@ for line wanted in "$cases[@]"; do
   expect zsh $line $wanted
   expect bash $line ${wanted%/}
 done
-[[ ! -e harm ]] || { print 'words: completion runs what was typed'; exit 1 }
+[[ ! -e harm ]] || { print 'completion runs what was typed'; exit 1 }
