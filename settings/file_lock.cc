@@ -2,7 +2,9 @@
 
 #include <sys/file.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <thread>
 #include <utility>
 
@@ -11,15 +13,18 @@
 namespace quarry::settings {
 
 bool LockTimer::Wait() {
+  using std::chrono::microseconds;
   constexpr std::chrono::seconds kNotice(1);
   const Clock::time_point now = Clock::now();
   if (start_ == Clock::time_point()) start_ = now;
-  if (now - start_ >= limit_) return false;
-  if (now - start_ >= kNotice && on_wait_) std::exchange(on_wait_, nullptr)();
-  // Whoever waits tries at moments of its own, about as often as an edit takes, so that no waiter
-  // is kept out by others that come later.
-  const auto jitter = now.time_since_epoch().count() / 1000 % 3000;
-  std::this_thread::sleep_for(std::chrono::microseconds(1000 + jitter));
+  const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(now - start_);
+  if (waited >= limit_) return false;
+  if (waited >= kNotice && on_wait_) std::exchange(on_wait_, nullptr)();
+  // The longer an edit has waited, the more often it tries, so that later ones do not keep it out:
+  // every 8 ms at first, every 0.7 ms after a second. The moments differ from those of others.
+  const auto interval = std::max<std::int64_t>(800'000 / (waited.count() + 100), 100);
+  const auto jitter = now.time_since_epoch().count() % interval - interval / 2;
+  std::this_thread::sleep_for(microseconds(interval + jitter));
   return true;
 }
 
