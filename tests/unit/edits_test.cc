@@ -19,77 +19,63 @@ std::string Unset(const std::string& text, bool with_comment) {
 
 TEST(LineEdits, SetsAndLeavesTheRest) {
   struct Case {
-    const char* name;
     std::string text;
     std::vector<Setting> settings;
     std::string edited;
   };
   const Case cases[] = {
-      {"the value's stretch alone",
-       "[a]\n\t x =\t1 2  \n",
-       {{"A", "X", "3"}},
-       "[a]\n\t x =\t3  \n"},
-      {"settings in any order",
-       "[a]\nx=1\n[b]\ny=1\n",
-       {{"b", "y", "2"}, {"a", "x", "3"}},
-       "[a]\nx=3\n[b]\ny=2\n"},
-      {"to empty and to blanks",
-       "[a]\nx = 1 \ny=1\r\nz ==b\nu = 1 \n",
+      // The value's stretch alone.
+      {"[a]\n\t x =\t1 2  \n", {{"A", "X", "3"}}, "[a]\n\t x =\t3  \n"},
+      // Settings in any order.
+      {"[a]\nx=1\n[b]\ny=1\n", {{"b", "y", "2"}, {"a", "x", "3"}}, "[a]\nx=3\n[b]\ny=2\n"},
+      // To empty and to blanks.
+      {"[a]\nx = 1 \ny=1\r\nz ==b\nu = 1 \n",
        {{"a", "x", ""}, {"a", "y", ""}, {"a", "z", ""}, {"a", "u", "\t "}},
        "[a]\nx =\ny=\nz =\nu =\t \n"},
-      {"from empty and from blanks",
-       "[a]\nx =\ny=\nz =\t \n",
+      // From empty and from blanks.
+      {"[a]\nx =\ny=\nz =\t \n",
        {{"a", "x", "1"}, {"a", "y", "1"}, {"a", "z", "1"}},
        "[a]\nx = 1\ny=1\nz = 1\n"},
-      {"a new option after the last part",
-       "[a]\n x =1\n#c\n\n[b]\n[A] \ny=2\n#d\n\n[b]\n",
+      // A new option after the last part.
+      {"[a]\n x =1\n#c\n\n[b]\n[A] \ny=2\n#d\n\n[b]\n",
        {{"a", "z", "3"}},
        "[a]\n x =1\n#c\n\n[b]\n[A] \ny=2\nz=3\n#d\n\n[b]\n"},
-      {"a new option after a header looks like the first one",
-       "[a]\n  x =1\n[b]\n#c\n",
-       {{"b", "z", "3"}},
-       "[a]\n  x =1\n[b]\n  z =3\n#c\n"},
-      {"a new option after one without a value",
-       "[a]\nx =\n[b]\ny=\r\n",
+      // A new option after a header looks like the first one.
+      {"[a]\n  x =1\n[b]\n#c\n", {{"b", "z", "3"}}, "[a]\n  x =1\n[b]\n  z =3\n#c\n"},
+      // A new option after one without a value.
+      {"[a]\nx =\n[b]\ny=\r\n",
        {{"a", "z", "3"}, {"b", "z", ""}},
        "[a]\nx =\nz = 3\n[b]\ny=\r\nz=\n"},
-      {"a new option in a last part without options",
-       "[a]\nx=1\n[b]\n[a]\n#c\n",
-       {{"a", "z", "3"}},
-       "[a]\nx=1\n[b]\n[a]\nz=3\n#c\n"},
-      {"a new option after a mixed indentation",
-       "[a]\n \r x=1\n",
-       {{"a", "z", "3"}},
-       "[a]\n \r x=1\nz=3\n"},
-      {"two new sections, in their order",
-       "",
+      // A new option in a last part without options.
+      {"[a]\nx=1\n[b]\n[a]\n#c\n", {{"a", "z", "3"}}, "[a]\nx=1\n[b]\n[a]\nz=3\n#c\n"},
+      // A new option after a mixed indentation.
+      {"[a]\n \r x=1\n", {{"a", "z", "3"}}, "[a]\n \r x=1\nz=3\n"},
+      // Two new sections, in their order.
+      {"",
        {{"b", "z", "3"}, {"A", "x", "1"}, {"B", "y", "2"}},
        "[b]\nz = 3\ny = 2\n\n[A]\nx = 1\n"},
-      {"a new section after a blank line",
-       "[a]\n \t\n",
-       {{"b", "z", "3"}},
-       "[a]\n \t\n[b]\nz = 3\n"},
+      // A new section after a blank line.
+      {"[a]\n \t\n", {{"b", "z", "3"}}, "[a]\n \t\n[b]\nz = 3\n"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(Set(c.text, c.settings), c.edited);
-  }
+  for (const Case& c : cases) EXPECT_EQ(Set(c.text, c.settings), c.edited);
 }
 
 TEST(LineEdits, RemovesEveryLineOfAnOption) {
   struct Case {
-    const char* name;
     std::string text, without, without_comment;
   };
   const Case cases[] = {
-      {"comments directly above", "[a]\n;b\n\n #c\n;d\no=1\n#e\n", "[a]\n;b\n\n #c\n;d\n#e\n",
-       "[a]\n;b\n\n#e\n"},
-      {"a comment above a header", "#c\n[a]\no=1\n", "#c\n[a]\n", "="},
-      {"the line feed at the end stays missing", "[a]\nx=0\no=1\no=2", "[a]\nx=0", "="},
-      {"but not that of a blank line", "[a]\nx=0\n\no=1", "[a]\nx=0\n\n", "="},
+      // Comments directly above.
+      {"[a]\n;b\n\n #c\n;d\no=1\n#e\n", "[a]\n;b\n\n #c\n;d\n#e\n", "[a]\n;b\n\n#e\n"},
+      // A comment above a header.
+      {"#c\n[a]\no=1\n", "#c\n[a]\n", "="},
+      // The line feed at the end stays missing.
+      {"[a]\nx=0\no=1\no=2", "[a]\nx=0", "="},
+      // But not that of a blank line.
+      {"[a]\nx=0\n\no=1", "[a]\nx=0\n\n", "="},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.text);
     EXPECT_EQ(Unset(c.text, false), c.without);
     EXPECT_EQ(Unset(c.text, true), c.without_comment == "=" ? c.without : c.without_comment);
   }
@@ -97,23 +83,29 @@ TEST(LineEdits, RemovesEveryLineOfAnOption) {
 
 TEST(IsSameModel, SeesWhatProgramsSee) {
   struct Case {
-    const char* name;
     std::string text;
     bool same, same_but_comments;
   };
   const Case cases[] = {
-      {"other lines", "#c\n[A]\n\n y=2 \n #d\nx =1\n[b]\n", true, true},
-      {"an option more", "#c\n[A]\n#d\nx=1\ny=2\n[b]\nx=1\n", false, false},
-      {"another name", "#c\n[A]\n#d\nX=1\ny=2\n[b]\n", false, false},
-      {"another order", "[b]\n#c\n[A]\n#d\nx=1\ny=2\n", false, false},
-      {"another value", "#c\n[A]\n#d\nx=1\ny=3\n[b]\n", false, false},
-      {"a comment of an option", "#c\n[A]\n#d\nx=1\n#\ny=2\n[b]\n", false, true},
-      {"the comment of a section", "#c\n#c\n[A]\n#d\nx=1\ny=2\n[b]\n", false, true},
-      {"the comment of a section beyond the old ones", "#c\n[A]\n#d\nx=1\ny=2\n#\n[b]\n", true,
-       true},
+      // Other lines.
+      {"#c\n[A]\n\n y=2 \n #d\nx =1\n[b]\n", true, true},
+      // An option more.
+      {"#c\n[A]\n#d\nx=1\ny=2\n[b]\nx=1\n", false, false},
+      // Another name.
+      {"#c\n[A]\n#d\nX=1\ny=2\n[b]\n", false, false},
+      // Another order.
+      {"[b]\n#c\n[A]\n#d\nx=1\ny=2\n", false, false},
+      // Another value.
+      {"#c\n[A]\n#d\nx=1\ny=3\n[b]\n", false, false},
+      // A comment of an option.
+      {"#c\n[A]\n#d\nx=1\n#\ny=2\n[b]\n", false, true},
+      // The comment of a section.
+      {"#c\n#c\n[A]\n#d\nx=1\ny=2\n[b]\n", false, true},
+      // The comment of a section beyond the old ones.
+      {"#c\n[A]\n#d\nx=1\ny=2\n#\n[b]\n", true, true},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.text);
     Document wanted("f", "#c\n[A]\n#d\nx=1\ny=2\n[b]\n"), found("f", std::string(c.text));
     EXPECT_EQ(IsSameModel(&wanted, &found, Comments::kCompared, 1), c.same);
     EXPECT_EQ(IsSameModel(&wanted, &found, Comments::kIgnored, 1), c.same_but_comments);
@@ -122,56 +114,47 @@ TEST(IsSameModel, SeesWhatProgramsSee) {
 
 TEST(UnifiedDiff, ShowsWhatPatchTakes) {
   struct Case {
-    const char* name;
     std::string text;
     TextEdit edit;
     std::string hunks;
   };
   const Case cases[] = {
-      {"all lines", "1\n2\n", {{1, 2, {}}}, "@@ -1,2 +0,0 @@\n-1\n-2\n"},
-      {"three lines around",
-       "1\n2\n3\n4\n5\n6\n7\n8\n9\n",
+      // All lines.
+      {"1\n2\n", {{1, 2, {}}}, "@@ -1,2 +0,0 @@\n-1\n-2\n"},
+      // Three lines around.
+      {"1\n2\n3\n4\n5\n6\n7\n8\n9\n",
        {{5, 1, {"a", "b"}}},
        "@@ -2,7 +2,8 @@\n 2\n 3\n 4\n-5\n+a\n+b\n 6\n 7\n 8\n"},
-      {"a gap of six lines is shown",
-       "1\n2\n3\n4\n5\n6\n7\n8\n",
+      // A gap of six lines is shown.
+      {"1\n2\n3\n4\n5\n6\n7\n8\n",
        {{1, 1, {"a"}}, {8, 1, {}}},
        "@@ -1,8 +1,7 @@\n-1\n+a\n 2\n 3\n 4\n 5\n 6\n 7\n-8\n"},
-      {"a gap of seven is not",
-       "1\n2\n3\n4\n5\n6\n7\n8\n9\n",
+      // A gap of seven is not.
+      {"1\n2\n3\n4\n5\n6\n7\n8\n9\n",
        {{1, 0, {"a"}}, {8, 1, {}}},
        "@@ -1,3 +1,4 @@\n+a\n 1\n 2\n 3\n@@ -5,5 +6,4 @@\n 5\n 6\n 7\n-8\n 9\n"},
-      {"no line feed at the end",
-       "1\n2",
-       {{1, 1, {}}},
-       "@@ -1,2 +1 @@\n-1\n 2\n\\ No newline at end of file\n"},
-      {"another end",
-       "1\n2",
-       {{2, 1, {"a"}}, {3, 0, {"b"}}},
-       "@@ -1,2 +1,3 @@\n 1\n-2\n\\ No newline at end of file\n+a\n+b\n\\ No newline at end of "
-       "file\n"},
-      {"a longer end",
-       "1\n2",
-       {{3, 0, {"a"}}},
-       "@@ -1,2 +1,3 @@\n 1\n-2\n\\ No newline at end of file\n+2\n+a\n\\ No newline at end of "
-       "file\n"},
-      {"a shorter end",
-       "1\n2",
-       {{2, 1, {}}},
-       "@@ -1,2 +1 @@\n-1\n-2\n\\ No newline at end of file\n+1\n\\ No newline at end of file\n"},
-      {"an end after a blank line",
-       "1\n\n2",
-       {{3, 1, {}}},
-       "@@ -1,3 +1,2 @@\n 1\n \n-2\n\\ No newline at end of file\n"},
-      {"the same end",
-       "1\n2",
-       {{1, 1, {"a"}}},
-       "@@ -1,2 +1,2 @@\n-1\n+a\n 2\n\\ No newline at end of file\n"},
-      {"two lines", "1\n2\n", {{1, 1, {"a"}}, {2, 1, {"b"}}}, "@@ -1,2 +1,2 @@\n-1\n-2\n+a\n+b\n"},
+      // No line feed at the end.
+      {"1\n2", {{1, 1, {}}}, "@@ -1,2 +1 @@\n-1\n 2\n\\\n"},
+      // Another end.
+      {"1\n2", {{2, 1, {"a"}}, {3, 0, {"b"}}}, "@@ -1,2 +1,3 @@\n 1\n-2\n\\\n+a\n+b\n\\\n"},
+      // A longer end.
+      {"1\n2", {{3, 0, {"a"}}}, "@@ -1,2 +1,3 @@\n 1\n-2\n\\\n+2\n+a\n\\\n"},
+      // A shorter end.
+      {"1\n2", {{2, 1, {}}}, "@@ -1,2 +1 @@\n-1\n-2\n\\\n+1\n\\\n"},
+      // An end after a blank line.
+      {"1\n\n2", {{3, 1, {}}}, "@@ -1,3 +1,2 @@\n 1\n \n-2\n\\\n"},
+      // The same end.
+      {"1\n2", {{1, 1, {"a"}}}, "@@ -1,2 +1,2 @@\n-1\n+a\n 2\n\\\n"},
+      // Two lines.
+      {"1\n2\n", {{1, 1, {"a"}}, {2, 1, {"b"}}}, "@@ -1,2 +1,2 @@\n-1\n-2\n+a\n+b\n"},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(UnifiedDiff("f", c.text, c.edit), "--- f\n+++ f\n" + c.hunks);
+    std::string diff = UnifiedDiff("f", c.text, c.edit);
+    const std::string no_end = "\\ No newline at end of file\n";  // "\\" in the rows
+    for (std::size_t at; (at = diff.find(no_end)) != std::string::npos;) {
+      diff.replace(at, no_end.size(), "\\\n");
+    }
+    EXPECT_EQ(diff, "--- f\n+++ f\n" + c.hunks);
   }
 }
 
