@@ -13,7 +13,6 @@
 
 namespace quarry::settings {
 
-using storage::dmconfig::DMConfig;
 using storage::dmconfig::DMConfigFile;
 using storage::dmconfig::kStatusOk;
 using storage::dmconfig::LineFault;
