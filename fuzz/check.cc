@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "fuzz/second_reader.h"
+#include "fuzz/reference_reader.h"
 #include "fuzz/target.h"
 #include "tools/check/finding_text.h"
 #include "tools/terminal/terminal_text.h"
@@ -33,19 +33,19 @@ void TryInput(const std::string& input) {
   const std::vector<Finding> findings = tool::CheckForProgram(text, "a file", tool::Program::kNone);
   const auto first = std::find_if(findings.begin(), findings.end(),
                                   [](const Finding& finding) { return finding.IsError(); });
-  Demand((first == findings.end()) == loads, "errors are what the library refuses");
+  Require((first == findings.end()) == loads, "errors are what the library refuses");
   if (!loads) {
     const auto stop = text.begin() + static_cast<std::ptrdiff_t>(reading.consumed);
     const auto line =
         static_cast<std::size_t>(std::count(text.begin(), stop, '\n')) + (reading.end_seen ? 1 : 0);
-    Demand(first->line == line, "the first error is where the library stops");
+    Require(first->line == line, "the first error is where the library stops");
   }
   Saw(loads ? findings.empty() ? "clean" : "warned" : "refused");
   for (const Finding& finding : findings) {
-    Demand(finding.line > 0 && finding.column > 0 && finding.length > 0, "a finding is somewhere");
+    Require(finding.line > 0 && finding.column > 0 && finding.length > 0, "a finding is somewhere");
     const tool::Diagnostic diagnostic = tool::DiagnosticsOf({finding}, "a file").front();
-    Demand(IsFitForATerminal(FormatDiagnostic(diagnostic, false)),
-           "no control bytes reach a terminal");
+    Require(IsFitForATerminal(FormatDiagnostic(diagnostic, false)),
+            "no control bytes reach a terminal");
   }
 }
 

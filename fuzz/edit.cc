@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "fuzz/second_reader.h"
+#include "fuzz/reference_reader.h"
 #include "fuzz/target.h"
 #include "settings/error.h"
 #include "settings/verified_edit.h"
@@ -78,19 +78,19 @@ void Add(std::vector<Option>* options, const Setting& setting) {
   options->insert(at, {setting.option, setting.value, ""});
 }
 
-void DemandRefused(const std::string& text, const Setting& setting, settings::ErrorKind kind) {
+void RequireRefused(const std::string& text, const Setting& setting, settings::ErrorKind kind) {
   try {
     Set(text, setting);
-    Demand(false, "what cannot be read back is refused");
+    Require(false, "what cannot be read back is refused");
   } catch (const settings::Error& error) {
-    Demand(error.kind == kind, "a refusal says whose fault it is");
+    Require(error.kind == kind, "a refusal says whose fault it is");
   }
 }
 
 void TrySet(const std::string& text, const Setting& setting, Sections sections) {
   const std::string edited = Set(text, setting);
   const Reading found = ReadText(edited);
-  Demand(found.status == 0, "an edited text is valid");
+  Require(found.status == 0, "an edited text is valid");
 
   Section* section = Find(&sections, setting.section);
   const bool is_new_section = section == nullptr;
@@ -104,15 +104,15 @@ void TrySet(const std::string& text, const Setting& setting, Sections sections) 
   } else {
     option->value = setting.value;
   }
-  Demand(found.sections == sections, "set changes the option and nothing else");
-  Demand(CountTouched(Lines(text), Lines(edited)) <= may_differ,
-         "at most the option's line differs");
-  Demand((text.empty() || text.back() == '\n') == (edited.back() == '\n'),
-         "the end of the text stays as it was");
-  Demand(Set(edited, setting) == edited, "the same edit again changes nothing");
+  Require(found.sections == sections, "set changes the option and nothing else");
+  Require(CountTouched(Lines(text), Lines(edited)) <= may_differ,
+          "at most the option's line differs");
+  Require((text.empty() || text.back() == '\n') == (edited.back() == '\n'),
+          "the end of the text stays as it was");
+  Require(Set(edited, setting) == edited, "the same edit again changes nothing");
   Saw(is_new_section ? "new section" : option == nullptr ? "new option" : "option set");
   if (option == nullptr && !is_new_section) {
-    Demand(Unset(edited, setting, false) == text, "unset takes a new option back");
+    Require(Unset(edited, setting, false) == text, "unset takes a new option back");
   }
 }
 
@@ -129,11 +129,11 @@ void TryUnset(const std::string& text, const Setting& setting, bool with_comment
   const std::string edited = Unset(text, setting, with_comment);
   section->options.erase(section->options.begin() + (option - section->options.data()));
   const Reading found = ReadText(edited);
-  Demand(found.status == 0, "a text without an option is valid");
-  Demand(WithoutComments(found.sections) == WithoutComments(sections),
-         "unset removes the option and nothing else");
+  Require(found.status == 0, "a text without an option is valid");
+  Require(WithoutComments(found.sections) == WithoutComments(sections),
+          "unset removes the option and nothing else");
   if (ComesBack(before)) {
-    Demand(WithoutComments(ReadText(Set(edited, before)).sections) == all, "set takes unset back");
+    Require(WithoutComments(ReadText(Set(edited, before)).sections) == all, "set takes unset back");
   }
   Saw("option unset");
 }
@@ -149,17 +149,17 @@ void TryInput(const std::string& input) {
   const Reading reading = ReadText(text);
   if (!ComesBack(setting)) {
     Saw("setting refused");
-    DemandRefused(text, setting, settings::ErrorKind::kRefused);
+    RequireRefused(text, setting, settings::ErrorKind::kRefused);
   } else if (reading.status != 0) {
     Saw("text refused");
-    DemandRefused(text, setting, settings::ErrorKind::kInvalidText);
+    RequireRefused(text, setting, settings::ErrorKind::kInvalidText);
   }
   if (reading.status != 0) return;
   try {
     TryUnset(text, setting, input.size() % 2 == 0, reading.sections);
     if (ComesBack(setting)) TrySet(text, setting, reading.sections);
   } catch (const settings::Error& error) {
-    Demand(false, error.what());
+    Require(false, error.what());
   }
 }
 

@@ -1,7 +1,7 @@
-// Promise: a sealed password opens to what was sealed; what was changed in any
-// way, or never sealed, does not open, and the caller's buffer stays as it was.
-#include <algorithm>
+// A sealed password opens to what was sealed; what was changed in any way, or never sealed, does
+// not open, and the caller's buffer stays as it was.
 #include <cstring>
+#include <numeric>
 
 #include "fuzz/target.h"
 #include "platform/local/sealed_password.h"
@@ -10,19 +10,11 @@ namespace quarry::fuzz {
 
 namespace {
 
-using platform::SealingKey;
-
-constexpr std::size_t kCapacity = 255, kKeyBytes = 32, kNonceBytes = 24;
-
-struct Opened {
-  DecryptResult result;
-  std::string out;
-};
-
-Opened Open(const SealingKey& key, const std::string& stored) {
-  std::string out(kCapacity, '?');
-  const auto result = platform::OpenPasswordWithKey(key, stored.c_str(), out.data(), out.size());
-  return {result, out};
+// The password and the NUL after it, or the untouched buffer.
+std::string Open(const platform::SealingKey& key, const std::string& stored) {
+  std::string out(255, '?');
+  const int result = OpenPasswordWithKey(key, stored.c_str(), out.data(), out.size());
+  return result == kDecryptDone ? out.substr(0, out.find('\0') + 1) : out;
 }
 
 }  // namespace
@@ -30,47 +22,28 @@ Opened Open(const SealingKey& key, const std::string& stored) {
 // Fields: a stored text, a password, a change to its sealed form.
 void TryInput(const std::string& input) {
   const std::vector<std::string> fields = Fields(input, 3);
-  const std::string untouched(kCapacity, '?');
+  const std::string &password = fields[1], &change = fields[2], untouched(255, '?');
+  unsigned char bytes[32];
+  std::iota(std::begin(bytes), std::end(bytes), static_cast<unsigned char>(input.size()));
+  platform::SealingKey key;
+  Require(key.Set(bytes) == kDecryptDone, "any bytes are a key");
+  Require(Open(key, fields[0]) == untouched, "what was not sealed does not open");
 
-  SealingKey key;
-  unsigned char bytes[kKeyBytes], nonce[kNonceBytes];
-  for (std::size_t i = 0; i < kKeyBytes; ++i)
-    bytes[i] = static_cast<unsigned char>(i + input.size());
-  std::copy(bytes, bytes + kNonceBytes, nonce);
-  Demand(key.Set(bytes) == kDecryptDone, "any bytes are a key");
-
-  const Opened made_up = Open(key, fields[0]);
-  Demand(made_up.result != kDecryptDone && made_up.out == untouched,
-         "what was not sealed does not open");
-
-  const std::string& password = fields[1];
   std::string stored;
+  const bool sealed = SealPasswordWithNonce(key, bytes, password, &stored) == kDecryptDone;
   const bool sealable = password.size() <= platform::kLongestPassword &&
-                        password.find('\n') == std::string::npos &&
-                        password.find('\0') == std::string::npos;
-  const DecryptResult sealed = platform::SealPasswordWithNonce(key, nonce, password, &stored);
-  Demand((sealed == kDecryptDone) == sealable,
-         "a password of one line and fitting length is sealed");
-  if (!sealable) {
-    Saw("refused to seal");
-    return;
-  }
-  const Opened opened = Open(key, stored);
-  Demand(opened.result == kDecryptDone && opened.out.substr(0, opened.out.find('\0')) == password,
-         "what was sealed opens");
-  Saw("opened");
+                        password.find_first_of({"\0\n", 2}) == std::string::npos;
+  Require(sealed == sealable, "a password of one line and fitting length is sealed");
+  Saw(sealed ? "opened" : "refused to seal");
+  if (!sealed) return;
+  Require(Open(key, stored) == password + '\0', "what was sealed opens");
 
-  std::string changed = stored;
-  const std::string& change = fields[2];
   if (change.size() < 3) return;
-  const auto at =
-      (static_cast<unsigned char>(change[0]) * 256U + static_cast<unsigned char>(change[1])) %
-      stored.size();
-  changed.replace(at, (change[2] & 1) != 0 ? 1U : 0U, change.substr(3));
+  const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(change[at]); };
+  std::string changed = stored;
+  changed.replace((byte(0) * 256U + byte(1)) % stored.size(), byte(2) % 2U, change.substr(3));
   if (std::strcmp(changed.c_str(), stored.c_str()) == 0) return;
-  const Opened forged = Open(key, changed);
-  Demand(forged.result != kDecryptDone && forged.out == untouched,
-         "what was changed does not open");
+  Require(Open(key, changed) == untouched, "what was changed does not open");
   Saw("forgery refused");
 }
 

@@ -2,53 +2,43 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <map>
+#include <iterator>
+#include <set>
 
 #include "dmconfig/config_file.h"
 
 namespace quarry::fuzz {
 
-namespace {
+using storage::dmconfig::DMConfig;
+using storage::dmconfig::DMConfigFile;
 
-std::map<std::string, std::size_t>& Seen() {
-  static std::map<std::string, std::size_t> seen;
-  return seen;
-}
+static std::set<std::string> seen;  // NOLINT(cert-err58-cpp)
 
-}  // namespace
-
-void Demand(bool kept, const char* promise) {
-  if (kept) return;
-  std::cout << "broken: " << promise << std::endl;
+void Require(bool holds, const char* property) {
+  if (holds) return;
+  std::cout << "broken: " << property << std::endl;
   std::abort();
 }
 
-void Saw(const char* what) { ++Seen()[what]; }
-std::size_t TimesSeen(const std::string& what) { return Seen()[what]; }
+void Saw(const char* what) { seen.insert(what); }
+bool HasSeen(const std::string& what) { return seen.count(what) > 0; }
 
 std::vector<std::string> Fields(const std::string& input, std::size_t count) {
-  constexpr char kSeparator = '\x1f';
-  std::vector<std::string> fields(1);
-  for (const char c : input) {
-    if (c == kSeparator && fields.size() < count) {
-      fields.emplace_back();
-    } else {
-      fields.back() += c;
-    }
-  }
-  fields.resize(count);
+  std::vector<std::string> fields(count);
+  std::istringstream in(input);
+  for (std::size_t i = 0; i + 1 < count; ++i) std::getline(in, fields[i], '\x1f');
+  fields.back().assign(std::istreambuf_iterator<char>(in), {});
   return fields;
 }
 
-int Load(const std::string& text, storage::dmconfig::DMConfig* model) {
+int Load(const std::string& text, DMConfig* model) {
   std::istringstream in(text);
-  return storage::dmconfig::DMConfigFile("", "").LoadConfig(&in, model);
+  return DMConfigFile("", "").LoadConfig(&in, model);
 }
 
-std::string Dump(storage::dmconfig::DMConfig* model) {
+std::string Dump(DMConfig* model) {
   std::ostringstream out;
-  Demand(storage::dmconfig::DMConfigFile("", "").DumpConfig(&out, model) == 0,
-         "a model that was loaded is dumped");
+  Require(DMConfigFile("", "").DumpConfig(&out, model) == 0, "a model that was loaded is dumped");
   return out.str();
 }
 

@@ -1,7 +1,6 @@
-// What the fuzz targets share. A target is one promise: a function that is
-// given any bytes and stops the process when the promise is broken. The engine
-// finds bytes (./dev fuzz), replay.cc runs kept ones and changes of them (./dev
-// test).
+// What the fuzz targets share. A target states one property: a function that is given any bytes and
+// stops the process when the property does not hold. The engine searches for such bytes (./dev
+// fuzz), replay.cc runs kept inputs and changes of them (./dev test).
 #ifndef QUARRY_FUZZ_TARGET_H_
 #define QUARRY_FUZZ_TARGET_H_
 
@@ -17,16 +16,16 @@ namespace quarry::fuzz {
 // Defined by each target.
 void TryInput(const std::string& input);
 
-// Stops the process, with the reason, unless the promise is kept.
-void Demand(bool kept, const char* promise);
+// Stops the process and prints the property unless it holds.
+void Require(bool holds, const char* property);
 
-// Counts that something was met. The replay is red when what it is told to meet
-// was not, for then nothing was shown.
+// Records that something was seen. The replay fails when what it is told to see was not, for then
+// nothing was shown.
 void Saw(const char* what);
-std::size_t TimesSeen(const std::string& what);
+bool HasSeen(const std::string& what);
 
-// The input as `count` texts, cut at the first unit separators; later ones stay
-// in the last text. Missing texts are empty.
+// Splits the input into `count` texts at its first unit separators; later ones stay in the last
+// text. Missing texts are empty.
 std::vector<std::string> Fields(const std::string& input, std::size_t count);
 
 // The library's reader and writer on texts.
