@@ -5,67 +5,52 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <new>
+#include <utility>
 
 namespace {
 
-long countdown = 0;  // the allocation that fails is number 1; 0 is none
-bool fails_on = false;
-long faults = 0;
+bool counting = false, fails_on = false;
+long remaining = 0;  // allocations up to the one that fails
 
 std::string watched;
 long freed_secrets = 0;
 
-bool FailsNow() {
-  if (countdown == 0) return false;
-  if (countdown > 1) {
-    --countdown;
-    return false;
-  }
-  if (!fails_on) countdown = 0;
-  ++faults;
-  return true;
-}
-
 }  // namespace
 
-long FailEachAllocation(const std::string& name, const std::function<void()>& prepare,
-                        const std::function<int()>& work, const std::function<void(int)>& look) {
-  SCOPED_TRACE(name);
-  const long faults_before = faults;
+long FailEachAllocation(const std::function<void()>& prepare, const std::function<int()>& work,
+                        const std::function<void(int)>& check) {
+  long runs = 0;
   for (const bool persistent : {false, true}) {
     fails_on = persistent;
-    for (long n = 1;; ++n) {
+    for (long n = 1;; ++n, ++runs) {
       prepare();
-      const long faults_so_far = faults;
       int result = kThrown;
-      countdown = n;
+      remaining = n;
+      counting = true;
       try {
         result = work();
       } catch (const std::bad_alloc&) {
       }
-      countdown = 0;
-      if (faults == faults_so_far) break;
+      counting = false;
+      if (remaining > 0) break;
       SCOPED_TRACE(n);
-      look(result);
+      check(result);
     }
   }
-  std::cout << name << ": " << faults - faults_before << " allocations failed\n";
-  return faults - faults_before;
+  return runs;
 }
 
-void WatchFreedMemory(const std::string& secret) {
+long WatchFreedMemory(const std::string& secret) {
   watched = secret;
-  freed_secrets = 0;
+  return std::exchange(freed_secrets, 0);
 }
-
-long FreedSecrets() { return freed_secrets; }
 
 void* operator new(std::size_t size) {
-  if (FailsNow()) throw std::bad_alloc();
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
+  const bool fails = counting && --remaining <= 0 && (remaining == 0 || fails_on);
+  void* const memory = fails ? nullptr : std::malloc(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
 }
 void operator delete(void* memory) noexcept {
   if (memory != nullptr && !watched.empty() &&

@@ -1,24 +1,26 @@
-// An operator new that fails on demand and an operator delete that looks for
-// secrets, in the program that links them. For one thread at a time.
+// An operator new that can be made to fail and an operator delete that searches
+// for secrets, in the program that links them. For one thread at a time.
 #ifndef QUARRY_TESTS_SUPPORT_TEST_ALLOCATOR_H_
 #define QUARRY_TESTS_SUPPORT_TEST_ALLOCATOR_H_
 
 #include <functional>
 #include <string>
 
-// What an operation came to whose memory ran out.
+// Too long for the buffer inside a std::string, so that a copy of it allocates.
+inline const std::string kLongText = "a text that is longer than a small string";
+
+// The result of an operation that ended with std::bad_alloc.
 inline constexpr int kThrown = 1;
 
-// Runs `work` after `prepare` with its n-th allocation failing, for n = 1, 2, ...
-// until it does not need that many; first with that one failing alone, then with
-// all after it. `look` is given each result, kThrown for std::bad_alloc. Prints and
-// returns how many have failed.
-long FailEachAllocation(const std::string& name, const std::function<void()>& prepare,
-                        const std::function<int()>& work, const std::function<void(int)>& look);
+// Runs `prepare` and then `work` with its n-th allocation failing, for n = 1, 2,
+// ... until `work` needs fewer than n; first with that one failing alone, then
+// with all later ones failing too. `check` is given each result of `work`.
+// Returns how many runs had an allocation that failed.
+long FailEachAllocation(const std::function<void()>& prepare, const std::function<int()>& work,
+                        const std::function<void(int)>& check);
 
-// From now on counts the blocks that hold `secret` when they are freed. An
-// empty one ends this.
-void WatchFreedMemory(const std::string& secret);
-long FreedSecrets();
+// Starts to watch for blocks that hold `secret` when they are freed; none when it
+// is empty. Returns how many such blocks were freed since the previous call.
+long WatchFreedMemory(const std::string& secret);
 
 #endif  // QUARRY_TESTS_SUPPORT_TEST_ALLOCATOR_H_

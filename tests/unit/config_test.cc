@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <optional>
+#include <regex>
 #include <set>
-#include <type_traits>
-#include <vector>
 
 #include "tests/support/support.h"
 #include "tests/support/test_allocator.h"
@@ -14,211 +12,126 @@
 namespace quarry::storage::dmconfig {
 namespace {
 
-static_assert(!std::is_copy_constructible_v<DMConfig> && !std::is_copy_assignable_v<DMConfig> &&
-              !std::is_move_constructible_v<DMConfig> && !std::is_move_assignable_v<DMConfig>);
+// Every copy of these allocates, and so does replacing the old by the new.
+const std::string kOld = kLongText;
+const std::string kNew = kLongText + ", and longer than the old one";
 
-// Too long for a string's inner buffer, so that every copy allocates.
-const std::string kName = "a_name_that_is_longer_than_a_small_string";
-const std::string kText = "a_text_that_is_longer_than_a_small_string";
-
-// "+" stands for a new name or text, "*" for an old text.
-std::string Long(std::string short_form) {
-  for (std::size_t at; (at = short_form.find_first_of("+*")) != std::string::npos;) {
-    short_form.replace(at, 1, short_form[at] == '+' ? kName : kText);
-  }
-  return short_form;
+// Writes kOld as "O" and kNew as "N".
+std::string Abbreviate(const std::string& text) {
+  return std::regex_replace(std::regex_replace(text, std::regex(kNew), "N"), std::regex(kOld), "O");
 }
 
-// What operations of the model write to.
-struct Outputs {
-  std::string value = "old", comment = "old";
-  std::list<std::string> names = {"old"};
+// A model and what its operations write to.
+struct TestModel : DMConfig {
+  std::string value = "-", comment = "-";
+  std::list<std::string> names = {"-"};
 };
-
-// An operation of the model in words, taken apart: "SetOptionValue s o v".
-// "''" is an empty text; "null" at the end stands for a null output, as the
-// first ("null -") or the last one ("- null" or "null").
-struct Operation {
-  explicit Operation(const std::string& words);
-
-  int Run(DMConfig* model, Outputs* outputs) const;
-
-  std::string name, section, option, value, comment;
-  bool has_comment, first_null, last_null;
-};
-
-Operation::Operation(const std::string& words) {
-  std::istringstream in(words);
-  std::vector<std::string> all(6);
-  std::size_t count = 0;
-  while (count < all.size() && in >> all[count]) ++count;
-  const auto null = std::find(all.begin(), all.end(), "null");
-  last_null = null != all.end() && null == all.begin() + static_cast<std::ptrdiff_t>(count) - 1;
-  first_null = null != all.end() && !last_null;
-  for (std::string& word : all) word = word == "''" ? "" : word;
-  name = all[0];
-  section = all[1];
-  option = all[2];
-  value = all[3];
-  comment = all[4];
-  has_comment = count == 5;
-}
-
-int Operation::Run(DMConfig* model, Outputs* out) const {
-  std::string* const first = first_null                 ? nullptr
-                             : name == "GetOptionValue" ? &out->value
-                                                        : &out->comment;
-  std::string* const last = last_null ? nullptr : &out->comment;
-  std::list<std::string>* const names = last_null ? nullptr : &out->names;
-  if (name == "GetOptionMap") return model->GetOptionMap(section) == nullptr ? -5 : 0;
-  if (name == "HasSection") return model->HasSection(section);
-  if (name == "GetSectionList") return model->GetSectionList(names);
-  if (name == "GetSectionComment") return model->GetSectionComment(section, last);
-  if (name == "SetSectionComment") return model->SetSectionComment(section, option);
-  if (name == "DelSectionComment") return model->DelSectionComment(section);
-  if (name == "SetOptionValue" && has_comment)
-    return model->SetOptionValue(section, option, value, comment);
-  if (name == "SetOptionValue") return model->SetOptionValue(section, option, value);
-  if (name == "SetOptionComment") return model->SetOptionComment(section, option, value);
-  if (name == "GetOptionValue") return model->GetOptionValue(section, option, first, last);
-  if (name == "GetSectionOptionList") return model->GetSectionOptionList(section, first, names);
-  if (name == "DelOption") return model->DelOption(section, option);
-  if (name == "DelOptionComment") return model->DelOptionComment(section, option);
-  ADD_FAILURE() << "no operation " << name;
-  return 1;
-}
 
 TEST(DMConfig, RefusesEmptyNamesAndNullOutputs) {
-  for (const char* words : {"HasSection ''",
-                            "GetSectionList null",
-                            "GetSectionComment ''",
-                            "GetSectionComment s null",
-                            "SetSectionComment '' c",
-                            "DelSectionComment ''",
-                            "SetOptionValue '' o v",
-                            "SetOptionValue s '' v",
-                            "SetOptionValue '' o v c",
-                            "SetOptionValue s '' v c",
-                            "SetOptionComment '' o c",
-                            "SetOptionComment s '' c",
-                            "GetOptionValue '' o",
-                            "GetOptionValue s ''",
-                            "GetOptionValue s o null -",
-                            "GetOptionValue s o - null",
-                            "GetSectionOptionList ''",
-                            "GetSectionOptionList s null -",
-                            "GetSectionOptionList s - null",
-                            "DelOption '' o",
-                            "DelOption s ''",
-                            "DelOptionComment '' o",
-                            "DelOptionComment s ''"}) {
-    SCOPED_TRACE(words);
-    DMConfig model;
-    Outputs outputs;
-    EXPECT_EQ(Operation(words).Run(&model, &outputs), -1);
-    EXPECT_EQ(Render(&model), "");
-    EXPECT_EQ(outputs.value + outputs.comment + outputs.names.front(), "oldoldold");
+  TestModel m;
+  for (const auto& [section, option] : {std::pair("", "o"), std::pair("s", "")}) {
+    EXPECT_EQ(m.SetOptionValue(section, option, "v"), -1);
+    EXPECT_EQ(m.SetOptionValue(section, option, "v", "c"), -1);
+    EXPECT_EQ(m.SetOptionComment(section, option, "c"), -1);
+    EXPECT_EQ(m.GetOptionValue(section, option, &m.value, &m.comment), -1);
+    EXPECT_EQ(m.DelOption(section, option), -1);
+    EXPECT_EQ(m.DelOptionComment(section, option), -1);
   }
+  EXPECT_EQ(m.HasSection(""), -1);
+  EXPECT_EQ(m.GetSectionComment("", &m.comment), -1);
+  EXPECT_EQ(m.SetSectionComment("", "c"), -1);
+  EXPECT_EQ(m.DelSectionComment(""), -1);
+  EXPECT_EQ(m.GetSectionOptionList("", &m.comment, &m.names), -1);
+  EXPECT_EQ(m.GetSectionList(nullptr), -1);
+  EXPECT_EQ(m.GetSectionComment("s", nullptr), -1);
+  EXPECT_EQ(m.GetOptionValue("s", "o", nullptr, &m.comment), -1);
+  EXPECT_EQ(m.GetOptionValue("s", "o", &m.value, nullptr), -1);
+  EXPECT_EQ(m.GetSectionOptionList("s", nullptr, &m.names), -1);
+  EXPECT_EQ(m.GetSectionOptionList("s", &m.comment, nullptr), -1);
+  EXPECT_EQ(Render(&m), "");
+  EXPECT_EQ(m.value + m.comment + m.names.front(), "---");
 }
 
 TEST(DMConfig, OperatesOnWhatIsThereAndCreatesWhatIsMissing) {
   struct Case {
-    const char* operation;
+    int (*operation)(TestModel&);
     int result;
-    const char* model;    // afterwards; before it is "S(*){o=*(*)}"
-    const char* outputs;  // value, comment and the first name
+    const char* model;                     // afterwards; before it is "S(O){x=O(O)}"
+    int result_without_section = kThrown;  // when memory ran out while it was being created
+    const char* outputs = "- - -";         // value, comment and the first name
   };
   const Case cases[] = {
-      {"HasSection s", 0, "S(*){o=*(*)}", "old old old"},
-      {"HasSection +", -6, "S(*){o=*(*)}", "old old old"},
-      {"GetOptionMap +", 0, "S(*){o=*(*)} +{}", "old old old"},
-      {"GetSectionList", 0, "S(*){o=*(*)}", "old old S"},
-      {"GetSectionComment s", 0, "S(*){o=*(*)}", "old * old"},
-      {"GetSectionComment +", 0, "S(*){o=*(*)} +{}", "old  old"},
-      {"SetSectionComment s ++", 0, "S(++){o=*(*)}", "old old old"},
-      {"SetSectionComment s ''", 0, "S{o=*(*)}", "old old old"},
-      {"SetSectionComment + ++", 0, "S(*){o=*(*)} +(++){}", "old old old"},
-      {"DelSectionComment s", 0, "S{o=*(*)}", "old old old"},
-      {"DelSectionComment +", 0, "S(*){o=*(*)} +{}", "old old old"},
-      {"SetOptionValue s O ++", 0, "S(*){o=++(*)}", "old old old"},
-      {"SetOptionValue s + ++", 0, "S(*){+=++ o=*(*)}", "old old old"},
-      {"SetOptionValue + + ++", 0, "S(*){o=*(*)} +{+=++}", "old old old"},
-      {"SetOptionValue s O ++ ++", 0, "S(*){o=++(++)}", "old old old"},
-      {"SetOptionValue s O '' ''", 0, "S(*){o=}", "old old old"},
-      {"SetOptionValue s + ++ ++", 0, "S(*){+=++(++) o=*(*)}", "old old old"},
-      {"SetOptionValue + + ++ ++", 0, "S(*){o=*(*)} +{+=++(++)}", "old old old"},
-      {"SetOptionComment s O ++", 0, "S(*){o=*(++)}", "old old old"},
-      {"SetOptionComment s + ++", 0, "S(*){+=(++) o=*(*)}", "old old old"},
-      {"SetOptionComment + + ++", 0, "S(*){o=*(*)} +{+=(++)}", "old old old"},
-      {"GetOptionValue s O", 0, "S(*){o=*(*)}", "* * old"},
-      {"GetOptionValue s +", -7, "S(*){o=*(*)}", "old old old"},
-      {"GetOptionValue + +", -7, "S(*){o=*(*)} +{}", "old old old"},
-      {"GetSectionOptionList s", 0, "S(*){o=*(*)}", "old * o"},
-      {"GetSectionOptionList +", 0, "S(*){o=*(*)} +{}", "old  "},
-      {"DelOption s O", 0, "S(*){}", "old old old"},
-      {"DelOption s +", 0, "S(*){o=*(*)}", "old old old"},
-      {"DelOption + +", 0, "S(*){o=*(*)} +{}", "old old old"},
-      {"DelOptionComment s O", 0, "S(*){o=*}", "old old old"},
-      {"DelOptionComment s +", 0, "S(*){o=*(*)}", "old old old"},
-      {"DelOptionComment + +", 0, "S(*){o=*(*)} +{}", "old old old"},
+      {[](auto& m) { return m.GetOptionMap(kNew) ? 0 : -5; }, 0, "S(O){x=O(O)} N{}", -5},
+      {[](auto& m) { return m.GetSectionList(&m.names); }, 0, "S(O){x=O(O)}", kThrown, "- - S"},
+      {[](auto& m) { return m.GetSectionComment("s", &m.comment); }, 0, "S(O){x=O(O)}", kThrown,
+       "- O -"},
+      {[](auto& m) { return m.GetSectionComment(kNew, &m.comment); }, 0, "S(O){x=O(O)} N{}", -5,
+       "-  -"},
+      {[](auto& m) { return m.SetSectionComment("s", kNew); }, 0, "S(N){x=O(O)}"},
+      {[](auto& m) { return m.SetSectionComment(kNew, kNew); }, 0, "S(O){x=O(O)} N(N){}", -5},
+      {[](auto& m) { return m.DelSectionComment("s"); }, 0, "S{x=O(O)}"},
+      {[](auto& m) { return m.DelSectionComment(kNew); }, 0, "S(O){x=O(O)} N{}", 0},
+      {[](auto& m) { return m.SetOptionValue("s", "X", kNew); }, 0, "S(O){x=N(O)}"},
+      {[](auto& m) { return m.SetOptionValue(kNew, kNew, kNew); }, 0, "S(O){x=O(O)} N{N=N}", -5},
+      {[](auto& m) { return m.SetOptionValue("s", "X", kNew, kNew); }, 0, "S(O){x=N(N)}"},
+      {[](auto& m) { return m.SetOptionValue("s", "X", "", ""); }, 0, "S(O){x=}"},
+      {[](auto& m) { return m.SetOptionValue(kNew, kNew, kNew, kNew); }, 0,
+       "S(O){x=O(O)} N{N=N(N)}", -5},
+      {[](auto& m) { return m.SetOptionComment("s", "X", kNew); }, 0, "S(O){x=O(N)}"},
+      {[](auto& m) { return m.SetOptionComment(kNew, kNew, kNew); }, 0, "S(O){x=O(O)} N{N=(N)}",
+       -5},
+      {[](auto& m) { return m.GetOptionValue("s", "X", &m.value, &m.comment); }, 0, "S(O){x=O(O)}",
+       kThrown, "O O -"},
+      {[](auto& m) { return m.GetOptionValue(kNew, "x", &m.value, &m.comment); }, -7,
+       "S(O){x=O(O)} N{}", -5},
+      {[](auto& m) { return m.GetSectionOptionList("s", &m.comment, &m.names); }, 0, "S(O){x=O(O)}",
+       kThrown, "- O x"},
+      {[](auto& m) { return m.GetSectionOptionList(kNew, &m.comment, &m.names); }, 0,
+       "S(O){x=O(O)} N{}", -5, "-  "},
+      {[](auto& m) { return m.DelOption("s", "X"); }, 0, "S(O){}"},
+      {[](auto& m) { return m.DelOption(kNew, "x"); }, 0, "S(O){x=O(O)} N{}", 0},
+      {[](auto& m) { return m.DelOptionComment("s", "X"); }, 0, "S(O){x=O}"},
+      {[](auto& m) { return m.DelOptionComment(kNew, "x"); }, 0, "S(O){x=O(O)} N{}", 0},
   };
-  std::optional<DMConfig> model;
-  Outputs out;
-  const auto prepare = [&] {
-    model.emplace();
-    model->SetOptionValue("S", "o", kText, kText);
-    model->SetSectionComment("S", kText);
-    out = {};
-  };
-  const std::string before = Long("S(*){o=*(*)}");
-  const std::set<std::string> whole = {before, before + Long(" +{}"), before + Long(" +{+=}"),
-                                       Long("S(*){+= o=*(*)}")};
+  const std::string before = "S(O){x=O(O)}";
+  const std::set<std::string> consistent = {before, before + " N{}", before + " N{N=}"};
   long faults = 0;
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.operation);
-    const Operation operation(Long(c.operation));
-    const auto run = [&] { return operation.Run(&*model, &out); };
+    SCOPED_TRACE("case " + std::to_string(&c - cases));
+    std::optional<TestModel> m;
+    const auto prepare = [&] {
+      m.emplace();
+      m->SetOptionValue("S", "x", kOld, kOld);
+      m->SetSectionComment("S", kOld);
+    };
+    const auto run = [&] { return c.operation(*m); };
     prepare();
     EXPECT_EQ(run(), c.result);
-    EXPECT_EQ(Render(&*model), Long(c.model));
-    out.names.resize(1);
-    EXPECT_EQ(out.value + ' ' + out.comment + ' ' + out.names.front(), Long(c.outputs));
+    EXPECT_EQ(Abbreviate(Render(&*m)), c.model);
+    m->names.resize(1);
+    EXPECT_EQ(Abbreviate(m->value + ' ' + m->comment + ' ' + m->names.front()), c.outputs);
 
-    const auto prepare_empty = [&] {
-      prepare();
-      out.names.clear();  // to fill it allocates
-    };
-    faults += FailEachAllocation(c.operation, prepare_empty, run, [&](int result) {
-      const std::string left = Render(&*model);
-      EXPECT_EQ(whole.count(left), 1U) << left;
-      const bool without_section = operation.section == kName && left == before;
-      EXPECT_EQ(result, !without_section ? kThrown : operation.name.find("Del") == 0 ? 0 : -5);
+    const auto prepare_empty_list = [&] { prepare(), m->names.clear(); };  // to fill it allocates
+    faults += FailEachAllocation(prepare_empty_list, run, [&](int result) {
+      const std::string left = Abbreviate(Render(&*m));
+      EXPECT_EQ(consistent.count(left), 1U) << left;
+      EXPECT_EQ(result, left == before ? c.result_without_section : kThrown);
       // Map and list name the same sections, and all can be used again.
-      EXPECT_EQ(model->HasSection(kName), left.find(kName + '{') == std::string::npos ? -6 : 0);
-      EXPECT_EQ(model->SetOptionValue(kName, kName, "again"), 0);
-      EXPECT_NE(Render(&*model).find(kName + "=again"), std::string::npos);
+      EXPECT_EQ(m->HasSection(kNew), left.find(" N{") == std::string::npos ? -6 : 0);
+      EXPECT_EQ(m->SetOptionValue(kNew, kNew, "again"), 0);
+      EXPECT_NE(Abbreviate(Render(&*m)).find("N=again"), std::string::npos);
     });
   }
   EXPECT_GT(faults, 100);
 }
 
-TEST(DMConfig, TakesAnEmptySectionNameInGetOptionMapOnly) {
-  DMConfig model;
-  ASSERT_NE(model.GetOptionMap(""), nullptr);
-  EXPECT_EQ(model.HasSection(""), -1);
-  EXPECT_EQ(Render(&model), "{}");
-}
-
 TEST(DMConfig, HandsOutRecordsThatStay) {
   DMConfig model;
-  SectionOptionMap* record = model.GetOptionMap("first");
-  for (int i = 0; i < 100; ++i) model.GetOptionMap(std::to_string(i));
+  SectionOptionMap* const record = model.GetOptionMap("first");
+  EXPECT_NE(model.GetOptionMap(""), nullptr);  // the only operation that accepts an empty name
   EXPECT_EQ(model.GetOptionMap("FIRST"), record);
-  record->comment = "c";
-  record->option_map["o"] = OptionValue("v", "d");
-  std::string value, comment;
-  EXPECT_EQ(model.GetOptionValue("first", "o", &value, &comment), 0);
-  EXPECT_EQ(value + comment, "vd");
+  record->option_map["o"] = OptionValue("v", "c");
+  EXPECT_EQ(Render(&model), "first{o=v(c)} {}");
 }
 
 }  // namespace
