@@ -3,29 +3,23 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
-#include <list>
-#include <sstream>
 
 std::string Render(quarry::storage::dmconfig::DMConfig* model) {
   const auto comment = [](const std::string& text) {
-    return text.empty() ? text : "(" + text + ")";
+    return text.empty() ? text : '(' + text + ')';
   };
   std::list<std::string> sections;
   model->GetSectionList(&sections);
   std::string all;
   for (const std::string& section : sections) {
-    const auto* record = model->GetOptionMap(section);
-    std::string options;
-    for (const auto& [name, stored] : record->option_map) {
-      if (!options.empty()) options += ' ';
-      options.append(name).append("=").append(stored.value);
-      options += comment(stored.comment);
+    const auto& record = *model->GetOptionMap(section);
+    all += (all.empty() ? "" : " ") + section + comment(record.comment) + '{';
+    for (const auto& [name, option] : record.option_map) {
+      all += (all.back() == '{' ? "" : " ") + name + '=' + option.value + comment(option.comment);
     }
-    if (!all.empty()) all += ' ';
-    all.append(section).append(comment(record->comment));
-    all.append("{").append(options).append("}");
+    all += '}';
   }
   return all;
 }
@@ -35,14 +29,13 @@ TempFolder::TempFolder() : folder_(testing::TempDir() + "/quarry-XXXXXX") {
   EXPECT_EQ(chmod(folder_.c_str(), 0755), 0);  // some tests change the user
 }
 
-TempFolder::~TempFolder() { EXPECT_EQ(std::system(("rm -rf '" + folder_ + "'").c_str()), 0); }
+TempFolder::~TempFolder() { std::filesystem::remove_all(folder_); }
 
 void TempFolder::Write(const std::string& name, const std::string& text) const {
   std::ofstream(Path(name)) << text;
 }
 
 std::string TempFolder::Read(const std::string& name) const {
-  std::ostringstream text;
-  text << std::ifstream(Path(name)).rdbuf();
-  return text.str();
+  std::ifstream file(Path(name));
+  return {std::istreambuf_iterator<char>(file), {}};
 }

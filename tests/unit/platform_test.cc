@@ -10,11 +10,13 @@
 #include <atomic>
 #include <chrono>
 #include <climits>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
-#include <numeric>
 #include <set>
 #include <thread>
-#include <type_traits>
+#include <tuple>
+#include <vector>
 
 #include "platform/cr_runtime.h"
 #include "platform/local/file_descriptor.h"
@@ -25,285 +27,200 @@
 namespace quarry::platform {
 namespace {
 
-const std::string kKeyLine = "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8\n";
-
-// Made by another implementation of both ciphers, with the key above and the
-// nonce 0x40, 0x41, ...
-const std::string kKnown =
-    "sealed:v1:1J0pvUBBQkNERUZHSElKS0xNTk9QUVJTVFVWV7dWdwK1gw0255v1zcocZZKSuq3E"
-    "E1lTmmox_UUJBCOQFvkCblWShBD_svRMCtra8ZtrfehvhbSctvwI9BOyTFQXgFQ_kvFhMs8Ic3"
-    "cTnFQ4";
+using std::string_literals::operator""s;
 
 class PlatformTest : public testing::Test, protected TempFolder {
  protected:
-  PlatformTest() { Write("auth.key", kKeyLine); }
-  void Write(const std::string& name, const std::string& text, mode_t mode = 0600) {
-    TempFolder::Write(name, text);
-    EXPECT_EQ(chmod(Path(name).c_str(), mode), 0);
+  PlatformTest() {
+    umask(077);  // key files are private
+    Write("auth.key", kKeyFile);
+    EXPECT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
   }
-  // The password, or "RESULT" when there is none; the buffer is untouched then.
-  std::string Open(const std::string& stored, const std::string& key = "auth.key",
+  // The password, or the result as a number when there is none; the buffer is untouched then.
+  std::string Open(const std::string& stored, const std::string& file = "auth.key",
                    std::size_t capacity = 255) {
     std::string out(400, '~');
     const int result =
-        DecryptPasswdWithKey(Path(key).c_str(), stored.c_str(), out.data(), capacity);
-    if (result != 0) {
-      EXPECT_EQ(out, std::string(400, '~'));
-      return "RESULT " + std::to_string(result);
-    }
-    EXPECT_EQ(out.substr(capacity), std::string(400 - capacity, '~'));
-    return out.substr(0, out.find('\0'));
+        DecryptPasswdWithKey(Path(file).c_str(), stored.c_str(), out.data(), capacity);
+    EXPECT_EQ(out.find_first_not_of('~', result == 0 ? capacity : 0), std::string::npos);
+    return result == 0 ? out.substr(0, out.find('\0')) : std::to_string(result);
   }
+
+  SealingKey key;
 };
 
-TEST_F(PlatformTest, SealsAndOpensTheKnownAnswer) {
-  unsigned char nonce[24];
-  std::iota(std::begin(nonce), std::end(nonce), static_cast<unsigned char>(0x40));
-  SealingKey key;
-  ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
-  std::string stored;
-  EXPECT_EQ(SealPasswordWithNonce(key, nonce, "correct horse", &stored), kDecryptDone);
-  EXPECT_EQ(stored, kKnown);
-  EXPECT_EQ(Open(kKnown), "correct horse");
-}
-
 TEST_F(PlatformTest, SealsEveryLengthAndHidesIt) {
-  SealingKey key;
-  ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
   std::set<std::size_t> lengths;
   std::string stored, again;
   for (std::size_t length = 0; length <= kLongestPassword; ++length) {
     const std::string password(length, 'p');
-    ASSERT_EQ(SealPassword(key, password, &stored), kDecryptDone);
+    EXPECT_EQ(SealPassword(key, password, &stored), kDecryptDone);
     EXPECT_EQ(SealPassword(key, password, &again), kDecryptDone);
     EXPECT_NE(stored, again);
     lengths.insert(stored.size());
     EXPECT_EQ(Open(stored), password);
     EXPECT_EQ(Open(stored, "auth.key", length + 1), password);
-    EXPECT_EQ(Open(stored, "auth.key", length), length == 0 ? "RESULT 1" : "RESULT 8");
+    EXPECT_EQ(Open(stored, "auth.key", length), length == 0 ? "1" : "8");
   }
   EXPECT_EQ(lengths, (std::set<std::size_t>{154, 240, 325, 410}));
 }
 
-// Of every length that there is, in every place by every other byte, which a NUL makes
-// a cut.
-TEST_F(PlatformTest, RefusesEveryChangedForm) {
-  SealingKey key;
-  ASSERT_EQ(key.Load(Path("auth.key").c_str()), kDecryptDone);
-  int refused = 0;
-  const auto expect_refused = [&](const std::string& form) {
-    char out[255];
-    ASSERT_NE(OpenPasswordWithKey(key, form.c_str(), out, sizeof out), kDecryptDone) << form;
-    ++refused;
-  };
-  for (const std::size_t size : {63U, 64U, 128U, 254U}) {
-    std::string form;
-    ASSERT_EQ(SealPassword(key, std::string(size, 'p'), &form), kDecryptDone);
-    for (std::size_t at = 0; at < form.size(); ++at) {
-      std::string changed = form;
-      while (++changed[at] != form[at]) expect_refused(changed);
-    }
-    for (const std::string& more : {form, std::string("A"), std::string(4000, 'A')})
-      expect_refused(form + more);
-  }
-  EXPECT_EQ(refused, (154 + 240 + 325 + 410) * 255 + 4 * 3);
-}
-
 TEST_F(PlatformTest, TellsWhyAPasswordDoesNotOpen) {
-  Write("other.key", "quarry-config-key:v1:AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh4\n");
-  std::string damaged = kKnown;
-  damaged[40] = 'B';
-  struct Case {
-    std::string stored, key, outcome;
-  };
-  const Case cases[] = {
-      {"plain", "auth.key", "RESULT 5"},
-      {"sealed:v2:" + kKnown.substr(10), "auth.key", "RESULT 5"},
-      {kKnown, "other.key", "RESULT 6"},
-      {damaged, "auth.key", "RESULT 7"},
-  };
-  for (const Case& c : cases) EXPECT_EQ(Open(c.stored, c.key), c.outcome);
-
+  Write("other.key", std::string(kKeyFile).replace(63, 1, "4"));
+  EXPECT_EQ(Open(kSealed), "correct horse");
+  EXPECT_EQ(Open(kSealed, "missing.key"), "2");
+  EXPECT_EQ(Open("plain", "missing.key"), "5");
+  EXPECT_EQ(Open(kSealed, "other.key"), "6");
+  EXPECT_EQ(Open(kSealed + "A"), "7");
   char out[1];
-  const char* const key = "k";
   EXPECT_EQ(DecryptPasswdWithKey(nullptr, "s", out, 1), 1);
-  EXPECT_EQ(DecryptPasswdWithKey(key, nullptr, out, 1), 1);
-  EXPECT_EQ(DecryptPasswdWithKey(key, "s", nullptr, 1), 1);
-  EXPECT_EQ(DecryptPasswdWithKey(key, "s", out, 0), 1);
+  EXPECT_EQ(DecryptPasswdWithKey("k", nullptr, out, 1), 1);
+  EXPECT_EQ(DecryptPasswdWithKey("k", "s", nullptr, 1), 1);
+  EXPECT_EQ(DecryptPasswdWithKey("k", "s", out, 0), 1);
+  std::string changed = kSealed;
+  for (char& byte : changed) {
+    byte = static_cast<char>(byte ^ 1);
+    const auto at = &byte - changed.data();
+    EXPECT_EQ(Open(changed), at < 10 ? "5" : at < 15 ? "6" : "7") << at;
+    byte = static_cast<char>(byte ^ 1);
+  }
 }
 
-TEST_F(PlatformTest, TakesOnlyKeyFilesThatAreWhole) {
-  const std::string body = kKeyLine.substr(0, kKeyLine.size() - 1);
-  const std::string wrong[] = {
-      "",
-      body,
-      kKeyLine + "\n",
-      body + "A",
-      body.substr(0, body.size() - 1) + "9\n",  // bits that mean nothing
-      "quarry-config-key:v2:" + kKeyLine.substr(21),
-      body.substr(0, 30) + " " + kKeyLine.substr(31),
-      body.substr(0, 30) + "\xFF" + kKeyLine.substr(31),
-      std::string(5000, 'A'),
-  };
-  for (const std::string& text : wrong) {
-    Write("wrong.key", text);
-    EXPECT_EQ(Open(kKnown, "wrong.key"), "RESULT 4") << text;
+TEST_F(PlatformTest, AcceptsOnlyCompleteKeyFiles) {
+  // The "9" has bits that mean nothing.
+  const std::pair<std::size_t, const char*> changes[] = {
+      {64, ""}, {64, "A"}, {64, "\n\n"}, {63, "9"}, {21, " "}, {21, "\xFF"}, {19, "2"}};
+  for (const auto& [at, text] : changes) {
+    Write("wrong.key", std::string(kKeyFile).replace(at, 1, text));
+    EXPECT_EQ(Open(kSealed, "wrong.key"), "4") << at << text;
   }
   ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
-  EXPECT_EQ(Open(kKnown, "pipe"), "RESULT 4");
-  EXPECT_EQ(Open(kKnown, "."), "RESULT 4");
-  EXPECT_EQ(Open(kKnown, "../../../../../../../dev/null"), "RESULT 4");
-  ASSERT_EQ(symlink("auth.key", Path("link").c_str()), 0);
-  EXPECT_EQ(Open(kKnown, "link"), "correct horse");
+  EXPECT_EQ(Open(kSealed, "pipe"), "4");
+  EXPECT_EQ(Open(kSealed, "."), "4");
+  EXPECT_EQ(Open(kSealed, "../../../../../../../dev/null"), "4");
+  std::filesystem::create_symlink("auth.key", Path("link"));
+  EXPECT_EQ(Open(kSealed, "link"), "correct horse");
 }
 
-TEST_F(PlatformTest, TakesOnlyKeyFilesThatArePrivate) {
+TEST_F(PlatformTest, AcceptsOnlyPrivateKeyFiles) {
   constexpr uid_t kRoot = 0, kUser = 4001, kOther = 4002, kMore = 4003;
-  struct Case {
-    uid_t caller, owner, group;
-    mode_t mode;
-    const char* outcome;
+  const std::tuple<uid_t, uid_t, gid_t, std::vector<mode_t>, const char*> cases[] = {
+      // caller, owner, group
+      {kUser, kUser, kUser, {0600, 0400, 0700}, "correct horse"},
+      {kUser, kUser, kUser, {0640, 0620, 0610, 0604, 0602, 0601}, "3"},
+      {kUser, kOther, kUser, {0640}, "3"},
+      {kUser, kOther, kOther, {0604}, "3"},
+      {kUser, kRoot, kUser, {0440}, "correct horse"},  // a mounted secret
+      {kUser, kRoot, kUser, {0460, 0450, 0444}, "3"},
+      {kUser, kRoot, kOther, {0444}, "3"},
+      {kUser, kRoot, kMore, {0440}, "3"},  // a supplementary group of the caller's
+      {kRoot, kOther, kOther, {0600}, "correct horse"},
+      {kRoot, kRoot, kRoot, {0440, 0604}, "3"},
   };
-  const Case cases[] = {
-      {kUser, kUser, kUser, 0600, "correct horse"},
-      {kUser, kUser, kUser, 0400, "correct horse"},
-      {kUser, kUser, kUser, 0700, "correct horse"},
-      {kUser, kUser, kUser, 0640, "RESULT 3"},
-      {kUser, kUser, kUser, 0620, "RESULT 3"},
-      {kUser, kUser, kUser, 0610, "RESULT 3"},
-      {kUser, kUser, kUser, 0604, "RESULT 3"},
-      {kUser, kUser, kUser, 0602, "RESULT 3"},
-      {kUser, kUser, kUser, 0601, "RESULT 3"},
-      {kUser, kOther, kUser, 0640, "RESULT 3"},
-      {kUser, kOther, kOther, 0604, "RESULT 3"},
-      {kUser, kRoot, kUser, 0440, "correct horse"},  // a mounted secret
-      {kUser, kRoot, kUser, 0460, "RESULT 3"},
-      {kUser, kRoot, kUser, 0450, "RESULT 3"},
-      {kUser, kRoot, kUser, 0444, "RESULT 3"},
-      {kUser, kRoot, kOther, 0444, "RESULT 3"},
-      {kUser, kRoot, kRoot, 0600, "RESULT 2"},
-      {kRoot, kOther, kOther, 0600, "correct horse"},
-      {kRoot, kRoot, kRoot, 0440, "RESULT 3"},
-      {kRoot, kRoot, kRoot, 0604, "RESULT 3"},
-      {kUser, kRoot, kMore, 0440, "RESULT 3"},  // by one more group of the caller's
-  };
-  if (geteuid() != kRoot) GTEST_SKIP() << "only root can take these parts";
+  if (geteuid() != kRoot) GTEST_SKIP() << "only root can change the user";
   const gid_t more_groups[] = {kMore};
   ASSERT_EQ(setgroups(1, more_groups), 0);
-  for (const Case& c : cases) {
-    ASSERT_EQ(chown(Path("auth.key").c_str(), c.owner, c.group), 0);
-    ASSERT_EQ(chmod(Path("auth.key").c_str(), c.mode), 0);
-    ASSERT_EQ(setegid(c.caller), 0);
-    ASSERT_EQ(seteuid(c.caller), 0);
-    const std::string outcome = Open(kKnown);
-    ASSERT_EQ(seteuid(kRoot), 0);
-    ASSERT_EQ(setegid(kRoot), 0);
-    EXPECT_EQ(outcome, c.outcome) << c.caller << ' ' << c.owner << ' ' << c.group << ' ' << std::oct
-                                  << c.mode;
+  for (const auto& [caller, owner, group, modes, outcome] : cases) {
+    ASSERT_EQ(chown(Path("auth.key").c_str(), owner, group), 0);
+    ASSERT_EQ(setegid(caller), 0);
+    for (const mode_t mode : modes) {
+      ASSERT_EQ(chmod(Path("auth.key").c_str(), mode), 0);
+      ASSERT_EQ(seteuid(caller), 0);
+      EXPECT_EQ(Open(kSealed), outcome) << caller << owner << group << std::oct << mode;
+      ASSERT_EQ(seteuid(kRoot), 0);
+    }
   }
 }
 
-TEST_F(PlatformTest, CopiesTheRoutingTables) {
-  ASSERT_EQ(mkdir(Path("ledger").c_str(), 0700), 0);
-  ASSERT_EQ(mkdir(Path("out").c_str(), 0700), 0);
-  ASSERT_EQ(mkdir(Path("out/folder").c_str(), 0700), 0);
-  const std::string large(200000, 'r');
-  Write("kept", "kept", 0700);
-  const auto fetch = [this](const std::string& url, const std::string& r, const std::string& c) {
-    return ::storage::utils::LocalMetab().GetRoutingTables(url, "l", "p", -1, "k", Path(r),
-                                                           Path(c));
-  };
-  const std::string url = "file://" + Path("ledger");
-  const auto expect_no_change = [&](cr_status_t status, const std::string& from,
-                                    const std::string& c) {
-    EXPECT_EQ(fetch(from, "out/r", c), status);
-    EXPECT_EQ(Read("out/r"), "old");
-    EXPECT_EQ(
-        std::system(("test \"$(ls -A " + Path("out") + ")\" = \"$(printf 'folder\\nr')\"").c_str()),
-        0);
-  };
-  Write("out/r", "old");
-  expect_no_change(kLedgerUrlUnsupported, "file://", "out/c");
-  expect_no_change(kLedgerFolderUnreadable, "file://" + Path("kept"), "out/c");
-  Write("ledger/r.rt", large);
-  expect_no_change(kLedgerTableMissing, url, "out/c");
-  ASSERT_EQ(mkfifo(Path("ledger/c.rt").c_str(), 0600), 0);
-  expect_no_change(kLedgerTableUnreadable, url, "out/c");
-  ASSERT_EQ(unlink(Path("ledger/c.rt").c_str()), 0);
-  Write("ledger/c.rt", "");
-  expect_no_change(kRoutingTargetIsFolder, url, "out/folder");
-  expect_no_change(kRoutingTargetFailed, url, "missing/c");
+class LocalMetabTest : public PlatformTest {
+ protected:
+  LocalMetabTest() {
+    for (const char* folder : {"full", "pipe", "out", "out/folder"})
+      std::filesystem::create_directory(Path(folder));
+    for (const char* file : {"full/c.rt", "pipe/r.rt", "out/r", "kept"}) Write(file, file);
+    Write("full/r.rt", large);
+    EXPECT_EQ(mkfifo(Path("pipe/c.rt").c_str(), 0600), 0);
+  }
+  cr_status_t Fetch(const std::string& url, const std::string& r, const std::string& c) {
+    return metab.GetRoutingTables(url, "l", "p", -1, "k", Path(r), Path(c));
+  }
+  std::ptrdiff_t CountFiles(const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(Path(folder)), {});
+  }
 
-  ASSERT_EQ(symlink("../kept", Path("out/c").c_str()), 0);
-  const std::string abandoned = "out/.quarry-table-abcdef", used = "out/.quarry-table-ghijkl",
-                    foreign = "out/.quarry-table-mnopqr";
-  for (const std::string& copy : {abandoned, used, foreign}) Write(copy, "");
-  const bool is_foreign =
-      chown(Path(foreign).c_str(), 4001, static_cast<gid_t>(-1)) == 0;  // by root
-  const FileDescriptor user(open(Path(used).c_str(), O_RDONLY));
+  ::storage::utils::LocalMetab metab;
+  const std::string full = "file://" + Path("full"), large = std::string(200000, 'r');
+};
+
+TEST_F(LocalMetabTest, ChangesNothingWhenItFails) {
+  const std::tuple<std::string, const char*, cr_status_t> cases[] = {
+      {"file://", "out/c", kLedgerUrlUnsupported},
+      {"file://" + Path("missing"), "out/c", kLedgerFolderMissing},
+      {"file:///bin/sh", "out/c", kLedgerFolderUnreadable},
+      {"file://" + Path("out"), "out/c", kLedgerTableMissing},
+      {"file://" + Path("pipe"), "out/c", kLedgerTableUnreadable},
+      {full, "out/folder", kRoutingTargetIsFolder},
+      {full, "missing/c", kRoutingTargetFailed},
+  };
+  for (const auto& [url, c_path, status] : cases) {
+    EXPECT_EQ(Fetch(url, "out/r", c_path), status);
+    EXPECT_EQ(Read("out/r"), "out/r") << status;
+    EXPECT_EQ(CountFiles("out"), 2) << status;
+  }
+}
+
+TEST_F(LocalMetabTest, ReplacesTheTablesAndRemovesAbandonedCopies) {
+  umask(0);
+  std::filesystem::create_symlink("../kept", Path("out/c"));
+  std::filesystem::create_symlink("folder", Path("out/link"));
+  const std::string used = Path("out/.quarry-table-ghijkl"),
+                    foreign = Path("out/.quarry-table-mnopqr");
+  for (const char* name : {"abcdef", "ghijkl", "mnopqr"}) Write("out/.quarry-table-"s + name, "");
+  const bool is_foreign = chown(foreign.c_str(), 4001, 4001) == 0;  // by root
+  const FileDescriptor user(open(used.c_str(), O_RDONLY));
   ASSERT_EQ(flock(user.get(), LOCK_EX), 0);
-  EXPECT_EQ(fetch(url, "out/r", "out/c"), 0);
-  EXPECT_NE(access(Path(abandoned).c_str(), F_OK), 0);
-  EXPECT_EQ(access(Path(used).c_str(), F_OK), 0);
-  EXPECT_EQ(access(Path(foreign).c_str(), F_OK) == 0, is_foreign);
-  EXPECT_EQ(Read("out/r"), large);
-  EXPECT_EQ(Read("out/c") + Read("kept"), "kept");  // the link was replaced
+  for (const char* r_path : {"out/r", "out/link"}) {
+    EXPECT_EQ(Fetch(full, r_path, "out/c"), 0);
+    EXPECT_EQ(Read(r_path), large);
+  }
+  EXPECT_EQ(access(used.c_str(), F_OK), 0);
+  EXPECT_EQ(CountFiles("out"), is_foreign ? 6 : 5);
+  EXPECT_EQ(Read("out/c") + Read("kept"), "full/c.rtkept");  // the link was replaced
   struct stat status {};
   ASSERT_EQ(lstat(Path("out/c").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
-  ASSERT_EQ(symlink("folder", Path("out/link").c_str()), 0);
-  EXPECT_EQ(fetch(url, "out/link", "out/c"), 0);
-  EXPECT_EQ(Read("out/link"), large);
 }
 
-TEST_F(PlatformTest, RefusesATableThatIsBeingWritten) {
-  Write("r.rt", std::string(200000, 'r'));
-  Write("c.rt", "");
+TEST_F(LocalMetabTest, RefusesATableThatIsBeingWritten) {
   std::atomic<bool> ended = false;
   std::thread writer([&] {
-    std::ofstream table(Path("r.rt"), std::ios::app);
+    std::ofstream table(Path("full/r.rt"), std::ios::app);
     while (!ended) table << 'r' << std::flush;
   });
   // Some copy meets a write; on a busy machine not the first one.
   const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   cr_status_t status = 0;
-  while (status == 0 && std::chrono::steady_clock::now() < give_up) {
-    status = ::storage::utils::LocalMetab().GetRoutingTables("file://" + Path(""), "l", "p", -1,
-                                                             "k", Path("r"), Path("c"));
-  }
+  while (status == 0 && std::chrono::steady_clock::now() < give_up) status = Fetch(full, "r", "c");
   ended = true;
   writer.join();
   EXPECT_EQ(status, kLedgerTableUnreadable);
 }
 
-static_assert(std::is_nothrow_copy_constructible_v<Cr_ErrnoException> &&
-              std::is_nothrow_copy_assignable_v<Cr_ErrnoException>);
-
 TEST(CrErrnoException, CarriesItsTexts) {
-  struct Case {
-    const char *message, *detail, *what;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
       {"m", "d", "m: d"}, {"m", nullptr, "m"}, {nullptr, "d", "d"}, {nullptr, nullptr, ""}};
-  for (const Case& c : cases) {
+  for (const auto& [message, detail, what] : cases) {
     Cr_ErrnoException copy(0, "", "");
-    {
-      const Cr_ErrnoException original(-7, c.message, c.detail);
-      copy = original;
-    }
+    copy = Cr_ErrnoException(-7, message, detail);
     EXPECT_EQ(copy.status(), -7);
-    EXPECT_STREQ(copy.message(), c.message);
-    EXPECT_STREQ(copy.detail(), c.detail);
-    EXPECT_STREQ(copy.what(), c.what);
+    EXPECT_STREQ(copy.message(), message);
+    EXPECT_STREQ(copy.detail(), detail);
+    EXPECT_STREQ(copy.what(), what);
   }
 }
 
 TEST(CRStatusToStringA, HasATextForEveryNumber) {
-  struct Case {
-    cr_status_t status;
-    const char* words;
-  };
-  const Case cases[] = {
+  const std::pair<cr_status_t, const char*> cases[] = {
       {0, "success"},           {4, "configuration"},
       {9, "no longer"},         {101, "ledger URL"},
       {102, "does not exist"},  {103, "folder cannot"},
@@ -311,10 +228,8 @@ TEST(CRStatusToStringA, HasATextForEveryNumber) {
       {106, "a folder stands"}, {107, "cannot be written"},
       {108, "unknown status"},  {INT_MIN, "unknown status"},
   };
-  for (const Case& c : cases) {
-    EXPECT_NE(std::string(CRStatusToStringA(c.status)).find(c.words), std::string::npos)
-        << c.status;
-  }
+  for (const auto& [status, words] : cases)
+    EXPECT_NE(std::strstr(CRStatusToStringA(status), words), nullptr) << status;
 }
 
 }  // namespace
