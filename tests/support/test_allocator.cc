@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <iostream>
 #include <new>
 #include <utility>
 
@@ -38,6 +39,7 @@ long FailEachAllocation(const std::function<void()>& prepare, const std::functio
       check(result);
     }
   }
+  std::cout << runs << " allocations failed\n";
   return runs;
 }
 

@@ -86,6 +86,24 @@ TEST_F(PlatformTest, TellsWhyAPasswordDoesNotOpen) {
   }
 }
 
+// Of every length, with every byte replaced by every other one; a NUL cuts the form off.
+TEST_F(PlatformTest, RefusesEveryChangedForm) {
+  int accepted = 0, refused = 0;
+  for (const std::size_t size : {63U, 64U, 128U, 254U}) {
+    std::string form;
+    ASSERT_EQ(SealPassword(key, std::string(size, 'p'), &form), kDecryptDone);
+    for (char& byte : form) {
+      for (int i = 0; i < 256; ++i, ++byte) {
+        char out[255];
+        const bool opens = OpenPasswordWithKey(key, form.c_str(), out, sizeof out) == kDecryptDone;
+        ++(opens ? accepted : refused);
+      }
+    }
+  }
+  EXPECT_EQ(refused, (154 + 240 + 325 + 410) * 255);
+  EXPECT_EQ(accepted, 154 + 240 + 325 + 410);  // the unchanged form, once per byte
+}
+
 TEST_F(PlatformTest, AcceptsOnlyCompleteKeyFiles) {
   // The "9" has bits that mean nothing.
   const std::pair<std::size_t, const char*> changes[] = {
