@@ -17,69 +17,39 @@ namespace quarry::tool {
 
 namespace {
 
-// What shells complete where an argument or a value has this placeholder.
-const std::map<std::string, std::string> kKinds = {
-    {"FILE", "files"},       {"A", "files"},        {"B", "files"},
-    {"CHANGES", "files"},    {"OUT", "files"},      {"DIR", "folders"},
-    {"SECTION", "sections"}, {"OPTION", "options"}, {"VALUE", "nothing"}};
-
-struct Word {
-  std::string name;         // of an option; empty for an argument
-  std::string placeholder;  // of an argument, or of an option's value; empty for a flag
-  std::string kind;         // of kKinds, or "words WORD..."
-  std::string help;
-  std::vector<std::string> excludes;  // options that may not be given, too
-  bool required;
-  bool repeated;
-
-  bool is_option() const { return !name.empty(); }
-  bool is_flag() const { return placeholder.empty(); }
-};
-
-// "PLACEHOLDER" or "PLACEHOLDER:{WORD,WORD}".
-void SetPlaceholder(const std::string& type, const std::string& command, Word* word) {
-  const std::size_t choices = type.find(":{");
-  word->placeholder = type.substr(0, choices);
-  if (choices != std::string::npos) {
-    word->kind = "words " + type.substr(choices + 2, type.size() - choices - 3);
-    std::replace(word->kind.begin(), word->kind.end(), ',', ' ');
-    return;
-  }
-  const auto known = kKinds.find(word->placeholder);
-  if (known == kKinds.end()) {
-    throw std::runtime_error("what shall shells complete for " + word->placeholder +
-                             " of the command " + command + "? Add it to kKinds.");
-  }
-  word->kind = known->second;
-}
-
-Word WordFor(const CLI::Option& option, const std::string& command) {
-  Word word = {};
-  word.help = option.get_description();
-  word.required = option.get_required();
-  word.repeated = option.get_allow_extra_args();
-  if (option.get_positional()) {
-    SetPlaceholder(option.get_name(true), command, &word);
-    return word;
-  }
-  word.name = option.get_name();
-  if (option.get_expected_max() > 0) SetPlaceholder(option.get_type_name(), command, &word);
-  for (const CLI::Option* other : option.get_excludes()) word.excludes.push_back(other->get_name());
-  return word;
-}
+bool IsOption(const Word& word) { return !word.name.empty(); }
+bool IsFlag(const Word& word) { return word.placeholder.empty(); }
 
 // The options of a command, then its arguments; without --help.
 std::vector<Word> WordsOf(const Command& command) {
-  CLI::App app;
-  const Action unused = command.declare(&app);
-  std::vector<Word> words, arguments;
-  for (const CLI::Option* option : app.get_options()) {
-    if (option == app.get_help_ptr()) continue;
-    Word word = WordFor(*option, command.name);
-    (word.is_option() ? words : arguments).push_back(word);
-  }
-  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<Word> words = command.declare().words;
+  std::stable_partition(words.begin(), words.end(), IsOption);
   return words;
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+// What the scripts call the kind of a value.
+std::string KindName(const Word& word) {
+  switch (word.kind) {
+    case ValueKind::kFile:
+      return "files";
+    case ValueKind::kFolder:
+      return "folders";
+    case ValueKind::kSection:
+      return "sections";
+    case ValueKind::kOption:
+      return "options";
+    case ValueKind::kChoice:
+      return "words " + Joined(word.choices);
+    case ValueKind::kText:
+      break;
+  }
+  return "nothing";
 }
 
 std::string Escaped(std::string text, const std::string& special) {
@@ -104,7 +74,7 @@ std::string BashOptions() {
   for (const Command& command : Commands()) {
     std::string names;
     for (const Word& word : WordsOf(command)) {
-      if (word.is_option()) names += word.name + ' ';
+      if (IsOption(word)) names += word.name + ' ';
     }
     lines += "    " + std::string(command.name) + ") echo " + names + "--help ;;\n";
   }
@@ -116,11 +86,12 @@ std::string BashKinds() {
   for (const Command& command : Commands()) {
     int number = 0;
     for (const Word& word : WordsOf(command)) {
-      if (word.is_flag()) continue;
-      const std::string place = word.is_option() ? word.name
-                                : word.repeated  ? "[0-9]*"
-                                                 : std::to_string(number++);
-      lines += "    " + std::string(command.name) + ',' + place + ") echo " + word.kind + " ;;\n";
+      if (IsFlag(word)) continue;
+      const std::string place = IsOption(word)  ? word.name
+                                : word.repeated ? "[0-9]*"
+                                                : std::to_string(number++);
+      lines +=
+          "    " + std::string(command.name) + ',' + place + ") echo " + KindName(word) + " ;;\n";
     }
   }
   return lines;
@@ -138,20 +109,20 @@ std::string ZshCommands() {
 }
 
 std::string ZshAction(const Word& word) {
-  if (word.kind.substr(0, 6) == "words ") return '(' + word.kind.substr(6) + ')';
-  return word.kind == "nothing" ? " " : "_quarry_config_" + word.kind;
+  if (word.kind == ValueKind::kChoice) return '(' + Joined(word.choices) + ')';
+  return word.kind == ValueKind::kText ? " " : "_quarry_config_" + KindName(word);
 }
 
 std::string ZshWord(const Word& word, int number) {
   std::string spec;
-  if (word.is_option()) {
-    if (!word.excludes.empty()) spec += '(' + word.excludes.front() + ')';
-    spec += word.name + (word.is_flag() ? "" : word.name.size() > 2 ? "=" : "");
+  if (IsOption(word)) {
+    if (!word.excludes.empty()) spec += '(' + word.excludes + ')';
+    spec += word.name + (IsFlag(word) ? "" : word.name.size() > 2 ? "=" : "");
     spec += '[' + Escaped(word.help, "[]:") + ']';
   } else {
     spec += word.repeated ? "*" : std::to_string(number) + (word.required ? "" : ":");
   }
-  if (!word.is_flag()) spec += ':' + word.placeholder + ':' + ZshAction(word);
+  if (!IsFlag(word)) spec += ':' + word.placeholder + ':' + ZshAction(word);
   for (std::size_t at = 0; (at = spec.find('\'', at)) != std::string::npos; at += 4) {
     spec.replace(at, 1, "'\\''");
   }
@@ -165,7 +136,7 @@ std::string ZshArguments() {
     int number = 1;
     for (const Word& word : WordsOf(command)) {
       lines += ZshWord(word, number);
-      if (!word.is_option()) ++number;
+      if (!IsOption(word)) ++number;
     }
     lines += " ;;\n";
   }
@@ -175,8 +146,8 @@ std::string ZshArguments() {
 // For the man page, in scdoc.
 
 std::string ManWord(const Word& word) {
-  const std::string value = word.is_flag() ? "" : '_' + word.placeholder + '_';
-  if (!word.is_option()) return value + (word.repeated ? "..." : "");
+  const std::string value = IsFlag(word) ? "" : '_' + word.placeholder + '_';
+  if (!IsOption(word)) return value + (word.repeated ? "..." : "");
   return '*' + word.name + '*' + (value.empty() ? "" : ' ' + value);
 }
 
@@ -191,7 +162,7 @@ std::string ManSynopsis(const Command& command) {
 std::string ManOptions(const Command& command) {
   std::string lines;
   for (const Word& word : WordsOf(command)) {
-    if (!word.is_option()) continue;
+    if (!IsOption(word)) continue;
     lines += (lines.empty() ? "\t" : "\n\t") + ManWord(word) + "\n\t\t" + Escaped(word.help, "_*") +
              ".\n";
   }

@@ -247,11 +247,13 @@ ExitStatus RunAgent(const AgentRequest& request) {
 
 }  // namespace
 
-Action DeclareAgent(CLI::App* app) {
+Declaration DeclareAgent() {
   const auto request = std::make_shared<AgentRequest>();
-  app->add_option("FILE", request->file, "The agent's file")->required();
-  app->add_flag("--json", request->json, "Print the settings as JSON");
-  return BindRequest(request, RunAgent);
+  return {{
+              Argument("FILE", ValueKind::kFile, &request->file, "The agent's file"),
+              Flag("--json", &request->json, "Print the settings as JSON"),
+          },
+          BindRequest(request, RunAgent)};
 }
 
 }  // namespace quarry::tool

@@ -83,26 +83,32 @@ ExitStatus RunCheck(const CheckRequest& request) {
   return ExitStatusFor(totals, request.strict);
 }
 
+Word JsonFlag(ReportFormat* format) {
+  Word word;
+  word.name = "--json";
+  word.excludes = "--format";
+  word.help = "The same as --format=json";
+  word.store = [format](const std::string& /*value*/) { *format = ReportFormat::kJson; };
+  return word;
+}
+
 }  // namespace
 
-Action DeclareCheck(CLI::App* app) {
+Declaration DeclareCheck() {
   const auto request = std::make_shared<CheckRequest>();
-  app->add_option("FILE", request->files, "Files to check")->required();
-  app->add_flag("--strict", request->strict, "Let warnings count as errors");
-  CLI::Option* const format = AddChoice<ReportFormat>(app, "--format", &request->format,
-                                                      {{"text", ReportFormat::kText},
-                                                       {"json", ReportFormat::kJson},
-                                                       {"sarif", ReportFormat::kSarif},
-                                                       {"github", ReportFormat::kGithub}},
-                                                      "How findings are shown: text, json, sarif "
-                                                      "or github")
-                                  ->type_name("FORMAT");
-  app->add_flag_callback(
-         "--json", [request] { request->format = ReportFormat::kJson; },
-         "The same as --format=json")
-      ->excludes(format);
-  AddProgram(app, &request->program);
-  return BindRequest(request, RunCheck);
+  return {{
+              RepeatedArgument("FILE", ValueKind::kFile, &request->files, "Files to check"),
+              Flag("--strict", &request->strict, "Let warnings count as errors"),
+              ChoiceOption<ReportFormat>("--format", "FORMAT", &request->format,
+                                         {{"text", ReportFormat::kText},
+                                          {"json", ReportFormat::kJson},
+                                          {"sarif", ReportFormat::kSarif},
+                                          {"github", ReportFormat::kGithub}},
+                                         "How findings are shown: text, json, sarif or github"),
+              JsonFlag(&request->format),
+              ProgramOption(&request->program),
+          },
+          BindRequest(request, RunCheck)};
 }
 
 }  // namespace quarry::tool

@@ -35,11 +35,13 @@ ExitStatus RunClient(const ClientRequest& request) {
 
 }  // namespace
 
-Action DeclareClient(CLI::App* app) {
+Declaration DeclareClient() {
   const auto request = std::make_shared<ClientRequest>();
-  app->add_option("FILE", request->file, "The client's file")->required();
-  app->add_flag("--json", request->json, "Print it as JSON");
-  return BindRequest(request, RunClient);
+  return {{
+              Argument("FILE", ValueKind::kFile, &request->file, "The client's file"),
+              Flag("--json", &request->json, "Print it as JSON"),
+          },
+          BindRequest(request, RunClient)};
 }
 
 }  // namespace quarry::tool

@@ -1,10 +1,11 @@
-// What a command's own file gives to the command line, and what the files share.
+// What a command's own file gives to the command line: the words of the command, and what carries
+// it out. Help, completions and the man page are made from the same words.
 #ifndef QUARRY_TOOLS_COMMANDS_COMMAND_H_
 #define QUARRY_TOOLS_COMMANDS_COMMAND_H_
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,47 +15,80 @@
 
 namespace quarry::tool {
 
-// Carries out a command whose words have been parsed. Throws settings::Error.
+// What a value names; shells complete it.
+enum class ValueKind { kText, kFile, kFolder, kSection, kOption, kChoice };
+
+// An argument or an option.
+struct Word {
+  std::string name;         // of an option, with its dashes; empty for an argument
+  std::string placeholder;  // of an argument, or of an option's value; empty for a flag
+  ValueKind kind = ValueKind::kText;
+  std::string help;
+  bool required = false;
+  bool repeated = false;
+  std::vector<std::string> choices;                     // of kChoice
+  std::string excludes;                                 // an option that may not be given as well
+  std::function<void(const std::string& value)> store;  // called for every value, and for a flag
+};
+
+// Each stores the value in the caller's variable, which must live as long as the word.
+Word Argument(const std::string& placeholder, ValueKind kind, std::string* value,
+              const std::string& help);
+Word OptionalArgument(const std::string& placeholder, ValueKind kind,
+                      std::optional<std::string>* value, const std::string& help);
+Word RepeatedArgument(const std::string& placeholder, ValueKind kind,
+                      std::vector<std::string>* values, const std::string& help);
+Word Flag(const std::string& name, bool* given, const std::string& help);
+Word Option(const std::string& name, const std::string& placeholder, ValueKind kind,
+            std::optional<std::string>* value, const std::string& help);
+
+// An option whose value is one of a few words.
+template <typename Choice>
+Word ChoiceOption(const std::string& name, const std::string& placeholder, Choice* chosen,
+                  const std::vector<std::pair<std::string, Choice>>& choices,
+                  const std::string& help) {
+  Word word;
+  word.name = name;
+  word.placeholder = placeholder;
+  word.kind = ValueKind::kChoice;
+  word.help = help;
+  for (const auto& [text, choice] : choices) word.choices.push_back(text);
+  word.store = [chosen, choices](const std::string& value) {
+    for (const auto& [text, choice] : choices) {
+      if (text == value) *chosen = choice;
+    }
+  };
+  return word;
+}
+
+// Options that several commands have.
+Word ProgramOption(Program* program);
+Word DryRunFlag(bool* dry_run);
+
+// Carries out a command whose words have been stored. Throws settings::Error.
 using Action = std::function<ExitStatus()>;
+
+struct Declaration {
+  std::vector<Word> words;  // in the order in which help shows them
+  Action action;
+};
+
+// The action that calls `run` with the request in which the words are stored.
+template <typename Request>
+Action BindRequest(const std::shared_ptr<Request>& request, ExitStatus (*run)(const Request&)) {
+  return [request, run] { return run(*request); };
+}
 
 // A row of the table of commands.
 struct Command {
   const char* name;
   const char* description;
   bool reads_input;  // "-" means standard input
-  // Declares the command's arguments and options, and returns what carries it out once they are
-  // parsed. Their placeholders (FILE, SECTION, ...) decide what shells complete; see
-  // generate_words.cc.
-  Action (*declare)(CLI::App* app);
+  Declaration (*declare)();
 };
 
 // All commands, in the order in which help shows them.
 const std::vector<Command>& Commands();
-
-// The action that calls `run` with the request that the declaration filled.
-template <typename Request>
-Action BindRequest(const std::shared_ptr<Request>& request, ExitStatus (*run)(const Request&)) {
-  return [request, run] { return run(*request); };
-}
-
-// Adds an option whose value is one of a few words.
-template <typename Choice>
-CLI::Option* AddChoice(CLI::App* app, const std::string& name, Choice* chosen,
-                       const std::vector<std::pair<std::string, Choice>>& choices,
-                       const std::string& help) {
-  std::vector<std::string> words;
-  for (const auto& [word, choice] : choices) words.push_back(word);
-  const auto choose = [chosen, choices](const std::string& given) {
-    for (const auto& [word, choice] : choices) {
-      if (word == given) *chosen = choice;
-    }
-  };
-  return app->add_option_function<std::string>(name, choose, help)->check(CLI::IsMember(words));
-}
-
-// Options that several commands have.
-void AddProgram(CLI::App* app, Program* program);
-void AddDryRun(CLI::App* app, bool* dry_run);
 
 }  // namespace quarry::tool
 

@@ -1,7 +1,7 @@
 // CLI11 parses the words of one command. Only that command is declared: to declare them all takes
 // longer than to read an ordinary file. Where CLI11 2.1 does otherwise than users expect, and has
 // no setting for it, a function here helps out:
-//   SplitEmptyValue        it looks for the value of "--default=" in the next word
+//   SplitEmptyValues       it looks for the value of "--default=" in the next word
 //   ProtectBrackets        it splits a word in brackets where an argument may be repeated
 //   RequireKnownOptions    it reports a missing argument rather than an unknown option
 //   UsageMessage           some of its messages are not meant for users
@@ -78,10 +78,9 @@ std::string OptionNameIn(const std::string& word) {
   return word[1] >= '0' && word[1] <= '9' ? "" : word.substr(0, 2);
 }
 
-bool ExpectsValue(const CLI::Option& option) { return option.get_expected_max() > 0; }
-
 std::string UsageMessage(const CLI::ParseError& error) {
-  const std::string text = error.what();
+  std::string text = error.what();
+  text.erase(std::remove(text.begin(), text.end(), kProtection), text.end());
   if (error.get_name() == "ArgumentMismatch") {
     return text.substr(0, text.find(':')) + " requires a value";
   }
@@ -99,6 +98,8 @@ class CommandLine {
   ExitStatus Run();
 
  private:
+  CLI::Option* Add(const Word& word);
+  static void Store(const Word& word, const CLI::Option& option);
   void RequireKnownOptions() const;
   void SplitEmptyValues();
   void ProtectBrackets();
@@ -106,26 +107,40 @@ class CommandLine {
 
   const std::string name_;  // of program and command
   std::vector<std::string> words_;
+  const Declaration declaration_;
   CLI::App app_;
-  Action action_;
+  std::vector<CLI::Option*> options_;  // of the declared words
 };
 
 CommandLine::CommandLine(const Command& command, std::vector<std::string> words)
     : name_("quarry-config " + std::string(command.name)),
       words_(std::move(words)),
+      declaration_(command.declare()),
       app_(command.description, name_) {
   SetUpHelp(&app_);
   app_.footer((command.reads_input ? kInput : "") + std::string(kStatuses));
-  action_ = command.declare(&app_);
+  for (const Word& word : declaration_.words) options_.push_back(Add(word));
+  for (std::size_t i = 0; i < options_.size(); ++i) {
+    const std::string& excludes = declaration_.words[i].excludes;
+    if (!excludes.empty()) options_[i]->excludes(app_.get_option(excludes));
+  }
+}
+
+CLI::Option* CommandLine::Add(const Word& word) {
+  if (word.placeholder.empty()) return app_.add_flag(word.name, word.help);
+  const bool is_argument = word.name.empty();
+  CLI::Option* const option = app_.add_option(is_argument ? word.placeholder : word.name);
+  option->description(word.help)->required(word.required);
+  if (!is_argument) option->type_name(word.placeholder)->take_last();
+  if (word.repeated) option->expected(1, -1)->allow_extra_args();
+  if (!word.choices.empty()) option->check(CLI::IsMember(word.choices));
+  return option;
 }
 
 ExitStatus CommandLine::Run() {
   RequireKnownOptions();
   SplitEmptyValues();
   ProtectBrackets();
-  for (CLI::Option* const option : app_.get_options()) {
-    if (!option->get_positional() && ExpectsValue(*option)) option->take_last();
-  }
   std::reverse(words_.begin(), words_.end());  // as CLI11 expects them
   try {
     app_.parse(words_);
@@ -135,7 +150,15 @@ ExitStatus CommandLine::Run() {
   } catch (const CLI::ParseError& error) {
     throw ToolError(kExitUsage, UsageMessage(error), UsageHint());
   }
-  return action_();
+  for (std::size_t i = 0; i < options_.size(); ++i) Store(declaration_.words[i], *options_[i]);
+  return declaration_.action();
+}
+
+void CommandLine::Store(const Word& word, const CLI::Option& option) {
+  for (std::string value : option.results()) {
+    if (!value.empty() && value[0] == kProtection) value.erase(0, 1);
+    word.store(value);
+  }
 }
 
 void CommandLine::RequireKnownOptions() const {
@@ -147,10 +170,11 @@ void CommandLine::RequireKnownOptions() const {
       throw ToolError(kExitUsage, "unknown option " + Quoted(name),
                       UsageHint() + "; put \"--\" before a name or value that begins with \"-\"");
     }
-    if (!ExpectsValue(*option) && words_[i] != name) {
+    const bool expects_value = option->get_expected_max() > 0;
+    if (!expects_value && words_[i] != name) {
       throw ToolError(kExitUsage, name + " takes no value", UsageHint());
     }
-    if (ExpectsValue(*option) && words_[i] == name) ++i;
+    if (expects_value && words_[i] == name) ++i;
   }
 }
 
@@ -162,17 +186,10 @@ void CommandLine::SplitEmptyValues() {
   }
 }
 
-// By a byte before a word in brackets, which every option removes from its values.
+// By a byte before a word in brackets, which Store removes.
 void CommandLine::ProtectBrackets() {
   for (std::string& word : words_) {
     if (!word.empty() && (word[0] == '[' || word[0] == kProtection)) word.insert(0, 1, kProtection);
-  }
-  const auto remove = [](std::string& word) {
-    if (!word.empty() && word[0] == kProtection) word.erase(0, 1);
-    return std::string();
-  };
-  for (CLI::Option* const option : app_.get_options()) {
-    if (ExpectsValue(*option)) option->transform(CLI::Validator(remove, ""));
   }
 }
 

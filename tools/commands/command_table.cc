@@ -3,18 +3,18 @@
 namespace quarry::tool {
 
 // Each is defined in the command's own file.
-Action DeclareCheck(CLI::App* app);
-Action DeclareList(CLI::App* app);
-Action DeclareGet(CLI::App* app);
-Action DeclareSet(CLI::App* app);
-Action DeclareUnset(CLI::App* app);
-Action DeclareEdit(CLI::App* app);
-Action DeclareDump(CLI::App* app);
-Action DeclareDiff(CLI::App* app);
-Action DeclareClient(CLI::App* app);
-Action DeclareAgent(CLI::App* app);
-Action DeclareKeygen(CLI::App* app);
-Action DeclareSeal(CLI::App* app);
+Declaration DeclareCheck();
+Declaration DeclareList();
+Declaration DeclareGet();
+Declaration DeclareSet();
+Declaration DeclareUnset();
+Declaration DeclareEdit();
+Declaration DeclareDump();
+Declaration DeclareDiff();
+Declaration DeclareClient();
+Declaration DeclareAgent();
+Declaration DeclareKeygen();
+Declaration DeclareSeal();
 
 const std::vector<Command>& Commands() {
   static const std::vector<Command> kCommands = {
@@ -33,17 +33,6 @@ const std::vector<Command>& Commands() {
       {"seal", "Seal the password on standard input with a key", false, DeclareSeal},
   };
   return kCommands;
-}
-
-void AddProgram(CLI::App* app, Program* program) {
-  AddChoice<Program>(app, "--as", program,
-                     {{"agent", Program::kAgent}, {"client", Program::kClient}},
-                     "Check also what this program needs: agent or client")
-      ->type_name("PROGRAM");
-}
-
-void AddDryRun(CLI::App* app, bool* dry_run) {
-  app->add_flag("--dry-run", *dry_run, "Show the edit as a unified diff, do not make it");
 }
 
 }  // namespace quarry::tool

@@ -142,12 +142,14 @@ ExitStatus RunDiff(const DiffRequest& request) {
 
 }  // namespace
 
-Action DeclareDiff(CLI::App* app) {
+Declaration DeclareDiff() {
   const auto request = std::make_shared<DiffRequest>();
-  app->add_option("A", request->left, "One file")->required();
-  app->add_option("B", request->right, "The other file")->required();
-  app->add_flag("--json", request->json, "Print the differences as JSON");
-  return BindRequest(request, RunDiff);
+  return {{
+              Argument("A", ValueKind::kFile, &request->left, "One file"),
+              Argument("B", ValueKind::kFile, &request->right, "The other file"),
+              Flag("--json", &request->json, "Print the differences as JSON"),
+          },
+          BindRequest(request, RunDiff)};
 }
 
 }  // namespace quarry::tool

@@ -50,12 +50,14 @@ ExitStatus RunDump(const DumpRequest& request) {
 
 }  // namespace
 
-Action DeclareDump(CLI::App* app) {
+Declaration DeclareDump() {
   const auto request = std::make_shared<DumpRequest>();
-  app->add_option("FILE", request->file, "File to read")->required();
-  app->add_flag("--json", request->json, "Print it as JSON");
-  app->add_option("-o", request->output, "Write it to this file")->type_name("OUT");
-  return BindRequest(request, RunDump);
+  return {{
+              Argument("FILE", ValueKind::kFile, &request->file, "File to read"),
+              Flag("--json", &request->json, "Print it as JSON"),
+              Option("-o", "OUT", ValueKind::kFile, &request->output, "Write it to this file"),
+          },
+          BindRequest(request, RunDump)};
 }
 
 }  // namespace quarry::tool

@@ -104,11 +104,13 @@ ExitStatus RunEdit(const EditRequest& request) {
 
 }  // namespace
 
-Action DeclareEdit(CLI::App* app) {
+Declaration DeclareEdit() {
   const auto request = std::make_shared<EditRequest>();
-  app->add_option("FILE", request->file, "File to edit")->required();
-  AddProgram(app, &request->program);
-  return BindRequest(request, RunEdit);
+  return {{
+              Argument("FILE", ValueKind::kFile, &request->file, "File to edit"),
+              ProgramOption(&request->program),
+          },
+          BindRequest(request, RunEdit)};
 }
 
 }  // namespace quarry::tool

@@ -29,14 +29,16 @@ ExitStatus RunGet(const GetRequest& request) {
 
 }  // namespace
 
-Action DeclareGet(CLI::App* app) {
+Declaration DeclareGet() {
   const auto request = std::make_shared<GetRequest>();
-  app->add_option("FILE", request->file, "File to read")->required();
-  app->add_option("SECTION", request->section, "Its section")->required();
-  app->add_option("OPTION", request->option, "Its option")->required();
-  app->add_option("--default", request->default_text, "Show this text when the option is absent")
-      ->type_name("VALUE");
-  return BindRequest(request, RunGet);
+  return {{
+              Argument("FILE", ValueKind::kFile, &request->file, "File to read"),
+              Argument("SECTION", ValueKind::kSection, &request->section, "Its section"),
+              Argument("OPTION", ValueKind::kOption, &request->option, "Its option"),
+              Option("--default", "VALUE", ValueKind::kText, &request->default_text,
+                     "Show this text when the option is absent"),
+          },
+          BindRequest(request, RunGet)};
 }
 
 }  // namespace quarry::tool

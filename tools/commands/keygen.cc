@@ -57,10 +57,13 @@ ExitStatus RunKeygen(const KeygenRequest& request) {
 
 }  // namespace
 
-Action DeclareKeygen(CLI::App* app) {
+Declaration DeclareKeygen() {
   const auto request = std::make_shared<KeygenRequest>();
-  app->add_option("DIR", request->folder, "Folder for the key file auth.key")->required();
-  return BindRequest(request, RunKeygen);
+  return {
+      {
+          Argument("DIR", ValueKind::kFolder, &request->folder, "Folder for the key file auth.key"),
+      },
+      BindRequest(request, RunKeygen)};
 }
 
 }  // namespace quarry::tool

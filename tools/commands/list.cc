@@ -63,13 +63,17 @@ ExitStatus RunList(const ListRequest& request) {
 
 }  // namespace
 
-Action DeclareList(CLI::App* app) {
+Declaration DeclareList() {
   const auto request = std::make_shared<ListRequest>();
-  app->add_option("FILE", request->file, "File to read")->required();
-  app->add_option("SECTION", request->section, "Show this section only");
-  app->add_flag("--origin", request->origin, "Show every option with its value and line");
-  app->add_flag("--json", request->json, "Print sections, options, values and comments as JSON");
-  return BindRequest(request, RunList);
+  return {
+      {
+          Argument("FILE", ValueKind::kFile, &request->file, "File to read"),
+          OptionalArgument("SECTION", ValueKind::kSection, &request->section,
+                           "Show this section only"),
+          Flag("--origin", &request->origin, "Show every option with its value and line"),
+          Flag("--json", &request->json, "Print sections, options, values and comments as JSON"),
+      },
+      BindRequest(request, RunList)};
 }
 
 }  // namespace quarry::tool

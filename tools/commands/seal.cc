@@ -60,10 +60,13 @@ ExitStatus RunSeal(const SealRequest& request) {
 
 }  // namespace
 
-Action DeclareSeal(CLI::App* app) {
+Declaration DeclareSeal() {
   const auto request = std::make_shared<SealRequest>();
-  app->add_option("DIR", request->folder, "Folder with the key file auth.key")->required();
-  return BindRequest(request, RunSeal);
+  return {{
+              Argument("DIR", ValueKind::kFolder, &request->folder,
+                       "Folder with the key file auth.key"),
+          },
+          BindRequest(request, RunSeal)};
 }
 
 }  // namespace quarry::tool

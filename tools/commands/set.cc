@@ -127,17 +127,20 @@ ExitStatus RunSet(const SetRequest& request) {
 
 }  // namespace
 
-Action DeclareSet(CLI::App* app) {
+Declaration DeclareSet() {
   const auto request = std::make_shared<SetRequest>();
-  app->add_option("FILE", request->file, "File to edit")->required();
-  app->add_option("SECTION", request->section, "The section");
-  app->add_option("OPTION", request->option, "Its option");
-  app->add_option("VALUE", request->value, "The option's new value");
-  app->add_option("--from", request->changes, "Set all options of this file, or none")
-      ->type_name("CHANGES");
-  app->add_flag("--create", request->create, "Make a new file when there is none");
-  AddDryRun(app, &request->dry_run);
-  return BindRequest(request, RunSet);
+  return {
+      {
+          Argument("FILE", ValueKind::kFile, &request->file, "File to edit"),
+          OptionalArgument("SECTION", ValueKind::kSection, &request->section, "The section"),
+          OptionalArgument("OPTION", ValueKind::kOption, &request->option, "Its option"),
+          OptionalArgument("VALUE", ValueKind::kText, &request->value, "The option's new value"),
+          Option("--from", "CHANGES", ValueKind::kFile, &request->changes,
+                 "Set all options of this file, or none"),
+          Flag("--create", &request->create, "Make a new file when there is none"),
+          DryRunFlag(&request->dry_run),
+      },
+      BindRequest(request, RunSet)};
 }
 
 }  // namespace quarry::tool

@@ -28,15 +28,17 @@ ExitStatus RunUnset(const UnsetRequest& request) {
 
 }  // namespace
 
-Action DeclareUnset(CLI::App* app) {
+Declaration DeclareUnset() {
   const auto request = std::make_shared<UnsetRequest>();
-  app->add_option("FILE", request->file, "File to edit")->required();
-  app->add_option("SECTION", request->section, "Its section")->required();
-  app->add_option("OPTION", request->option, "The option")->required();
-  app->add_flag("--with-comment", request->with_comment,
-                "Remove also the comment lines directly above it");
-  AddDryRun(app, &request->dry_run);
-  return BindRequest(request, RunUnset);
+  return {{
+              Argument("FILE", ValueKind::kFile, &request->file, "File to edit"),
+              Argument("SECTION", ValueKind::kSection, &request->section, "Its section"),
+              Argument("OPTION", ValueKind::kOption, &request->option, "The option"),
+              Flag("--with-comment", &request->with_comment,
+                   "Remove also the comment lines directly above it"),
+              DryRunFlag(&request->dry_run),
+          },
+          BindRequest(request, RunUnset)};
 }
 
 }  // namespace quarry::tool

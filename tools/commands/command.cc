@@ -1,0 +1,65 @@
+#include "tools/commands/command.h"
+
+namespace quarry::tool {
+
+namespace {
+
+Word ValueWord(const std::string& placeholder, ValueKind kind, const std::string& help) {
+  Word word;
+  word.placeholder = placeholder;
+  word.kind = kind;
+  word.help = help;
+  return word;
+}
+
+}  // namespace
+
+Word Argument(const std::string& placeholder, ValueKind kind, std::string* value,
+              const std::string& help) {
+  Word word = ValueWord(placeholder, kind, help);
+  word.required = true;
+  word.store = [value](const std::string& given) { *value = given; };
+  return word;
+}
+
+Word OptionalArgument(const std::string& placeholder, ValueKind kind,
+                      std::optional<std::string>* value, const std::string& help) {
+  Word word = ValueWord(placeholder, kind, help);
+  word.store = [value](const std::string& given) { *value = given; };
+  return word;
+}
+
+Word RepeatedArgument(const std::string& placeholder, ValueKind kind,
+                      std::vector<std::string>* values, const std::string& help) {
+  Word word = ValueWord(placeholder, kind, help);
+  word.required = true;
+  word.repeated = true;
+  word.store = [values](const std::string& given) { values->push_back(given); };
+  return word;
+}
+
+Word Flag(const std::string& name, bool* given, const std::string& help) {
+  Word word = ValueWord("", ValueKind::kText, help);
+  word.name = name;
+  word.store = [given](const std::string& /*value*/) { *given = true; };
+  return word;
+}
+
+Word Option(const std::string& name, const std::string& placeholder, ValueKind kind,
+            std::optional<std::string>* value, const std::string& help) {
+  Word word = OptionalArgument(placeholder, kind, value, help);
+  word.name = name;
+  return word;
+}
+
+Word ProgramOption(Program* program) {
+  return ChoiceOption<Program>("--as", "PROGRAM", program,
+                               {{"agent", Program::kAgent}, {"client", Program::kClient}},
+                               "Check also what this program needs: agent or client");
+}
+
+Word DryRunFlag(bool* dry_run) {
+  return Flag("--dry-run", dry_run, "Show the edit as a unified diff, do not make it");
+}
+
+}  // namespace quarry::tool
