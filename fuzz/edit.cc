@@ -20,7 +20,7 @@ using settings::Document;
 using settings::Setting;
 
 std::string Set(const std::string& text, const Setting& setting) {
-  settings::RequireReadable(setting);
+  settings::RequireRoundTrip(setting);
   Document document("f", std::string(text));
   return settings::WithSettings(&document, {setting}).text;
 }

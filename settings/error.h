@@ -17,8 +17,7 @@ enum class ErrorKind {
   kFailed,       // the system refused, or another program interfered
 };
 
-// What was not done, and why. The texts hold names as they are, unprintable bytes included; whoever
-// shows them escapes them.
+// A failure. Its strings are not escaped: a name in them may hold any byte.
 struct Error : std::exception {
   Error(ErrorKind error_kind, std::string error_file, std::string error_message,
         std::string error_hint = "", std::size_t error_line = 0);

@@ -15,8 +15,8 @@ namespace quarry::settings {
 
 namespace {
 
-// Room for the file and one byte more, so that the read that meets the end needs no growth. No more
-// than any machine has, for a file that claims to be larger may be sparse, or a mistake.
+// The size of the file and one byte more, so that the read that reaches the end needs no resize.
+// Capped, for a sparse file may report a huge size.
 std::size_t FirstReadSize(int descriptor) {
   constexpr std::size_t kMaxBytes = 64U << 20U;
   struct stat status {};

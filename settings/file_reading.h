@@ -6,7 +6,7 @@
 
 namespace quarry::settings {
 
-// Returns the whole content of the file; a pipe will do. Throws Error.
+// Returns the whole content of the file; pipes are allowed. Throws Error.
 std::string ReadFile(const std::string& file);
 
 // Returns all that is left to read of an open file. Throws Error; `name` is that of the file for

@@ -28,7 +28,7 @@ class FileReplacement {
   struct Options {
     // With a mode the file may be absent, and is created with it.
     std::optional<mode_t> new_mode = std::nullopt;
-    // Takes no lock and needs no right to write; Replace must not be called.
+    // Opens without a lock and without write permission; Replace must not be called.
     bool read_only = false;
     // How long to wait for other edits to end, and what to call once, after a second of waiting.
     std::chrono::milliseconds max_wait = std::chrono::seconds(10);

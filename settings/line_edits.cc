@@ -253,7 +253,7 @@ std::string ApplyEdit(std::string_view text, const TextEdit& edit) {
   return result;
 }
 
-void RequireReadable(const Setting& setting) {
+void RequireRoundTrip(const Setting& setting) {
   RequireSectionName(setting.section);
   RequireOptionName(setting.option);
   RequireValue(setting.value);

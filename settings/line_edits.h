@@ -30,13 +30,14 @@ struct Setting {
   std::string value;
 };
 
-// Throws Error (kRefused), with the reason, when a text with this setting would not give it back to
-// a program that reads it.
-void RequireReadable(const Setting& setting);
+// Throws Error (kRefused), with the reason, when the setting would not read back unchanged from a
+// text that contains it.
+void RequireRoundTrip(const Setting& setting);
 
-// Sets the options of a valid text, each in the line that counts. A new option comes after the last
-// option of its section's last part, a new section at the end of the text. An option that has the
-// value already causes no edit. The settings are readable, and no two set the same option.
+// Sets the options of a valid text, each in the last line that sets it. A new option is added after
+// the last option of the last block of its section, a new section at the end of the text. An option
+// that has the value already causes no edit. The settings round-trip, and no two set the same
+// option.
 TextEdit SetOptions(std::string_view text, const std::vector<Setting>& settings);
 
 // Removes every line of the option from a valid text, on request with the comment lines directly

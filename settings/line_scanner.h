@@ -50,7 +50,7 @@ class LineScanner {
 };
 
 // Where the sections and options of a valid text are: of each section its first header, of each
-// option the line that counts, which is the last one that sets it.
+// option the last line that sets it.
 struct SectionOrigin {
   ScannedLine header;
   std::map<std::string, ScannedLine, storage::dmconfig::StringCaseCmp> options;

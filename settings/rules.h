@@ -36,11 +36,11 @@ inline constexpr Rule kOptionNameEmpty = ErrorRule("option-name-empty", "option 
 // What is valid but probably not meant.
 inline constexpr Rule kBlanksInSectionName =
     WarningRule("blanks-in-section-name", "blanks belong to the section name");
-inline constexpr Rule kSectionAgain = WarningRule(
+inline constexpr Rule kRepeatedSection = WarningRule(
     "section-again",
     "repeated section: its comment above the earlier line is dropped when a program saves "
     "this file");
-inline constexpr Rule kOptionAgain =
+inline constexpr Rule kRepeatedOption =
     WarningRule("option-again", "repeated option: overrides the earlier line");
 inline constexpr Rule kBlankValue =
     WarningRule("blank-value", "blanks are the value of this option");

@@ -7,8 +7,8 @@ namespace quarry::settings {
 ScopedSignalBlock::ScopedSignalBlock() {
   sigset_t blocked;
   sigfillset(&blocked);
-  // Not those of faults, which cannot wait; nor those that stop the process, which may; nor the one
-  // for a file that grows too large, which is ignored instead.
+  // Except synchronous faults, which cannot be deferred, job-control stops, which do no harm, and
+  // SIGXFSZ, which is ignored below.
   for (const int number : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP, SIGABRT, SIGSYS, SIGXFSZ,
                            SIGTSTP, SIGTTIN, SIGTTOU}) {
     sigdelset(&blocked, number);

@@ -79,7 +79,7 @@ class Checker {
   const CheckOptions& options_;
   std::vector<Finding> findings_;
   std::map<std::string, Section, StringCaseCmp> sections_;
-  Section nameless_;  // takes the options under a header without a usable name
+  Section nameless_;  // holds the options after an invalid header
   Section* section_ = &nameless_;
   ScannedLine pending_comment_;  // the first line of it; number 0 when none
   bool warned_of_carriage_return_ = false;
@@ -144,7 +144,7 @@ void Checker::CheckHeaderFault(const ScannedLine& line) {
 void Checker::EnterSection(const ScannedLine& line) {
   section_ = &sections_[std::string(line.header.name)];
   if (section_->comment_line != 0) {
-    Add(rules::kSectionAgain, line, line.header.name,
+    Add(rules::kRepeatedSection, line, line.header.name,
         "repeated section: its comment above line " + std::to_string(section_->header_line) +
             " is dropped when a program saves this file",
         "keep one header for the section, with one comment");
@@ -186,7 +186,7 @@ void Checker::CheckOptionFault(const ScannedLine& line) {
 void Checker::WarnOfRepeatedOption(const ScannedLine& line) {
   std::size_t& last_line = section_->options[std::string(line.option.name)];
   if (last_line != 0) {
-    Add(rules::kOptionAgain, line, line.option.name,
+    Add(rules::kRepeatedOption, line, line.option.name,
         "repeated option: overrides line " + std::to_string(last_line),
         "keep one of the two lines");
   }

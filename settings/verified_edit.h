@@ -27,7 +27,7 @@ struct EditedText {
 // Both change the document's model to the one that the edited text must give, and throw Error
 // (kFailed) when it gives another one, which is a fault of this library.
 
-// The settings must be readable (RequireReadable); no two set the same option.
+// The settings must be readable (RequireRoundTrip); no two set the same option.
 EditedText WithSettings(Document* document, const std::vector<Setting>& settings);
 
 // The option must exist.

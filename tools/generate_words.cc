@@ -194,15 +194,19 @@ std::string BlockFor(const std::string& directive, std::set<std::string>* descri
   if (block != kBlocks.end()) return block->second();
   const auto command_block = kCommandBlocks.find(name);
   if (command_block == kCommandBlocks.end()) throw std::runtime_error("unknown: @" + name + '@');
-  described->insert(command);
+  described->insert(directive);
   return command_block->second(CommandNamed(command));
 }
 
-// A page that describes commands must describe them all.
+// A page that describes commands must describe them all, and all their options.
 void RequireAll(const std::set<std::string>& described) {
+  if (described.empty()) return;
   for (const Command& command : Commands()) {
-    if (described.empty() || described.count(command.name) > 0) continue;
-    throw std::runtime_error("@synopsis " + std::string(command.name) + "@ is missing");
+    for (const auto& [name, block] : kCommandBlocks) {
+      const std::string directive = name + ' ' + command.name;
+      if (block(command).empty() || described.count(directive) > 0) continue;
+      throw std::runtime_error('@' + directive + "@ is missing");
+    }
   }
 }
 

@@ -21,7 +21,7 @@ extern "C" const char* CRStatusToStringA(cr_status_t status) {
       return "r.rt or c.rt in the ledger folder cannot be read, or changed "
              "meanwhile";
     case kRoutingTargetIsFolder:
-      return "a folder stands where a routing table belongs";
+      return "the path of a routing table is a folder";
     case kRoutingTargetFailed:
       return "a routing table cannot be written";
     default:

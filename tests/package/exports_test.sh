@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# exports_test.sh LIBRARY SONAME NAMES: the library exports what stands in the file
+# exports_test.sh LIBRARY SONAME NAMES: the library exports what is in the file
 # NAMES and nothing else, and has the versioned name.
 set -euo pipefail
 if ! diff "$3" <(nm -DC --defined-only "$1" | cut -d' ' -f3- | LC_ALL=C sort); then

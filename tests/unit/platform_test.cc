@@ -239,12 +239,12 @@ TEST(CrErrnoException, CarriesItsTexts) {
 
 TEST(CRStatusToStringA, HasATextForEveryNumber) {
   const std::pair<cr_status_t, const char*> cases[] = {
-      {0, "success"},           {4, "configuration"},
-      {9, "no longer"},         {101, "ledger URL"},
-      {102, "does not exist"},  {103, "folder cannot"},
-      {104, "lacks"},           {105, "changed"},
-      {106, "a folder stands"}, {107, "cannot be written"},
-      {108, "unknown status"},  {INT_MIN, "unknown status"},
+      {0, "success"},          {4, "configuration"},
+      {9, "no longer"},        {101, "ledger URL"},
+      {102, "does not exist"}, {103, "folder cannot"},
+      {104, "lacks"},          {105, "changed"},
+      {106, "is a folder"},    {107, "cannot be written"},
+      {108, "unknown status"}, {INT_MIN, "unknown status"},
   };
   for (const auto& [status, words] : cases)
     EXPECT_NE(std::strstr(CRStatusToStringA(status), words), nullptr) << status;

@@ -20,7 +20,7 @@ const std::string& KeyFolder(Document* document) {
   return ValueOf(AgentSetting::kKeyDir, document);
 }
 
-// The path as a start forms it: up to a NUL, and cut.
+// The path as a start forms it: truncated at the first NUL and at the buffer's end.
 std::string KeyFile(Document* document) {
   constexpr std::size_t kMaxPathBytes = 4094;
   const std::string& folder = KeyFolder(document);
@@ -40,7 +40,8 @@ int TryWith(Decrypt* decrypt, Document* document) {
   return decrypt(KeyFile(document).c_str(), stored.c_str(), out.text(), out.size());
 }
 
-// With our own code. The results of the platform library mean what ours do only where both agree.
+// With our own code. Another platform library may use other result numbers; one is trusted only
+// where our code returns the same.
 int TryOwnPassword(Document* document) {
   return TryWith(
       [](const char* key_file, const char* stored, char* out, std::size_t capacity) -> int {

@@ -106,12 +106,12 @@ void AgentChecker::CheckNumber() {
   errno = 0;
   char* end = nullptr;
   const long number = std::strtol(value.c_str(), &end, 10);
-  const auto taken = static_cast<std::int32_t>(number);
+  const auto parsed = static_cast<std::int32_t>(number);
   const bool whole = !value.empty() && end == value.data() + value.size();
-  if (whole && errno == 0 && taken == number) return;
+  if (whole && errno == 0 && parsed == number) return;
   findings_.push_back(FindingAt(rules::kNumber, line, line.option.value,
                                 (whole ? "number does not fit 32 bits" : "value is not a number") +
-                                    std::string(": an agent reads ") + std::to_string(taken),
+                                    std::string(": an agent reads ") + std::to_string(parsed),
                                 "write a number from -2147483648 to 2147483647"));
 }
 

@@ -8,8 +8,8 @@
 
 namespace quarry::tool {
 
-// What an agent's start would fail at, or would read otherwise than it is written, in a valid text.
-// In no order.
+// Findings about settings of a valid text that an agent's start rejects, or parses differently than
+// they are written. In no order.
 std::vector<settings::Finding> CheckForAgent(const std::string& text, const std::string& file);
 
 }  // namespace quarry::tool

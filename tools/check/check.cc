@@ -17,8 +17,8 @@ namespace {
 
 bool HoldsPassword(std::string_view line) { return FindPassword(line) != std::string_view::npos; }
 
-std::vector<Finding> CheckWhatIsRead(const std::string& text, const std::string& file,
-                                     Program program) {
+std::vector<Finding> CheckForReader(const std::string& text, const std::string& file,
+                                    Program program) {
   switch (program) {
     case Program::kAgent:
       return CheckForAgent(text, file);
@@ -46,7 +46,7 @@ std::vector<Finding> CheckForProgram(const std::string& text, const std::string&
   std::vector<Finding> findings =
       settings::CheckText(text, {file == "-" ? "FILE" : ShellQuotedFile(file), HoldsPassword});
   if (!settings::HasErrors(findings)) {
-    const std::vector<Finding> more = CheckWhatIsRead(text, file, program);
+    const std::vector<Finding> more = CheckForReader(text, file, program);
     findings.insert(findings.end(), more.begin(), more.end());
   }
   for (Finding& finding : findings) {

@@ -9,13 +9,13 @@
 
 namespace quarry::tool {
 
-// The program whose needs are checked, too.
+// The program whose requirements are checked as well.
 enum class Program { kNone, kAgent, kClient };
 
 // Returns the findings about the text and, when none of them is an error, those about what the
-// program reads from it; in order of lines. `file` is its name for hints. Of a password neither
-// text nor length shows in a finding's message, hint, column and length; its line_text is the line
-// as it is (tools/check/finding_text.h).
+// program reads from it; in order of lines. `file` is its name for hints. No field but
+// line_text reveals a password's text or length; RedactedLine (tools/check/finding_text.h) returns
+// the line without it.
 std::vector<settings::Finding> CheckForProgram(const std::string& text, const std::string& file,
                                                Program program);
 

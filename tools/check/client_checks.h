@@ -8,7 +8,7 @@
 
 namespace quarry::tool {
 
-// What a client would read otherwise than it is written, in a valid text.
+// Findings about settings of a valid text that a client parses differently than they are written.
 std::vector<settings::Finding> CheckForClient(const std::string& text);
 
 }  // namespace quarry::tool

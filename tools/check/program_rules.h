@@ -17,8 +17,8 @@ inline constexpr settings::Rule kUnknownSetting =
     settings::WarningRule("unknown-setting", "an agent start does not use this option");
 inline constexpr settings::Rule kNumber =
     settings::WarningRule("numeric-option", "an agent reads another number than is written here");
-inline constexpr settings::Rule kIngestMode =
-    settings::WarningRule("ingest-mode", "value is neither \"on\" nor \"off\": a client reads it as off");
+inline constexpr settings::Rule kIngestMode = settings::WarningRule(
+    "ingest-mode", "value is neither \"on\" nor \"off\": a client reads it as off");
 
 }  // namespace quarry::tool::rules
 

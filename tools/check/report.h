@@ -11,7 +11,8 @@
 
 namespace quarry::tool {
 
-// Is given the files in their order. Some formats write as they go, others at the end.
+// AddFile and AddUnreadable are called in the order of the command line. Some formats write as they
+// go, others at the end.
 class Report {
  public:
   virtual ~Report() = default;

@@ -28,7 +28,6 @@ using ::storage::utils::LocalMetab;
 
 namespace {
 
-// A real start of an agent, against the metabase on a folder.
 struct AgentRequest {
   std::string file;
   bool json = false;
@@ -122,7 +121,7 @@ std::unique_ptr<AgentCfg> StartAgent(const std::string& file) {
 
 struct ShownSetting {
   std::string accessor, value;
-  std::size_t line;  // that sets it in the file; 0 when none does
+  std::size_t line;  // that sets it; 0 when it has its default
 };
 
 std::size_t LineOf(const AgentSettingRow& row, const settings::OriginMap& origins) {

@@ -1,5 +1,6 @@
-// What a command's own file gives to the command line: the words of the command, and what carries
-// it out. Help, completions and the man page are made from the same words.
+// The interface between the command line and the file of each command: the words of the command,
+// and the action that carries it out. Help, completions and the man page are made from the same
+// words.
 #ifndef QUARRY_TOOLS_COMMANDS_COMMAND_H_
 #define QUARRY_TOOLS_COMMANDS_COMMAND_H_
 

@@ -1,10 +1,9 @@
 // CLI11 parses the words of one command. Only that command is declared: to declare them all takes
-// longer than to read an ordinary file. Where CLI11 2.1 does otherwise than users expect, and has
-// no setting for it, a function here helps out:
-//   SplitEmptyValues       it looks for the value of "--default=" in the next word
-//   ProtectBrackets        it splits a word in brackets where an argument may be repeated
-//   RequireKnownOptions    it reports a missing argument rather than an unknown option
-//   UsageMessage           some of its messages are not meant for users
+// longer than to read an ordinary file. Workarounds for CLI11 2.1, which has no settings for these:
+//   SplitEmptyValues       CLI11 looks for the value of "--default=" in the next word
+//   ProtectBrackets        CLI11 splits a word in brackets where an argument may be repeated
+//   RequireKnownOptions    CLI11 reports a missing argument rather than an unknown option
+//   UsageMessage           some messages of CLI11 are not meant for users
 #include "tools/commands/command_line.h"
 
 #include <CLI/CLI.hpp>
@@ -186,7 +185,7 @@ void CommandLine::SplitEmptyValues() {
   }
 }
 
-// By a byte before a word in brackets, which Store removes.
+// Prefixes such words with kProtection, which Store removes.
 void CommandLine::ProtectBrackets() {
   for (std::string& word : words_) {
     if (!word.empty() && (word[0] == '[' || word[0] == kProtection)) word.insert(0, 1, kProtection);

@@ -37,7 +37,7 @@ ExitStatus RunDump(const DumpRequest& request) {
     WriteStandardOutput(DumpOf(request));
     return kExitDone;
   }
-  // A pipe may take its time, so it is read before the output is locked. A file may be the output
+  // Reading a pipe may block, so it is done before the output is locked. A file may be the output
   // itself, so it is read after that.
   std::optional<std::string> text;
   if (request.file == "-") text = DumpOf(request);

@@ -50,10 +50,10 @@ constexpr char kInvalid[] = "the edited text has errors";
 void EditSession::Run() {
   std::string text;
   for (bool valid = false; !valid;) {
-    const bool ended_well = copy_.Edit();
+    const bool succeeded = copy_.Edit();
     text = copy_.Read();
     if (text == file_.text()) copy_.Discard();
-    if (!ended_well) {
+    if (!succeeded) {
       ThrowNotSaved(kExitFailed, "the editor failed", "VISUAL and EDITOR say which one to run");
     }
     if (text == file_.text()) {

@@ -116,7 +116,7 @@ ExitStatus RunSet(const SetRequest& request) {
   const std::vector<Setting> settings = SettingsFor(request);
   const EditedText edited =
       MakeEdit({request.file, request.create, request.dry_run}, [&](const std::string& text) {
-        for (const Setting& setting : settings) settings::RequireReadable(setting);
+        for (const Setting& setting : settings) settings::RequireRoundTrip(setting);
         settings::Document document = OpenDocument(request.file, text);
         return settings::WithSettings(&document, settings);
       });

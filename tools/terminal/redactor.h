@@ -29,7 +29,7 @@ class Redactor {
   std::list<std::string> secrets_;  // in a list, so that their texts are never moved
 };
 
-// After this a crash leaves no image of this process's memory.
+// Disables core dumps of this process.
 void DisableCoreDumps();
 
 }  // namespace quarry::tool

@@ -14,8 +14,8 @@ namespace quarry::tool {
 void ReserveStandardStreams() {
   for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
     if (fcntl(stream, F_GETFD) != -1 || errno != EBADF) continue;
-    // The lowest free number is this one. It is opened the wrong way round, so that reading or
-    // writing it fails as it did while it was closed.
+    // The lowest free number is this one. It is opened with the opposite access mode, so that
+    // reading or writing it fails as it did while it was closed.
     const int opened = open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     if (opened == -1) throw settings::SystemError("open /dev/null", "/dev/null", errno);
   }

@@ -16,7 +16,7 @@ void RequireName(const std::string& name);
 // The name of an input for messages: "<stdin>" for "-", else the name itself.
 std::string InputName(const std::string& file);
 
-// The whole content of the file, or of standard input for "-"; a pipe will do. Throws
+// The whole content of the file, or of standard input for "-"; pipes are allowed. Throws
 // settings::Error.
 std::string ReadInput(const std::string& file);
 

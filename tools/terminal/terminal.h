@@ -6,7 +6,7 @@ namespace quarry::tool {
 
 bool IsStandardOutputTerminal();
 
-// Whether it is a terminal that can rewrite a line, which "dumb" ones cannot.
+// Whether standard error is a terminal that can rewrite a line, which "dumb" ones cannot.
 bool IsStandardErrorTerminal();
 
 // Whether standard error is such a terminal and NO_COLOR is unset or empty.

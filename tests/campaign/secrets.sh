@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # secrets.sh PROGRAM AGENT: runs every command and every failing start with a
-# password that stands nowhere else, under strace, and looks for it in all that is
+# password that occurs nowhere else, under strace, and looks for it in all that is
 # written, in arguments and environments, and in what is left behind; counts its
 # copies in the core of an agent. Needs strace and gdb.
 set -euo pipefail

@@ -14,12 +14,12 @@ if [ "$(id -u)" = 0 ] && [ -z "${MUTANTS_TMP:-}" ]; then
   # shellcheck disable=SC2016 # for the inner shell
   MUTANTS_TMP=own exec unshare -m bash -euc '
     mount --bind "$PWD" /mnt && mount -t tmpfs none /tmp && mkdir -p "$PWD" && mount --move /mnt "$PWD"
-    cd "$PWD" && exec tests/campaigns/mutants.sh "$@"' mutants "$@"
+    cd "$PWD" && exec tests/campaign/mutants.sh "$@"' mutants "$@"
 fi
 copy=$PWD/build-mutants
 rm -rf "$copy"
 mkdir "$copy"
-grep -vE '^(#|$)' tests/campaigns/mutants.txt >"$copy/faults"
+grep -vE '^(#|$)' tests/campaign/mutants.txt >"$copy/faults"
 
 build_and_test() { # prints what noticed, nothing for nothing
   cmake --build "$copy/build" >"$copy/build.log" 2>&1 || {
