@@ -22,13 +22,13 @@ mount -t proc proc "$root/proc"
 cp /etc/resolv.conf "$root/etc/"
 find /etc/apt/apt.conf.d -name '99*' -exec cp {} "$root/etc/apt/apt.conf.d/" \;
 mkdir "$root/tmp/packages"
-cp "$packages"/*.deb "$tests/cli/transcript_test.sh" "$transcript" "$root/tmp/packages"
+cp "$packages"/*.deb "$tests/cli/replay.sh" "$transcript" "$root/tmp/packages"
 names >"$work/before"
 
 say 'install'
 quietly inside bash -c 'apt-get update && apt-get install -y --no-install-recommends /tmp/packages/*_amd64.deb'
 say "$(basename "$transcript")"
-inside bash /tmp/packages/transcript_test.sh "/tmp/packages/$(basename "$transcript")" /usr/bin ${3:+"$3"}
+inside bash /tmp/packages/replay.sh "/tmp/packages/$(basename "$transcript")" /usr/bin ${3:+"$3"}
 say 'purge'
 quietly inside bash -c 'apt-get purge -y --auto-remove "*quarry-*"'
 names >"$work/after"
