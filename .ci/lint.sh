@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
-# lint.sh BUILD: checks the style of all our files, new ones too, and the share of tests. BUILD holds
-# the compile commands of the preset "dev".
+# lint.sh BUILD: checks that the faults of mutants.txt fit the code, the style of all our files, new
+# ones too, and the share of tests. BUILD holds the compile commands of the preset "dev".
 set -euo pipefail
 build=$(realpath "$1")
 cd "$(dirname "$0")/.."
 
 files() { git ls-files --cached --others --exclude-standard -- "$@"; }
 
+echo '== mutants'
+tests/campaigns/mutants.sh --check
 echo '== shellcheck'
 files '*.sh' | xargs shellcheck dev .ci/run "$build/completions/quarry-config.bash"
 echo '== clang-format'

@@ -1,15 +1,40 @@
 #!/usr/bin/env bash
-# mutants.sh [NUMBER...]: seeds the faults of mutants.txt, or those with the given
-# numbers, one at a time in a copy of the tree, and runs the tests. Red when fewer
-# than 95 of 100 are noticed, when an unnoticed one has no reason beside it, and when
-# a fault changes nothing or does not compile.
-#
-# A fault is a line "FILE: SED-EXPRESSION", and behind "  # " the reason why the tests
-# cannot notice it, if they cannot.
+# mutants.sh [NUMBER...]: seeds the faults of mutants.txt, or those with the given numbers, one at a
+# time in a copy of the tree, and runs the tests. Fails when they notice fewer than 95 of 100, when
+# one that they do not notice has no reason, and when one cannot be seeded or does not compile.
+# mutants.sh --check: only checks that each can be seeded.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
-# Tests of agents share places in /tmp: root gives them a /tmp of their own. A tree that
-# lies in /tmp stays in its place.
+
+# Seeds the faults on standard input in the tree, or with --check only checks that each can be.
+seed() { # TREE [--check]
+  perl -we '
+    my ($tree, $check) = @ARGV;
+    sub seed { # returns what to do when it cannot
+      my ($file, $old, $new) = /^(\S+): (\S.*?) =>(?: (\S.*?))?(?:  # .*)?$/ or return "write FILE: OLD => NEW";
+      open my $in, "<", "$tree/$file" or return "there is no $file; name the file that has the code now";
+      my $text = join "", <$in>;
+      my $pattern = join "\\s*", map quotemeta, $old =~ /\w+|[^\w\s]/g; # any white space between
+      my $count = $text =~ s/$pattern/$new \/\/ ""/ge;
+      return sprintf "%s has OLD %d times; make it a text that is there once", $file, $count if $count != 1;
+      return "" if $check;
+      open my $out, ">", "$tree/$file" or die "$file: $!";
+      print $out $text;
+      return "";
+    }
+    my $failed = 0;
+    while (<STDIN>) {
+      my $line = $.;
+      my $remedy = /^(#|$)/ ? "" : seed;
+      $failed = warn "tests/campaign/mutants.txt:$line: $remedy\n" if $remedy;
+    }
+    exit $failed' "$@"
+}
+seed . --check <tests/campaign/mutants.txt
+[ "${1:-}" != --check ] || exit 0
+
+# Tests of agents share places in /tmp: root gives them a /tmp of their own. A tree in /tmp stays
+# in its place.
 if [ "$(id -u)" = 0 ] && [ -z "${MUTANTS_TMP:-}" ]; then
   # shellcheck disable=SC2016 # for the inner shell
   MUTANTS_TMP=own exec unshare -m bash -euc '
@@ -19,42 +44,33 @@ fi
 copy=$PWD/build-mutants
 rm -rf "$copy"
 mkdir "$copy"
-grep -vE '^(#|$)' tests/campaign/mutants.txt >"$copy/faults"
+git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$copy"
+mapfile -t -O 1 faults < <(grep -vE '^(#|$)' "$copy/tests/campaign/mutants.txt")
 
 build_and_test() { # prints what noticed, nothing for nothing
-  cmake --build "$copy/build" >"$copy/build.log" 2>&1 || {
-    echo 'does not compile'
-    return
-  }
+  cmake --build "$copy/build" >"$copy/build.log" 2>&1 || { echo 'does not compile'; return; }
   ctest --test-dir "$copy/build" -E '^install$' -LE campaign -j "$(nproc)" --stop-on-failure --timeout 180 >"$copy/test.log" 2>&1 ||
     sed -n 's/^\t *[0-9]* - \(.*\)/\1/p' "$copy/test.log" | head -1
 }
 
-seed() { # FILE EXPRESSION
-  cp "$copy/$1" "$copy/original"
-  sed -i "$2" "$copy/$1"
-  if cmp -s "$copy/$1" "$copy/original"; then echo 'changes nothing'; else build_and_test; fi
-  # The copy is newer than the changed file for the build to see it.
-  cp "$copy/original" "$copy/$1"
-}
-
-git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$copy"
 cmake -S "$copy" -B "$copy/build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 >/dev/null
 [ -z "$(build_and_test)" ] || {
   echo "mutants: the tests fail without a fault; see $copy" >&2
   exit 1
 }
 total=0 missed=0 unexplained=0 bad=0
-if [ $# = 0 ]; then mapfile -t numbers < <(seq "$(wc -l <"$copy/faults")"); else numbers=("$@"); fi
-for number in "${numbers[@]}"; do
-  [[ $(sed -n "${number}p" "$copy/faults") =~ ^([^:]+):\ (.*)$ ]]
-  file=${BASH_REMATCH[1]} rest=${BASH_REMATCH[2]}
-  result=$(seed "$file" "${rest%%  \# *}")
-  printf '%3d  %-45s %s: %s\n' "$number" "${result:-NOT NOTICED}" "$file" "$rest"
+[ $# -gt 0 ] || set -- "${!faults[@]}"
+for number; do
+  fault=${faults[number]} file=${fault%%: *}
+  cp "$copy/$file" "$copy/original"
+  seed "$copy" <<<"$fault"
+  result=$(build_and_test)
+  cp "$copy/original" "$copy/$file" # newer than the mutant, for the build to see it
+  printf '%3d  %-45s %s\n' "$number" "${result:-NOT NOTICED}" "$fault"
   total=$((total + 1))
   case $result in
-    '') missed=$((missed + 1)); [[ $rest == *'  # '* ]] || unexplained=$((unexplained + 1)) ;;
-    'changes nothing' | 'does not compile') bad=$((bad + 1)) ;;
+    '') missed=$((missed + 1)); [[ $fault == *'  # '* ]] || unexplained=$((unexplained + 1)) ;;
+    'does not compile') bad=$((bad + 1)) ;;
   esac
 done
 printf '%d faults, %d noticed, %d not noticed (%d of them without a reason), %d that are none\n' \
