@@ -44,22 +44,14 @@ bool ComesBack(const Setting& setting) {
   return option != nullptr && option->value == setting.value;
 }
 
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  return lines;
-}
-
-// How many of the old lines did not stay, from both ends towards the edit.
-std::size_t CountTouched(std::vector<std::string> before, std::vector<std::string> after) {
-  while (!before.empty() && !after.empty() && before.back() == after.back())
-    before.pop_back(), after.pop_back();
-  const auto shared = std::min(before.size(), after.size());
-  const auto end = before.begin() + static_cast<std::ptrdiff_t>(shared);
-  return before.size() -
-         static_cast<std::size_t>(std::mismatch(before.begin(), end, after.begin()).first -
-                                  before.begin());
+// The part of the old text that the edit replaced: all but what both texts begin and end with.
+std::string Replaced(const std::string& before, const std::string& after) {
+  const auto [old_begin, new_begin] =
+      std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+  const std::string old_rest(old_begin, before.end()), new_rest(new_begin, after.end());
+  const auto old_end =
+      std::mismatch(old_rest.rbegin(), old_rest.rend(), new_rest.rbegin(), new_rest.rend()).first;
+  return {old_rest.begin(), old_end.base()};
 }
 
 // Comments may change owner when a line between them goes.
@@ -98,15 +90,15 @@ void TrySet(const std::string& text, const Setting& setting, Sections sections) 
     section = &sections.emplace_back(Section{setting.section, found.sections.back().comment, {}});
   }
   Option* const option = Find(&section->options, setting.option);
-  const std::size_t may_differ = option == nullptr || option->value == setting.value ? 0 : 1;
   if (option == nullptr) {
     Add(&section->options, setting);
   } else {
     option->value = setting.value;
   }
   Require(found.sections == sections, "set changes the option and nothing else");
-  Require(CountTouched(Lines(text), Lines(edited)) <= may_differ,
-          "at most the option's line differs");
+  const std::string replaced = Replaced(text, edited);
+  Require(replaced.find('\n') == std::string::npos, "at most the option's line differs");
+  Require(option != nullptr || replaced.empty(), "a new option changes no other line");
   Require((text.empty() || text.back() == '\n') == (edited.back() == '\n'),
           "the end of the text stays as it was");
   Require(Set(edited, setting) == edited, "the same edit again changes nothing");

@@ -7,8 +7,15 @@
 #include "tools/terminal/errors.h"
 #include "tools/terminal/standard_streams.h"
 
+using quarry::tool::DiagnosticsOf;
+using quarry::tool::ExitStatusOf;
+using quarry::tool::kExitFailed;
+using quarry::tool::Message;
+using quarry::tool::ReserveStandardStreams;
+using quarry::tool::RunCommandLine;
+using quarry::tool::WriteDiagnostics;
+
 int main(int argc, char** argv) {
-  using namespace quarry::tool;
   try {
     ReserveStandardStreams();
     return RunCommandLine({argv + 1, argv + argc});

@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
-# faults.sh PROGRAM: makes every system call of an edit, and of the copying of an
-# agent's tables, fail in turn, with every error, and kills the program at each; cuts
-# the power; fills the disk; edits from many processes at once. Demands the old file
-# or the new one, whole, an exit status that tells which, and no other file beside
-# it. Prints how often it did. Needs strace and root.
+# faults.sh PROGRAM: makes every system call of an edit, and of the copying of an agent's tables, fail
+# in turn, with several errors, and kills the program at each; simulates power cuts; fills the disk;
+# edits from many processes at once. Requires the old file or the new one, complete, an exit status
+# that says which, and no other file. Prints how often it did. Needs strace and root.
 set -euo pipefail
 program=$(realpath "$1")
 export LC_ALL=C.UTF-8
@@ -57,8 +56,8 @@ inject() { # NAME N FAULT
   [ "$now" != torn ] || fail "$what"
 }
 
-# A call whose failure changes nothing: one that is made again, the look at a size
-# to read it in one piece, and giving back a file that was only read.
+# A call whose failure changes nothing: one that is repeated, the query of a size, and the closing of
+# a file that was only read.
 is_harmless() { # NAME ERROR LINE
   case $1 in
     read | write | flock) [ "$2" = EINTR ] ;;
@@ -69,7 +68,7 @@ is_harmless() { # NAME ERROR LINE
   esac
 }
 
-# What a run with a fault may come to.
+# The results that a run with a fault may have.
 judge() { # NAME ERROR LINE
   case $now,$status in
     old,3) tally 'failed, old file' ;;
@@ -109,16 +108,16 @@ end_at_each_call() { # NAME N
   [ "$(leftovers)" = 0 ] || fail "$what, and the next edit cleaned nothing"
 }
 
-# What is on the disk before the new file has its name, and before exit.
-demand_order() {
+# The new file is flushed before it is renamed, and its folder before the exit.
+require_order() {
   local order
   order=$(grep -oE '^(write|fsync|renameat2?)\([0-9]+<[^>]*>' trace | sed "s|$PWD/||; s|([0-9]*|(|" | grep -v '^write(<err>' | uniq | tr '\n' ' ')
   [[ $order =~ ^write\(\<here/\.[a-z.]+\.quarry-new\>\ fsync\(\<here/\.[a-z.]+\.quarry-new\>\ renameat2?\(\<here\>\ fsync\(\<here\>\ $ ]] ||
     fail "${command[*]}: the order of writing is $order"
 }
 
-# What is on the disk when the power goes after any call: of the new file what was
-# flushed, or all that was written; of the folder either name until it was flushed.
+# When the power fails after any call, the disk has what was flushed of the new file, or all that was
+# written, and the folder either name until it was flushed.
 cut_power_after_each_call() {
   local line written=0 flushed=0 bytes place=old
   while IFS= read -r line; do
@@ -137,8 +136,7 @@ cut_power_after_each_call() {
   [ $place = new ] || fail "${command[*]}: ends before all is on the disk"
 }
 
-# Runs the command with each of its calls, from the first on that names `begin`,
-# failing.
+# Lets each call of the command fail, from the first one on that names `begin`.
 fail_all_calls() {
   local line name on=0 faulted=0
   local -A seen=()
@@ -161,7 +159,7 @@ sweep() { # OLD TARGET COMMAND...
   strace -qq -y -o trace "$program" "${command[@]}" 2>err || fail "${command[*]} fails"
   view "$target" >new
   [ -s new ] || fail "${command[*]} writes nothing"
-  demand_order
+  require_order
   cut_power_after_each_call
   fail_all_calls
 }

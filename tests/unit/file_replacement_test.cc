@@ -64,7 +64,7 @@ class FileReplacementTest : public testing::Test, protected TempFolder {
   }
   // An edit with something done in the middle of it; the message when it fails.
   std::string Edit(
-      const std::string& name, const std::string& text, Options options = {},
+      const std::string& name, const std::string& text, const Options& options = {},
       const std::function<void()>& meanwhile = [] {}) const {
     try {
       FileReplacement file(Path(name), options);

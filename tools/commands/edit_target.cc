@@ -62,7 +62,7 @@ FileReplacement OpenForEdit(const std::string& file, FileReplacement::Options op
     WriteDiagnostics({Message("waiting for another edit of " + file + " to end")});
   };
   try {
-    return FileReplacement(file, std::move(options));
+    return {file, std::move(options)};
   } catch (settings::Error& error) {
     if (error.hint.empty()) error.hint = HintFor(error.kind);
     throw;

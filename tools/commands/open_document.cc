@@ -58,7 +58,7 @@ Document OpenDocument(const std::string& file) { return OpenDocument(file, ReadI
 
 Document OpenDocument(const std::string& file, std::string text) {
   try {
-    return Document(file, std::move(text));
+    return {file, std::move(text)};
   } catch (const settings::Error& error) {
     if (error.kind != settings::ErrorKind::kInvalidText) throw;
     ThrowErrorsIn(text, file);  // which was not moved from
