@@ -63,8 +63,8 @@ void WarnOfCarriageReturns(const std::string& file, const EditedText& edited,
 }
 
 void WarnOfPlainPassword(const std::vector<Setting>& settings) {
-  const AgentSettingRow& password = RowOf(AgentSetting::kPassword);
-  const auto is_plain = [&](const Setting& setting) {
+  const auto is_plain = [](const Setting& setting) {
+    const AgentSettingRow& password = RowOf(AgentSetting::kPassword);
     return SameName(setting.section, password.section_name()) &&
            SameName(setting.option, password.option_name()) &&
            setting.value.substr(0, platform::kSealedPrefix.size()) != platform::kSealedPrefix;
