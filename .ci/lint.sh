@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 files() { git ls-files --cached --others --exclude-standard -- "$@"; }
 
 echo '== mutants'
-tests/campaigns/mutants.sh --check
+tests/campaign/mutants.sh --check
 echo '== shellcheck'
 files '*.sh' | xargs shellcheck dev .ci/run "$build/completions/quarry-config.bash"
 echo '== clang-format'

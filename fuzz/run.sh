@@ -13,6 +13,6 @@ targets=(corpus/*) seconds=${3:-60}
 for target in "${targets[@]##*/}"; do
   echo "== fuzzing $target for $seconds seconds"
   mkdir -p "$build/corpus/$target"
-  "$build/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=4096 -timeout=10 -dict=text.dict \
+  "$build/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=4096 -timeout=10 \
     -print_final_stats=1 -artifact_prefix="$build/$target-" "$build/corpus/$target" "corpus/$target"
 done

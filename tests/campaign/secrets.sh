@@ -48,25 +48,9 @@ run "$secret" 1 seal keys < <(seal "$(printf '%300s' '')")
 run "$secret" 3 seal missing < <(seal '')
 run "$secret" 1 seal wide < <(seal '')
 
-cat >agent.conf <<END
-[Agent]
-numeric_option = 7
-[Ledger]
-url = file://$work/ledger
-[Metabase]
-url = m
-[Control]
-address = c
-[CR]
-login = me
-password = $(cat sealed)
-[SSL]
-key_dir = $work/keys
-[Log]
-level = notice
-[lynx]
-ingest_mode = on
-END
+printf '%s\n' '[Agent]' 'numeric_option = 7' '[Ledger]' "url = file://$work/ledger" '[Metabase]' 'url = m' \
+  '[Control]' 'address = c' '[CR]' 'login = me' "password = $(cat sealed)" '[SSL]' "key_dir = $work/keys" \
+  '[Log]' 'level = notice' '[lynx]' 'ingest_mode = on' >agent.conf
 for command in check 'check --json' 'check --format=sarif' 'check --format=github' 'check --as agent' 'check --as client' list 'list --json' 'list --origin' \
   dump client agent 'agent --json'; do
   read -ra words <<<"$command"
@@ -93,9 +77,7 @@ fail_start() { # SED-EXPRESSION
   starts=$((starts + 1))
 }
 for setting in 'url = file' 'url = m' address login password key_dir; do fail_start "s|^$setting|x&|"; done
-fail_start "s|^key_dir.*|key_dir = $work/other|"
-fail_start "s|^key_dir.*|key_dir = $work/wide|"
-fail_start "s|^key_dir.*|key_dir = $work/missing|"
+for keys in other wide missing; do fail_start "s|^key_dir.*|key_dir = $work/$keys|"; done
 fail_start 's|^password.*|&A|'
 fail_start 's|^password = ...|&x|'
 fail_start 's|^\[Agent\]|&]|'

@@ -42,19 +42,13 @@ expect() { # SHELL LINE WANTED
 }
 
 cases=( # the line, what it becomes
-  'ch'                                  'check'
-  'k'                                   'keygen'
   'set f.conf --'                       'set f.conf --create --dry-run --from --help'
   'set f'                               'set f.conf folder/'
   'seal '                               'seal folder/'
   'check --as '                         'check --as agent client'
-  'check --format s'                    'check --format sarif'
   'check --format=s'                    'check --format=sarif'
-  'set f.conf '                         'set f.conf Log Volume\ \$\(touch\ harm\) Volume\ a\ b'
   'get --default z -- f.conf l'         'get --default z -- f.conf Log'
-  'get --default=z f.conf l'            'get --default=z f.conf Log'
   'get --default = f.conf l'            'get --default = f.conf Log'
-  'check --as agent f'                  'check --as agent f.conf folder/'
   'list ~/f.conf '                      'list ~/f.conf Other a:b=c'
   'get f.conf LOG l'                    'get f.conf LOG Lines level'
   'unset f.conf Volume\ a\ b '          'unset f.conf Volume\ a\ b size'
@@ -65,7 +59,6 @@ cases=( # the line, what it becomes
   "get f.conf 'volume a"                "get f.conf 'Volume a b'"
   "unset f.conf 'Volume \$(touch harm)' " "unset f.conf 'Volume \$(touch harm)' x"
   "get f.conf '' "                      "get f.conf ''"
-  'get absent '                         'get absent'
   'get $(touch harm) l'                 'get $(touch harm) l'
   'get "`touch harm`" l'                'get "`touch harm`" l'
 )

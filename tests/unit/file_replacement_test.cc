@@ -81,23 +81,14 @@ class FileReplacementTest : public testing::Test, protected TempFolder {
   }
 };
 
-// An access control list with these permissions for all, and for user 1234, too.
-std::string Acl(char owner, char user, char group, char mask, char others) {
-  const auto entry = [](char tag, char permissions, const std::string& id) {
-    return std::string{tag, 0, permissions, 0} + id;
-  };
-  const std::string nobody = "\xFF\xFF\xFF\xFF", user_1234 = "\xD2\4\0\0"s;
-  return "\2\0\0\0"s + entry(1, owner, nobody) + entry(2, user, user_1234) +
-         entry(4, group, nobody) + entry(0x10, mask, nobody) + entry(0x20, others, nobody);
-}
-
 TEST_F(FileReplacementTest, KeepsWhatTheFileIs) {
   Write("f", "old");
   std::filesystem::create_directory(Path("links"));
   symlink("../f", Path("links/l").c_str());
   Write(".f.quarry-new", "left by a killed edit");
-  // Not every file system has these.
-  const std::string acl = Acl(6, 4, 0, 4, 0);
+  // Not every file system has these. The list gives user 1234 access.
+  const std::string acl =
+      "\2\0\0\0\1\0\6\0\xFF\xFF\xFF\xFF\2\0\4\0\xD2\4\0\0\4\0\0\0\xFF\xFF\xFF\xFF\x10\0\4\0\xFF\xFF\xFF\xFF\x20\0\0\0\xFF\xFF\xFF\xFF"s;
   setxattr(Path("f").c_str(), "user.origin", "hall B", 6, 0);
   setxattr(Path("f").c_str(), "system.posix_acl_access", acl.data(), acl.size(), 0);
   if (geteuid() == 0) {
@@ -118,7 +109,9 @@ TEST_F(FileReplacementTest, KeepsWhatTheFileIs) {
 TEST_F(FileReplacementTest, AddsNoAccess) {
   Write("f", "old");
   chmod(Path("f").c_str(), 0600);
-  const std::string before = Describe("f"), acl = Acl(7, 7, 7, 7, 7);
+  const std::string before = Describe("f");
+  const std::string acl =
+      "\2\0\0\0\1\0\7\0\xFF\xFF\xFF\xFF\2\0\7\0\xD2\4\0\0\4\0\7\0\xFF\xFF\xFF\xFF\x10\0\7\0\xFF\xFF\xFF\xFF\x20\0\7\0\xFF\xFF\xFF\xFF"s;
   if (setxattr(Path("").c_str(), "system.posix_acl_default", acl.data(), acl.size(), 0) != 0) {
     GTEST_SKIP() << "this file system has no access control lists";
   }
