@@ -24,6 +24,13 @@ std::string Render(quarry::storage::dmconfig::DMConfig* model) {
   return all;
 }
 
+std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
+  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
 TempFolder::TempFolder() : folder_(testing::TempDir() + "/quarry-XXXXXX") {
   EXPECT_NE(mkdtemp(folder_.data()), nullptr);
   EXPECT_EQ(chmod(folder_.c_str(), 0755), 0);  // some tests change the user

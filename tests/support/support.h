@@ -20,6 +20,9 @@ inline const std::string kSealed =
 // "Server(\n; x){path=/a threads=8(\n#y)} client{}". Changes nothing.
 std::string Render(quarry::storage::dmconfig::DMConfig* model);
 
+// The text with every `from` replaced by `to`.
+std::string ReplaceAll(std::string text, const std::string& from, const std::string& to);
+
 // A new folder for a test, removed with all its files at the end.
 class TempFolder {
  public:

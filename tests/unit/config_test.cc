@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <regex>
 #include <set>
 
 #include "tests/support/support.h"
@@ -18,7 +17,7 @@ const std::string kNew = kLongText + ", and longer than the old one";
 
 // Writes kOld as "O" and kNew as "N".
 std::string Abbreviate(const std::string& text) {
-  return std::regex_replace(std::regex_replace(text, std::regex(kNew), "N"), std::regex(kOld), "O");
+  return ReplaceAll(ReplaceAll(text, kNew, "N"), kOld, "O");
 }
 
 // A model and what its operations write to.

@@ -3,6 +3,7 @@
 #include "settings/line_edits.h"
 #include "settings/unified_diff.h"
 #include "settings/verified_edit.h"
+#include "tests/support/support.h"
 
 namespace quarry::settings {
 namespace {
@@ -149,12 +150,8 @@ TEST(UnifiedDiff, ShowsWhatPatchTakes) {
       {"1\n2\n", {{1, 1, {"a"}}, {2, 1, {"b"}}}, "@@ -1,2 +1,2 @@\n-1\n-2\n+a\n+b\n"},
   };
   for (const Case& c : cases) {
-    std::string diff = UnifiedDiff("f", c.text, c.edit);
-    const std::string no_end = "\\ No newline at end of file\n";  // "\\" in the rows
-    for (std::size_t at; (at = diff.find(no_end)) != std::string::npos;) {
-      diff.replace(at, no_end.size(), "\\\n");
-    }
-    EXPECT_EQ(diff, "--- f\n+++ f\n" + c.hunks);
+    const std::string hunks = ReplaceAll(c.hunks, "\\\n", "\\ No newline at end of file\n");
+    EXPECT_EQ(UnifiedDiff("f", c.text, c.edit), "--- f\n+++ f\n" + hunks);
   }
 }
 

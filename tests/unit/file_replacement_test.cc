@@ -72,11 +72,7 @@ class FileReplacementTest : public testing::Test, protected TempFolder {
       file.Replace(text);
       return "";
     } catch (const Error& error) {
-      std::string message = error.message;
-      for (std::size_t at; (at = message.find(Path(""))) != std::string::npos;) {
-        message.erase(at, Path("").size());
-      }
-      return message;
+      return ReplaceAll(error.message, Path(""), "");
     }
   }
 };

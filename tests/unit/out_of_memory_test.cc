@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <set>
 
 #include "config/client_config.h"
@@ -15,9 +14,8 @@ namespace quarry::storage::dmconfig {
 namespace {
 
 TEST(OutOfMemory, StopsTheReaderBetweenLines) {
-  const std::regex letter("T"), long_text(kLongText);  // "T" is written for the text
-  const std::string text =
-      std::regex_replace("\n#T\n[S]\n#T\no=T\n[T]\nT=1\nT=T\n", letter, kLongText);
+  // "T" means the long text.
+  const std::string text = ReplaceAll("\n#T\n[S]\n#T\no=T\n[T]\nT=1\nT=T\n", "T", kLongText);
   const std::string option = "S(\n#T){o=T(\n#T)}";
   const std::set<std::string> models = {"",     "S{}",           "S(\n#T){}",
                                         option, option + " T{}", option + " T{T=1}"};
@@ -33,7 +31,7 @@ TEST(OutOfMemory, StopsTheReaderBetweenLines) {
     };
     const auto check = [&](int result) {
       EXPECT_TRUE(result == kThrown || result == -5 || (chunk == 1 && result == -4)) << result;
-      const std::string left = std::regex_replace(Render(&model), long_text, "T");
+      const std::string left = ReplaceAll(Render(&model), kLongText, "T");
       EXPECT_EQ(models.count(left), 1U) << left;
     };
     const auto failed = FailEachAllocation([&] { model.Reset(); }, load, check);
