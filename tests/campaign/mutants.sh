@@ -42,8 +42,7 @@ if [ "$(id -u)" = 0 ] && [ -z "${MUTANTS_TMP:-}" ]; then
     cd "$PWD" && exec tests/campaign/mutants.sh "$@"' mutants "$@"
 fi
 copy=$PWD/build-mutants
-rm -rf "$copy"
-mkdir "$copy"
+rm -rf "$copy" && mkdir "$copy"
 git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$copy"
 mapfile -t -O 1 faults < <(grep -vE '^(#|$)' "$copy/tests/campaign/mutants.txt")
 

@@ -67,6 +67,7 @@ TEST(DMConfig, OperatesOnWhatIsThereAndCreatesWhatIsMissing) {
       {[](auto& m) { return m.GetSectionComment(kNew, &m.comment); }, 0, "S(O){x=O(O)} N{}", -5,
        "-  -"},
       {[](auto& m) { return m.SetSectionComment("s", kNew); }, 0, "S(N){x=O(O)}"},
+      {[](auto& m) { return m.SetSectionComment("s", ""); }, 0, "S{x=O(O)}"},
       {[](auto& m) { return m.SetSectionComment(kNew, kNew); }, 0, "S(O){x=O(O)} N(N){}", -5},
       {[](auto& m) { return m.DelSectionComment("s"); }, 0, "S{x=O(O)}"},
       {[](auto& m) { return m.DelSectionComment(kNew); }, 0, "S(O){x=O(O)} N{}", 0},
