@@ -13,18 +13,18 @@
 namespace quarry::settings {
 
 bool LockTimer::Wait() {
-  using std::chrono::microseconds;
+  using Clock = std::chrono::steady_clock;
   constexpr std::chrono::seconds kNotice(1);
-  const Clock::time_point now = Clock::now();
-  if (start_ == Clock::time_point()) start_ = now;
-  const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(now - start_);
-  if (waited >= limit_) return false;
-  if (waited >= kNotice && on_wait_) std::exchange(on_wait_, nullptr)();
+  if (waited_ >= limit_) return false;
+  if (waited_ >= kNotice && on_wait_) std::exchange(on_wait_, nullptr)();
   // The longer an edit has waited, the more often it tries, so that later ones do not keep it out:
   // every 8 ms at first, every 0.7 ms after a second. The moments differ from those of others.
-  const auto interval = std::max<std::int64_t>(800'000 / (waited.count() + 100), 100);
-  const auto jitter = now.time_since_epoch().count() % interval - interval / 2;
-  std::this_thread::sleep_for(microseconds(interval + jitter));
+  const Clock::time_point begin = Clock::now();
+  const auto waited_ms = std::chrono::duration_cast<std::chrono::milliseconds>(waited_).count();
+  const auto interval = std::max<std::int64_t>(800'000 / (waited_ms + 100), 100);
+  const auto jitter = begin.time_since_epoch().count() % interval - interval / 2;
+  std::this_thread::sleep_for(std::chrono::microseconds(interval + jitter));
+  waited_ += Clock::now() - begin;
   return true;
 }
 

@@ -16,16 +16,13 @@ class LockTimer {
   LockTimer(std::chrono::milliseconds limit, std::function<void()> on_wait)
       : limit_(limit), on_wait_(std::move(on_wait)) {}
 
-  // Sleeps until it is time to try again; false once the limit is reached. The first call starts
-  // the clock.
+  // Sleeps until it is time to try again; false once the sleeps together have reached the limit.
   bool Wait();
 
  private:
-  using Clock = std::chrono::steady_clock;
-
   const std::chrono::milliseconds limit_;
   std::function<void()> on_wait_;
-  Clock::time_point start_{};
+  std::chrono::nanoseconds waited_{};
 };
 
 // Locks the open file (flock) against other edits until it is closed, however this process ends.
