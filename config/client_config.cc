@@ -1,6 +1,7 @@
 #include "config/client_config.h"
 
-#include <sstream>
+#include <istream>
+#include <streambuf>
 
 #include "dmconfig/config_file.h"
 #include "dmconfig/status.h"
@@ -21,6 +22,15 @@ const std::string CFG_LYNX_INGEST_MODE_ON("on");
 [[maybe_unused]] const std::string CFG_LYNX_INGEST_MODE_OFF("off");
 // NOLINTEND(cert-err58-cpp)
 
+// Reads the caller's text where it is.
+class TextBuffer : public std::streambuf {
+ public:
+  explicit TextBuffer(const std::string& text) {
+    char* const begin = const_cast<char*>(text.data());  // setg requires it; never written to
+    setg(begin, begin, begin + text.size());
+  }
+};
+
 }  // namespace
 
 int ClientCfg::SetCfg(const std::string& text) {
@@ -31,8 +41,10 @@ int ClientCfg::SetCfg(const std::string& text) {
 
 // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 int ClientCfg::ParseCfg(const std::string& text, DMConfig* model) {
-  std::stringstream stream;
-  stream << text;
+  TextBuffer buffer(text);
+  std::istream stream(&buffer);
+  // Without this, std::getline would turn std::bad_alloc into a stream that fails.
+  stream.exceptions(std::ios_base::badbit);
   return DMConfigFile("", "").LoadConfig(&stream, model);
 }
 

@@ -39,23 +39,32 @@ TEST(OutOfMemory, StopsTheReaderBetweenLines) {
   }
 }
 
-TEST(OutOfMemory, LeavesASavedModelAndTheClientsModeAsTheyWere) {
+TEST(OutOfMemory, LeavesASavedModelAsItWas) {
   DMConfig model;
   model.SetOptionValue(kLongText, kLongText, kLongText, kLongText);
   const std::string before = Render(&model);
-  ::storage::config::ClientCfg cfg;
-  const auto save_and_set = [&] {
+  const auto save = [&] {
     std::ostringstream out;
-    const int status = DMConfigFile("", "").DumpConfig(&out, &model);
-    return status != 0 ? status : cfg.SetCfg(out.str() + "[lynx]\ningest_mode=on\n");
+    return DMConfigFile("", "").DumpConfig(&out, &model);
   };
   const auto check = [&](int result) {
     EXPECT_NE(result, 0);
     EXPECT_EQ(Render(&model), before);
+  };
+  EXPECT_GT(FailEachAllocation([] {}, save, check), 0);
+}
+
+TEST(OutOfMemory, ReachesTheCallerOfAClientsConfiguration) {
+  const std::string text =
+      ReplaceAll("#T\n[T]\n#T\nT=T\n[lynx]\ningest_mode=on\nT=T", "T", kLongText);
+  ::storage::config::ClientCfg cfg;
+  const CerrCapture cerr;
+  const auto check = [&](int result) {
+    EXPECT_TRUE(result == kThrown || result == -5) << result;
+    EXPECT_EQ(cerr.text(), "");
     EXPECT_FALSE(cfg.ingest_mode_on_);
   };
-  const auto failed = FailEachAllocation([&] { cfg = {}; }, save_and_set, check);
-  EXPECT_GT(failed, 0);
+  EXPECT_GT(FailEachAllocation([&] { cfg = {}; }, [&] { return cfg.SetCfg(text); }, check), 0);
 }
 
 }  // namespace
