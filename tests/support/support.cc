@@ -1,10 +1,28 @@
 #include "tests/support/support.h"
 
 #include <gtest/gtest.h>
+#include <immintrin.h>
+#include <pthread.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
+
+namespace {
+
+// Not on the heap or on a thread's own stack, which the thread's end would change.
+alignas(64) std::array<char, 1U << 20U> stack;
+alignas(64) std::array<char, 16384> registers;
+
+__attribute__((target("xsave"))) void* RunAndSaveRegisters(void* work) {
+  (*static_cast<const std::function<void()>*>(work))();
+  _xsave64(registers.data(), 0xff);
+  return nullptr;
+}
+
+}  // namespace
 
 std::string Render(quarry::storage::dmconfig::DMConfig* model) {
   const auto comment = [](const std::string& text) {
@@ -29,6 +47,18 @@ std::string ReplaceAll(std::string text, const std::string& from, const std::str
     text.replace(at, from.size(), to);
   }
   return text;
+}
+
+Remains RemainsOf(const std::function<void()>& work) {
+  stack.fill('\0');
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstack(&attributes, stack.data(), stack.size());
+  pthread_t thread = 0;
+  std::function<void()> copy = work;
+  EXPECT_EQ(pthread_create(&thread, &attributes, RunAndSaveRegisters, &copy), 0);
+  pthread_join(thread, nullptr);
+  return {{stack.data(), stack.size()}, {registers.data(), registers.size()}};
 }
 
 TempFolder::TempFolder() : folder_(testing::TempDir() + "/quarry-XXXXXX") {

@@ -2,6 +2,7 @@
 #ifndef QUARRY_TESTS_SUPPORT_SUPPORT_H_
 #define QUARRY_TESTS_SUPPORT_SUPPORT_H_
 
+#include <functional>
 #include <string>
 
 #include "dmconfig/config.h"
@@ -22,6 +23,16 @@ std::string Render(quarry::storage::dmconfig::DMConfig* model);
 
 // The text with every `from` replaced by `to`.
 std::string ReplaceAll(std::string text, const std::string& from, const std::string& to);
+
+// What a function left on the stack, where later calls may have overwritten the beginnings of
+// texts, and in the registers right after its end.
+struct Remains {
+  std::string stack;
+  std::string registers;
+};
+
+// Runs `work` in a new thread. For one thread at a time.
+Remains RemainsOf(const std::function<void()>& work);
 
 // A new folder for a test, removed with all its files at the end.
 class TempFolder {

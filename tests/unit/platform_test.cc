@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <climits>
@@ -87,6 +88,26 @@ TEST_F(PlatformTest, TellsWhyAPasswordDoesNotOpen) {
 }
 
 // Of every length, with every byte replaced by every other one; a NUL cuts the form off.
+TEST_F(PlatformTest, LeavesNoSecretOnTheStackOrInRegisters) {
+  const std::string path = Path("auth.key");
+  std::array<char, 300> out{};
+  const Remains remains =
+      RemainsOf([&] { DecryptPasswdWithKey(path.c_str(), kSealed.c_str(), out.data(), 255); });
+  EXPECT_EQ(out.data(), "correct horse"s);
+  const std::string left = remains.stack + remains.registers;
+  // Of the cipher's subkey each pair of words, in order and as copies of one; of the key likewise.
+  const std::string subkey =
+      "\x00\x1b\x38\xf1\xbc\x65\x4a\x04\x70\xf0\x17\x20\x49\x10\x3e\xcc"
+      "\xb6\x7d\x8b\xb1\x6b\x11\xd2\xa4\x68\xdb\x66\xa2\xdd\x53\xd4\x7d"s;
+  const std::string secrets = subkey + std::string(reinterpret_cast<const char*>(key.bytes()), 32);
+  for (std::size_t at = 0; at + 8 <= secrets.size(); at += 4) {
+    const std::string word = secrets.substr(at, 4);
+    EXPECT_EQ(left.find(word + word), std::string::npos) << at;
+    EXPECT_EQ(left.find(secrets.substr(at, 8)), std::string::npos) << at;
+  }
+  EXPECT_EQ(left.find("correct horse"), std::string::npos);
+}
+
 TEST_F(PlatformTest, RefusesEveryChangedForm) {
   int accepted = 0, refused = 0;
   for (const std::size_t size : {63U, 64U, 128U, 254U}) {
