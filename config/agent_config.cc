@@ -26,29 +26,6 @@ constexpr std::size_t kPasswordCapacity = 255;  // passed to the decryption; cou
 constexpr std::int32_t kDefaultNumericOption = 10102;
 constexpr std::int32_t kAllBitsSet = -1;
 
-// Clears a string and overwrites its whole capacity, including the bytes past its end.
-void Wipe(std::string* text) {
-  text->resize(text->capacity());
-  explicit_bzero(text->data(), text->size());
-  text->clear();
-}
-
-// Wipes a string at the end of the scope unless Keep was called.
-class StringWiper {
- public:
-  explicit StringWiper(std::string* text) : text_(text) {}
-  ~StringWiper() {
-    if (text_ != nullptr) Wipe(text_);
-  }
-  StringWiper(const StringWiper&) = delete;
-  StringWiper& operator=(const StringWiper&) = delete;
-
-  void Keep() { text_ = nullptr; }
-
- private:
-  std::string* text_;
-};
-
 // A buffer for the plain password; the destructor wipes it.
 struct PasswordBuffer {
   // Leaves `text` uninitialized: the decryption fills it.
@@ -68,19 +45,45 @@ std::string UpToNul(const std::string& value) { return value.substr(0, value.fin
 
 }  // namespace
 
+AgentCfg::Password::~Password() { Wipe(); }
+
+// A short text is inside the std::string and remains there after a move.
+AgentCfg::Password::Password(Password&& other) noexcept : text(std::move(other.text)) {
+  other.Wipe();
+}
+
+AgentCfg::Password& AgentCfg::Password::operator=(Password&& other) noexcept {
+  Wipe();
+  text = std::move(other.text);
+  other.Wipe();
+  return *this;
+}
+
+// Overwrites the whole capacity, including the bytes past the end.
+void AgentCfg::Password::Wipe() {
+  text.resize(text.capacity());
+  explicit_bzero(text.data(), text.size());
+  text.clear();
+}
+
 AgentCfg::AgentCfg(std::weak_ptr<LibMetabInterface> lib_metab,
                    const boost::filesystem::path& config_path)
     : config_path_(config_path), lib_metab_(std::move(lib_metab)) {
-  // The destructor does not run when construction fails.
-  StringWiper password_wiper(&cr_password_);
   DMConfig config;
   LoadConfigOrDie(&config);
   GetConfigValuesOrDie(&config);
   GetRoutingTablesOrDie();
-  password_wiper.Keep();
 }
 
-AgentCfg::~AgentCfg() { Wipe(&cr_password_); }
+AgentCfg::~AgentCfg() = default;
+AgentCfg::AgentCfg(const AgentCfg& other) = default;
+AgentCfg::AgentCfg(AgentCfg&& other) noexcept = default;
+AgentCfg& AgentCfg::operator=(AgentCfg&& other) noexcept = default;
+
+AgentCfg& AgentCfg::operator=(const AgentCfg& other) {
+  AgentCfg copy(other);
+  return *this = std::move(copy);
+}
 
 void AgentCfg::LoadConfigOrDie(DMConfig* config) {
   DMConfigFile file(config_path_.native(), "");
@@ -96,7 +99,7 @@ void AgentCfg::GetConfigValuesOrDie(DMConfig* config) {
       case AgentSetting::kLogin:
         return &cr_login_;
       case AgentSetting::kPassword:
-        return &cr_password_;
+        return &cr_password_.text;
       case AgentSetting::kKeyDir:
         return &ssl_key_dir_;
       case AgentSetting::kLedgerUrl:
@@ -138,11 +141,12 @@ void AgentCfg::DecryptPasswordOrDie() {
   (void)std::snprintf(key_file, kPathBytes - 1, "%s%c%s", ssl_key_dir_.c_str(), '/', "auth.key");
 
   PasswordBuffer password;
-  if (DecryptPasswdWithKey(key_file, cr_password_.c_str(), password.text, kPasswordCapacity) != 0) {
+  if (DecryptPasswdWithKey(key_file, cr_password_.text.c_str(), password.text, kPasswordCapacity) !=
+      0) {
     Die("Unable to decrypt password from config file");
   }
-  Wipe(&cr_password_);  // before the assignment, which may reallocate
-  cr_password_ = password.text;
+  cr_password_.Wipe();  // before the assignment, which may reallocate
+  cr_password_.text = password.text;
 }
 
 void AgentCfg::GetRoutingTablesOrDie() {
@@ -152,11 +156,10 @@ void AgentCfg::GetRoutingTablesOrDie() {
   (void)std::snprintf(r_path, sizeof r_path, "%s", "/tmp/r.rt");
   (void)std::snprintf(c_path, sizeof c_path, "%s", "/tmp/c.rt");
 
-  std::string password = UpToNul(cr_password_);
-  const StringWiper password_wiper(&password);
+  // The decrypted password contains no NUL.
   const cr_status_t status =
-      metab->GetRoutingTables(UpToNul(ledger_url_), UpToNul(cr_login_), password, kAllBitsSet,
-                              UpToNul(ssl_key_dir_), r_path, c_path);
+      metab->GetRoutingTables(UpToNul(ledger_url_), UpToNul(cr_login_), cr_password_.text,
+                              kAllBitsSet, UpToNul(ssl_key_dir_), r_path, c_path);
   if (status != 0) {
     throw Cr_ErrnoException(status, "Unable to get the routing tables from ledgerd",
                             CRStatusToStringA(status));

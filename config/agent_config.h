@@ -39,15 +39,26 @@
 // written its message to std::cerr before (dmconfig/config_file.h). std::bad_alloc and whatever the
 // metabase service library throws pass through. Nothing is caught.
 //
-// Secrets: the plain password is wiped from the object's memory when the object is destroyed or its
-// construction fails, and from every buffer that construction used; so is the stored form when the
-// password replaces it. What cannot be wiped are copies made elsewhere: by the caller from
-// cr_password(), by the metabase service library from its argument, by the platform library while
-// it decrypts; and what the system saves of the processor's registers, as at a signal or when a
-// function is bound at its first call (LD_BIND_NOW=1 prevents the latter). No message contains the
-// password in either form.
+// An AgentCfg is a value: it may be copied, moved, returned, and replaced by another one, as when
+// an agent reloads its file:
 //
-// Threads: construct on one thread; afterwards any number may read. Separate objects share nothing.
+//   cfg = storage::config::AgentCfg(lib_metab, path);  // when it throws, cfg is unchanged
+//
+// Secrets: the plain password is wiped from an object's memory when the object is destroyed, moved
+// from, assigned to, or its construction fails, and from every buffer that these operations used;
+// so is the stored form when the password replaces it. What cannot be wiped are copies made
+// elsewhere: by the caller from cr_password(), by the metabase service library from its argument,
+// by the platform library while it decrypts; and what the system saves of the processor's
+// registers, as at a signal or when a function is bound at its first call (LD_BIND_NOW=1 prevents
+// the latter).
+//
+// No exception contains the password in either form. The reader's message on std::cerr can: it
+// quotes the line that it refuses when that line precedes every header, begins with "=" or has text
+// after a header's "]", whatever the line holds. Where others can read a program's standard error,
+// check the file before the start: "quarry-config check" masks what it recognises as a password.
+//
+// Threads: one thread may construct, assign to or move from an object; while nobody does, any
+// number may read and copy it. Separate objects share nothing.
 #ifndef QUARRY_CONFIG_AGENT_CONFIG_H_
 #define QUARRY_CONFIG_AGENT_CONFIG_H_
 
@@ -72,16 +83,23 @@ class QUARRY_EXPORT AgentCfg {
   AgentCfg(std::weak_ptr<utils::LibMetabInterface> lib_metab,
            const boost::filesystem::path& config_path);
   ~AgentCfg();
-  // Not copied, so that the password stays in one place.
-  AgentCfg(const AgentCfg&) = delete;
-  AgentCfg& operator=(const AgentCfg&) = delete;
+
+  // Each copy has a password of its own, in memory of its own. std::bad_alloc passes through; the
+  // object assigned to is unchanged then.
+  AgentCfg(const AgentCfg& other);
+  AgentCfg& operator=(const AgentCfg& other);
+
+  // Leave no password in `other`, whose other values are unspecified; it may be assigned to and
+  // destroyed.
+  AgentCfg(AgentCfg&& other) noexcept;
+  AgentCfg& operator=(AgentCfg&& other) noexcept;
 
   // `[Ledger] url`.
   const std::string& ledger_url() const { return ledger_url_; }
   // `[CR] login`.
   const std::string& cr_login() const { return cr_login_; }
   // `[CR] password`, in plain text.
-  const std::string& cr_password() const { return cr_password_; }
+  const std::string& cr_password() const { return cr_password_.text; }
   // `[SSL] key_dir`.
   const std::string& ssl_key_dir() const { return ssl_key_dir_; }
   // The path of the first routing table, which the metabase service library has written:
@@ -102,6 +120,20 @@ class QUARRY_EXPORT AgentCfg {
   std::int32_t numeric_option() const { return numeric_option_; }
 
  private:
+  // A string whose memory is wiped whenever its text goes away.
+  struct Password {
+    Password() = default;
+    ~Password();
+    Password(const Password&) = default;
+    Password& operator=(const Password&) = delete;
+    Password(Password&& other) noexcept;
+    Password& operator=(Password&& other) noexcept;
+
+    void Wipe();
+
+    std::string text;
+  };
+
   // Each completes or throws; called once, in this order.
   void LoadConfigOrDie(quarry::storage::dmconfig::DMConfig* config);
   void GetConfigValuesOrDie(quarry::storage::dmconfig::DMConfig* config);
@@ -112,7 +144,7 @@ class QUARRY_EXPORT AgentCfg {
 
   std::string ledger_url_;
   std::string cr_login_;
-  std::string cr_password_;  // the stored form until it is decrypted
+  Password cr_password_;  // the stored form until it is decrypted
   std::string ssl_key_dir_;
   std::string routing_table_r_path_;
   std::string routing_table_c_path_;

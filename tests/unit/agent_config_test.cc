@@ -4,7 +4,6 @@
 #include "config/agent_config.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <cstring>
@@ -156,48 +155,70 @@ TEST_F(AgentCfgTest, LocksItsHandleLastAndOnlyForTheRequest) {
   EXPECT_EQ(metab.use_count(), 1);
 }
 
-// Runs `work` in a new thread; returns how many copies of the secret's end were in memory that it
-// freed, and whether one was on its stack afterwards, where later calls may overwrite the
-// beginning.
-long SecretsLeftBy(const std::string& whole, std::function<void()> work) {
-  const std::string secret = whole.substr(whole.size() - std::min<std::size_t>(whole.size(), 16));
-  static std::vector<char> stack(1U << 20U);
-  std::fill(stack.begin(), stack.end(), '\0');
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstack(&attributes, stack.data(), stack.size());
-  const auto run = [](void* argument) -> void* {
-    (*static_cast<std::function<void()>*>(argument))();
-    return nullptr;
-  };
+// The copies of the secret's end in memory that `work` freed, and one if it left any elsewhere.
+long SecretsLeftBy(const std::string& whole, const std::function<void()>& work) {
+  const std::string secret =
+      whole.substr(whole.size() - std::min<std::size_t>(whole.size() - 1, 16));
   WatchFreedMemory(secret);
-  pthread_t thread = 0;
-  EXPECT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-  pthread_join(thread, nullptr);
-  const bool on_stack = memmem(stack.data(), stack.size(), secret.data(), secret.size()) != nullptr;
-  return WatchFreedMemory("") + (on_stack ? 1 : 0);
+  // The registers do not count: the search of freed memory leaves the secret there.
+  const Remains remains = RemainsOf(work);
+  return WatchFreedMemory("") + (remains.stack.find(secret) == std::string::npos ? 0 : 1);
 }
 
 TEST_F(AgentCfgTest, LeavesThePasswordInNoMemory) {
   metab->during = [] {};
   Write("f", kComplete);
   const std::string path = Path("f");
-  // The first password only binds all functions, which saves registers on the stack.
+  const std::function<void(AgentCfg)> uses[] = {
+      [](const AgentCfg&) {},
+      [](AgentCfg cfg) { const AgentCfg moved(std::move(cfg)); },
+      [](const AgentCfg& cfg) {
+        AgentCfg copy(cfg);
+        copy = cfg;
+      },
+      [](AgentCfg cfg) {
+        AgentCfg copy(cfg);
+        cfg = std::move(copy);
+      },
+  };
   const std::string long_one = std::string(200, 'p') + "the end of a long password";
+  // The first password only binds all functions, which saves registers on the stack.
   for (const std::string& password : {"binding"s, "short-one"s, long_one}) {
     for (const cr_status_t status : {0, 107}) {
-      decryption.plain = password;
-      metab->status = status;
-      // Nothing else runs on the stack, which would overwrite what is left there.
-      const long left = SecretsLeftBy(password, [&] {
-        try {
-          const AgentCfg cfg(metab, path);
-        } catch (const Cr_ErrnoException&) {
-        }
-      });
-      EXPECT_TRUE(left == 0 || password == "binding") << password << status;
+      for (const auto& use : uses) {
+        decryption.plain = password;
+        metab->status = status;
+        // Nothing else runs on the stack, which would overwrite what is left there.
+        const long left = SecretsLeftBy(password, [&] {
+          try {
+            use(AgentCfg(metab, path));
+          } catch (const Cr_ErrnoException&) {
+          }
+        });
+        // Not by SCOPED_TRACE, which would leave the password on the heap.
+        EXPECT_TRUE(left == 0 || password == "binding")
+            << password << ' ' << status << ' ' << &use - uses;
+      }
     }
   }
+}
+
+TEST_F(AgentCfgTest, MovesThePasswordOutOfTheObject) {
+  Write("f", kComplete);
+  decryption.plain = "short-one";  // inside the std::string, where a move overwrites its first byte
+  const auto holds_password = [](const AgentCfg* cfg) {
+    return memmem(cfg, sizeof *cfg, "hort-one", 8) != nullptr;
+  };
+  AgentCfg first(metab, Path("f"));
+  AgentCfg second(std::move(first));
+  EXPECT_FALSE(holds_password(&first));  // NOLINT(bugprone-use-after-move)
+  EXPECT_EQ(second.cr_password() + second.ctrl_address(), "short-oneC");
+  first = std::move(second);
+  EXPECT_FALSE(holds_password(&second));  // NOLINT(bugprone-use-after-move)
+  second = first;
+  EXPECT_EQ(second.cr_password() + first.cr_password(), "short-oneshort-one");
+  second = *&second;
+  EXPECT_EQ(second.cr_password() + second.ctrl_address(), "short-oneC");
 }
 
 TEST_F(AgentCfgTest, IsCompleteOrAbsentWithoutMemory) {
