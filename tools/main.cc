@@ -5,6 +5,7 @@
 
 #include "tools/commands/command_line.h"
 #include "tools/terminal/errors.h"
+#include "tools/terminal/random_source.h"
 #include "tools/terminal/standard_streams.h"
 
 using quarry::tool::DiagnosticsOf;
@@ -13,11 +14,13 @@ using quarry::tool::kExitFailed;
 using quarry::tool::Message;
 using quarry::tool::ReserveStandardStreams;
 using quarry::tool::RunCommandLine;
+using quarry::tool::SetRandomSource;
 using quarry::tool::WriteDiagnostics;
 
 int main(int argc, char** argv) {
   try {
     ReserveStandardStreams();
+    SetRandomSource();
     return RunCommandLine({argv + 1, argv + argc});
   } catch (const quarry::settings::Error& error) {
     WriteDiagnostics(DiagnosticsOf(error));

@@ -10,7 +10,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
 
-calls='getcwd|readlink|lstat|stat|newfstatat|fstat|openat|lseek|flock|read|write|unlinkat|fchown|flistxattr|fgetxattr|fsetxattr|fremovexattr|fchmod|fsync|close|renameat|renameat2'
+calls='getcwd|readlink|lstat|stat|newfstatat|fstat|openat|lseek|flock|read|write|unlinkat|fchown|flistxattr|fgetxattr|fsetxattr|fremovexattr|fchmod|fsync|close|renameat|renameat2|getrandom'
 fail() {
   printf 'faults: %s\n' "$*" >&2
   [ ! -e err ] || cat err >&2
@@ -60,7 +60,7 @@ inject() { # NAME N FAULT
 # a file that was only read.
 is_harmless() { # NAME ERROR LINE
   case $1 in
-    read | write | flock) [ "$2" = EINTR ] ;;
+    read | write | flock | getrandom) [ "$2" = EINTR ] ;;
     fgetxattr) [[ $3 == *quarry-new* ]] ;; # to compare; it is set then
     newfstatat | fstat) [[ $3 != *quarry-new* ]] ;;
     close) [ "$2" = EINTR ] || [[ $3 != *quarry-new* ]] ;;

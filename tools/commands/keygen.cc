@@ -38,6 +38,11 @@ void RequirePrivateFolder(const std::string& folder) {
 ExitStatus RunKeygen(const KeygenRequest& request) {
   DisableCoreDumps();
   RequirePrivateFolder(request.folder);
+  // Before the file, which would be left behind where the system has no random bytes.
+  platform::SealingKey key;
+  platform::SecretBytes text(platform::kKeyFileBytes + 1);
+  if (text.data() == nullptr || key.Randomise() != kDecryptDone) throw std::bad_alloc();
+  EncodeKey(key, &text);
   const std::string name = KeyFileIn(request.folder);
   settings::FileReplacement::Options options;
   options.new_mode = settings::kPrivateMode;
@@ -46,10 +51,6 @@ ExitStatus RunKeygen(const KeygenRequest& request) {
     throw ToolError(kExitFailed, "there is a key already: " + name,
                     "passwords may be sealed with it; make the new one in another folder");
   }
-  platform::SealingKey key;
-  platform::SecretBytes text(platform::kKeyFileBytes + 1);
-  if (text.data() == nullptr || key.Randomise() != kDecryptDone) throw std::bad_alloc();
-  EncodeKey(key, &text);
   file.Replace({text.text(), platform::kKeyFileBytes});
   WriteDiagnostics({Message("the key is in " + name + "; only its owner can read it")});
   return kExitDone;
