@@ -153,8 +153,8 @@ void AgentCfg::GetRoutingTablesOrDie() {
   const std::shared_ptr<LibMetabInterface> metab = LibMetabInterface::LockPointer(lib_metab_);
   char r_path[kPathBytes];
   char c_path[kPathBytes];
-  (void)std::snprintf(r_path, sizeof r_path, "%s", "/tmp/r.rt");
-  (void)std::snprintf(c_path, sizeof c_path, "%s", "/tmp/c.rt");
+  (void)std::snprintf(r_path, sizeof r_path, "%s", kRoutingTableRPath);
+  (void)std::snprintf(c_path, sizeof c_path, "%s", kRoutingTableCPath);
 
   // The decrypted password contains no NUL.
   const cr_status_t status =

@@ -1,5 +1,6 @@
-// The table of the agent's settings: their order, their names, and what a start does without them.
-// Not installed; AgentCfg and the quarry-config program share it.
+// The table of the agent's settings: their order, their names, and what a start does without them;
+// and the paths of the routing tables. Not installed; AgentCfg and the quarry-config program share
+// it.
 #ifndef QUARRY_CONFIG_AGENT_SETTINGS_H_
 #define QUARRY_CONFIG_AGENT_SETTINGS_H_
 
@@ -8,6 +9,10 @@
 #include "platform/config_names.h"
 
 namespace storage::config {
+
+// Where a start has the two routing tables put.
+inline constexpr char kRoutingTableRPath[] = "/tmp/r.rt";
+inline constexpr char kRoutingTableCPath[] = "/tmp/c.rt";
 
 // In the order in which a start looks for them.
 enum class AgentSetting {

@@ -166,7 +166,7 @@ sweep() { # OLD TARGET COMMAND...
 
 # The copying of both tables by an agent's start. They have fixed places.
 sweep_tables() {
-  local command=(agent agent.conf) status now what begin=ledger
+  local command=(agent --place-tables agent.conf) status now what begin=ledger
   local calls="$calls|access|getdents64|unlink|rename"
   prepare() {
     rm -f /tmp/.quarry-table-*

@@ -52,7 +52,7 @@ printf '%s\n' '[Agent]' 'numeric_option = 7' '[Ledger]' "url = file://$work/ledg
   '[Control]' 'address = c' '[CR]' 'login = me' "password = $(cat sealed)" '[SSL]' "key_dir = $work/keys" \
   '[Log]' 'level = notice' '[lynx]' 'ingest_mode = on' >agent.conf
 for command in check 'check --json' 'check --format=sarif' 'check --format=github' 'check --as agent' 'check --as client' list 'list --json' 'list --origin' \
-  dump client agent 'agent --json'; do
+  dump client agent 'agent --json' 'agent --place-tables'; do
   read -ra words <<<"$command"
   run "$secret" 0 "${words[@]}" agent.conf
 done

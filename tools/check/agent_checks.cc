@@ -14,6 +14,7 @@
 #include "settings/suggestions.h"
 #include "tools/check/agent_advice.h"
 #include "tools/check/program_rules.h"
+#include "tools/check/routing_targets.h"
 
 namespace quarry::tool {
 
@@ -23,6 +24,14 @@ using settings::Quoted;
 using settings::ScannedLine;
 
 namespace {
+
+Finding FindingWithoutLine(const settings::Rule& rule, const Advice& advice) {
+  Finding finding;
+  finding.rule = &rule;
+  finding.message = advice.message;
+  finding.hint = advice.hint;
+  return finding;
+}
 
 class AgentChecker {
  public:
@@ -37,6 +46,7 @@ class AgentChecker {
   void CheckUnknownOptions(const std::string& section);
   void CheckNumber();
   void CheckPassword();
+  void CheckRoutingTables();
   void AddPassword(const Advice& advice);
   void AddKeyFile(const Advice& advice);
 
@@ -55,6 +65,7 @@ std::vector<Finding> AgentChecker::Check() {
     if (sections.insert(row.section_name()).second) CheckUnknownOptions(row.section_name());
   }
   CheckNumber();
+  CheckRoutingTables();
   if (Has(AgentSetting::kPassword) && Has(AgentSetting::kKeyDir)) CheckPassword();
   return std::move(findings_);
 }
@@ -69,11 +80,7 @@ void AgentChecker::CheckPresence(AgentSetting setting) {
   const Advice advice = AdviceForAbsent(setting, &document_);
   const auto section = origins_.find(RowOf(setting).section_name());
   if (section == origins_.end()) {
-    Finding finding;
-    finding.rule = &rules::kSettingAbsent;
-    finding.message = advice.message;
-    finding.hint = advice.hint;
-    findings_.push_back(finding);
+    findings_.push_back(FindingWithoutLine(rules::kSettingAbsent, advice));
     return;
   }
   const ScannedLine& header = section->second.header;
@@ -127,6 +134,12 @@ void AgentChecker::CheckPassword() {
   const DecryptResult key = TryKey(&document_);
   if (result == kDecryptNotSealed && key != kDecryptDone) {
     AddKeyFile(AdviceForResult(key, &document_));
+  }
+}
+
+void AgentChecker::CheckRoutingTables() {
+  for (const Advice& advice : AdviceForRoutingTargets()) {
+    findings_.push_back(FindingWithoutLine(rules::kRoutingTable, advice));
   }
 }
 

@@ -13,6 +13,8 @@ inline constexpr settings::Rule kPassword =
     settings::ErrorRule("stored-password", "an agent cannot open its stored password");
 inline constexpr settings::Rule kKeyFile =
     settings::ErrorRule("key-file", "an agent cannot use its key file");
+inline constexpr settings::Rule kRoutingTable =
+    settings::ErrorRule("routing-table", "an agent cannot replace a routing table");
 inline constexpr settings::Rule kUnknownSetting =
     settings::WarningRule("unknown-setting", "an agent start does not use this option");
 inline constexpr settings::Rule kNumber =

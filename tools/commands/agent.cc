@@ -1,10 +1,9 @@
 // quarry-config agent
 
-#include <sodium.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <memory>
+#include <optional>
 
 #include "config/agent_config.h"
 #include "platform/cr_runtime.h"
@@ -12,8 +11,11 @@
 #include "settings/line_scanner.h"
 #include "settings/signal_block.h"
 #include "tools/check/agent_advice.h"
+#include "tools/check/ownership.h"
+#include "tools/check/routing_targets.h"
 #include "tools/commands/command.h"
 #include "tools/commands/open_document.h"
+#include "tools/commands/trial_metab.h"
 #include "tools/terminal/cerr_silencer.h"
 #include "tools/terminal/json.h"
 #include "tools/terminal/redactor.h"
@@ -24,17 +26,17 @@ namespace quarry::tool {
 
 using settings::Document;
 using ::storage::config::AgentCfg;
-using ::storage::utils::LocalMetab;
 
 namespace {
 
 struct AgentRequest {
   std::string file;
   bool json = false;
+  bool place_tables = false;
 };
 
 // What an operator can do about a failure of the metabase on a folder.
-std::string RoutingHint(cr_status_t status) {
+std::string RoutingHint(cr_status_t status, bool place_tables) {
   const std::string setting = FullName(AgentSetting::kLedgerUrl);
   switch (status) {
     case kLedgerUrlUnsupported:
@@ -47,6 +49,7 @@ std::string RoutingHint(cr_status_t status) {
       return "put readable files r.rt and c.rt into the folder of " + setting;
     case kRoutingTargetIsFolder:
     case kRoutingTargetFailed:
+      if (!place_tables) return "a trial needs room for the tables in /tmp";
       return "/tmp/r.rt and /tmp/c.rt must be files that this user may replace";
     default:
       return "";
@@ -65,8 +68,8 @@ Advice AdviceForConfig(Document* document) {
 }
 
 // Only a failed request for the routing tables has a detail text.
-std::string HintFor(const Cr_ErrnoException& error, Document* document) {
-  if (error.detail() != nullptr) return RoutingHint(error.status());
+std::string HintFor(const Cr_ErrnoException& error, bool place_tables, Document* document) {
+  if (error.detail() != nullptr) return RoutingHint(error.status(), place_tables);
   const Advice advice = AdviceForConfig(document);
   return advice.message + "; " + advice.hint;
 }
@@ -91,7 +94,8 @@ void AddReasons(const std::string& file, std::vector<Diagnostic>* diagnostics) {
   }
 }
 
-[[noreturn]] void ThrowStartFailed(const Cr_ErrnoException& error, const std::string& file) {
+[[noreturn]] void ThrowStartFailed(const Cr_ErrnoException& error, const AgentRequest& request) {
+  const std::string& file = request.file;
   std::vector<Diagnostic> diagnostics;
   try {
     Document document(file, ReadInput(file));
@@ -99,8 +103,8 @@ void AddReasons(const std::string& file, std::vector<Diagnostic>* diagnostics) {
     if (Has(AgentSetting::kPassword, &document)) {
       redactor.Hide(ValueOf(AgentSetting::kPassword, &document));
     }
-    diagnostics = {
-        Message(redactor.Redact(FailureText(error)), redactor.Redact(HintFor(error, &document)))};
+    diagnostics = {Message(redactor.Redact(FailureText(error)),
+                           redactor.Redact(HintFor(error, request.place_tables, &document)))};
   } catch (const settings::Error&) {
     diagnostics = {Message(FailureText(error))};
     AddReasons(file, &diagnostics);
@@ -108,14 +112,14 @@ void AddReasons(const std::string& file, std::vector<Diagnostic>* diagnostics) {
   throw ToolError(kExitNo, diagnostics);
 }
 
-std::unique_ptr<AgentCfg> StartAgent(const std::string& file) {
-  const auto metab = std::make_shared<LocalMetab>();
+std::unique_ptr<AgentCfg> StartAgent(const std::shared_ptr<TrialMetab>& metab,
+                                     const AgentRequest& request) {
   try {
     const ScopedCerrSilencer silencer;
     const settings::ScopedSignalBlock blocked;
-    return std::make_unique<AgentCfg>(metab, file);
+    return std::make_unique<AgentCfg>(metab, request.file);
   } catch (const Cr_ErrnoException& error) {
-    ThrowStartFailed(error, file);
+    ThrowStartFailed(error, request);
   }
 }
 
@@ -165,25 +169,16 @@ std::vector<ShownSetting> ShownSettings(const AgentCfg& cfg, Document* document)
   return shown;
 }
 
-struct RoutingTable {
+// A routing table that a start fetched, and the path that it recorded for it.
+struct ShownTable {
   const char* accessor;
   std::string path;
-  std::size_t bytes;
-  std::string sha256;
+  TrialMetab::Table fetched;
+  bool placed;
 };
 
-RoutingTable DescribeTable(const char* accessor, const std::string& path) {
-  const std::string content = ReadInput(path);
-  std::array<unsigned char, crypto_hash_sha256_BYTES> hash{};
-  crypto_hash_sha256(hash.data(), reinterpret_cast<const unsigned char*>(content.data()),
-                     content.size());
-  std::array<char, 2 * crypto_hash_sha256_BYTES + 1> hex{};
-  sodium_bin2hex(hex.data(), hex.size(), hash.data(), hash.size());
-  return {accessor, path, content.size(), hex.data()};
-}
-
 std::string SettingsText(const std::vector<ShownSetting>& settings,
-                         const std::vector<RoutingTable>& tables, const std::string& file) {
+                         const std::vector<ShownTable>& tables, const std::string& file) {
   std::string text;
   for (const ShownSetting& setting : settings) {
     const std::string origin =
@@ -191,15 +186,16 @@ std::string SettingsText(const std::vector<ShownSetting>& settings,
                           : EscapeForTerminal(InputName(file)) + ':' + std::to_string(setting.line);
     text += setting.accessor + " = " + EscapeForTerminal(setting.value) + "  (" + origin + ")\n";
   }
-  for (const RoutingTable& table : tables) {
-    text += std::string(table.accessor) + " = " + table.path + "  (" + std::to_string(table.bytes) +
-            " bytes, SHA-256 " + table.sha256 + ")\n";
+  for (const ShownTable& table : tables) {
+    text += std::string(table.accessor) + " = " + table.path +
+            (table.placed ? "  (" : "  (left alone; fetched ") +
+            std::to_string(table.fetched.bytes) + " bytes, SHA-256 " + table.fetched.sha256 + ")\n";
   }
   return text;
 }
 
 std::string SettingsJson(const AgentCfg& cfg, const std::vector<ShownSetting>& settings,
-                         const std::vector<RoutingTable>& tables, const std::string& file) {
+                         const std::vector<ShownTable>& tables, const std::string& file) {
   nlohmann::ordered_json document;
   document["schema"] = 1;
   AddText(&document, "config_path", file);
@@ -211,9 +207,12 @@ std::string SettingsJson(const AgentCfg& cfg, const std::vector<ShownSetting>& s
   document["numeric_option"] = cfg.numeric_option();
   document["lines"] = lines;
   nlohmann::ordered_json files = nlohmann::ordered_json::array();
-  for (const RoutingTable& table : tables) {
+  for (const ShownTable& table : tables) {
     document[table.accessor] = table.path;
-    files.push_back({{"path", table.path}, {"bytes", table.bytes}, {"sha256", table.sha256}});
+    files.push_back({{"path", table.path},
+                     {"bytes", table.fetched.bytes},
+                     {"sha256", table.fetched.sha256},
+                     {"placed", table.placed}});
   }
   document["routing_tables"] = files;
   return JsonText(document);
@@ -229,16 +228,30 @@ void RequireRegularFile(const std::string& file) {
                   "give a file's name; save the text of a pipe first");
 }
 
+// Another user's agent could not replace tables that this start leaves.
+void RequireOwnTables(const AgentRequest& request) {
+  const std::optional<ForeignTable> table = FindForeignTable();
+  if (!table) return;
+  throw ToolError(
+      kExitNo,
+      "routing table " + settings::Quoted(table->path) + " belongs to " + UserText(table->owner),
+      "start as that user: " + CommandAs(table->owner, "quarry-config agent --place-tables " +
+                                                           ShellQuotedFile(request.file)));
+}
+
 ExitStatus RunAgent(const AgentRequest& request) {
   RequireName(request.file);
   RequireRegularFile(request.file);
+  if (request.place_tables) RequireOwnTables(request);
   DisableCoreDumps();
-  const std::unique_ptr<AgentCfg> cfg = StartAgent(request.file);
+  const auto metab = std::make_shared<TrialMetab>(request.place_tables);
+  const std::unique_ptr<AgentCfg> cfg = StartAgent(metab, request);
   Document document = OpenDocument(request.file);
   const auto settings = ShownSettings(*cfg, &document);
-  const std::vector<RoutingTable> tables = {
-      DescribeTable("routing_table_r_path", cfg->routing_table_r_path()),
-      DescribeTable("routing_table_c_path", cfg->routing_table_c_path())};
+  const std::vector<ShownTable> tables = {{"routing_table_r_path", cfg->routing_table_r_path(),
+                                           metab->tables().front(), request.place_tables},
+                                          {"routing_table_c_path", cfg->routing_table_c_path(),
+                                           metab->tables().back(), request.place_tables}};
   WriteStandardOutput(request.json ? SettingsJson(*cfg, settings, tables, request.file)
                                    : SettingsText(settings, tables, request.file));
   return kExitDone;
@@ -251,6 +264,8 @@ Declaration DeclareAgent() {
   return {{
               Argument("FILE", ValueKind::kFile, &request->file, "The agent's file"),
               Flag("--json", &request->json, "Print the settings as JSON"),
+              Flag("--place-tables", &request->place_tables,
+                   "Replace the routing tables in /tmp, as an agent does"),
           },
           BindRequest(request, RunAgent)};
 }
