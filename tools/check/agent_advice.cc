@@ -3,10 +3,13 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <sstream>
 
 #include "platform/local/sealed_password.h"
 #include "settings/error.h"
+#include "settings/exposed_folder.h"
 #include "settings/suggestions.h"
+#include "tools/check/ownership.h"
 #include "tools/terminal/terminal_text.h"
 
 namespace quarry::tool {
@@ -29,6 +32,12 @@ std::string KeyFile(Document* document) {
 
 std::string CommandOn(const char* command, const std::string& folder) {
   return std::string("quarry-config ") + command + ' ' + ShellQuotedFile(folder);
+}
+
+std::string OctalText(mode_t mode) {
+  std::ostringstream text;
+  text << std::oct << mode;
+  return text.str();
 }
 
 using Decrypt = int(const char* key_file, const char* stored, char* out, std::size_t capacity);
@@ -103,6 +112,28 @@ int TryPassword(Document* document) { return TryWith(DecryptPasswdWithKey, docum
 
 DecryptResult TryKey(Document* document) {
   return platform::SealingKey().Load(KeyFile(document).c_str());
+}
+
+std::optional<Advice> AdviceForExposedKey(const std::string& key_file, const std::string& command) {
+  const auto folder = settings::FindExposedFolder(key_file);
+  if (!folder) return std::nullopt;
+  if (folder->owner) {
+    return Advice{"folder " + Quoted(folder->path) + " belongs to " + UserText(*folder->owner) +
+                      ", who could exchange the key",
+                  "run it as that user: " + CommandAs(*folder->owner, command) +
+                      "; or keep the key below folders of root or this user"};
+  }
+  return Advice{"others may write to the folder " + Quoted(folder->path) + " (mode " +
+                    OctalText(folder->permissions) + ')',
+                "they could exchange the key: chmod go-w " + ShellQuotedFile(folder->path)};
+}
+
+std::optional<Advice> AdviceForKeyFolder(Document* document) {
+  try {
+    return AdviceForExposedKey(KeyFile(document), "quarry-config check --as agent FILE");
+  } catch (const settings::Error&) {
+    return std::nullopt;  // a finding about the key file tells it
+  }
 }
 
 std::string OpenKeyHint(const std::string& key_file) {

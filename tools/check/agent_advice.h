@@ -2,6 +2,7 @@
 #ifndef QUARRY_TOOLS_CHECK_AGENT_ADVICE_H_
 #define QUARRY_TOOLS_CHECK_AGENT_ADVICE_H_
 
+#include <optional>
 #include <string>
 
 #include "config/agent_settings.h"
@@ -39,6 +40,13 @@ int TryPassword(settings::Document* document);
 
 // Whether the text's key file can be used.
 DecryptResult TryKey(settings::Document* document);
+
+// About a folder in which another user could exchange the text's key file, if there is one; see
+// settings/exposed_folder.h. Also nullopt when the key file's folder cannot be found.
+std::optional<Advice> AdviceForKeyFolder(settings::Document* document);
+
+// About such a folder on the way to `key_file`, for `command`. Throws settings::Error.
+std::optional<Advice> AdviceForExposedKey(const std::string& key_file, const std::string& command);
 
 // For the result of a failed TryPassword.
 Advice AdviceForPassword(int result, settings::Document* document);

@@ -45,10 +45,12 @@ class AgentChecker {
   void CheckPresence(AgentSetting setting);
   void CheckUnknownOptions(const std::string& section);
   void CheckNumber();
+  void CheckKeyFolder();
   void CheckPassword();
   void CheckRoutingTables();
   void AddPassword(const Advice& advice);
-  void AddKeyFile(const Advice& advice);
+  void AddKeyFile(const Advice& advice) { AddAboutKey(rules::kKeyFile, advice); }
+  void AddAboutKey(const settings::Rule& rule, const Advice& advice);
 
   bool Has(AgentSetting setting) { return tool::Has(setting, &document_); }
   const ScannedLine& LineOf(AgentSetting setting) const;
@@ -66,6 +68,7 @@ std::vector<Finding> AgentChecker::Check() {
   }
   CheckNumber();
   CheckRoutingTables();
+  if (Has(AgentSetting::kKeyDir)) CheckKeyFolder();
   if (Has(AgentSetting::kPassword) && Has(AgentSetting::kKeyDir)) CheckPassword();
   return std::move(findings_);
 }
@@ -122,6 +125,11 @@ void AgentChecker::CheckNumber() {
                                 "write a number from -2147483648 to 2147483647"));
 }
 
+void AgentChecker::CheckKeyFolder() {
+  const auto advice = AdviceForKeyFolder(&document_);
+  if (advice) AddAboutKey(rules::kKeyFolder, *advice);
+}
+
 void AgentChecker::CheckPassword() {
   const int result = TryPassword(&document_);
   if (result == kDecryptDone) return;
@@ -149,10 +157,9 @@ void AgentChecker::AddPassword(const Advice& advice) {
       FindingAt(rules::kPassword, line, line.option.value, advice.message, advice.hint));
 }
 
-void AgentChecker::AddKeyFile(const Advice& advice) {
+void AgentChecker::AddAboutKey(const settings::Rule& rule, const Advice& advice) {
   const ScannedLine& line = LineOf(AgentSetting::kKeyDir);
-  findings_.push_back(
-      FindingAt(rules::kKeyFile, line, line.option.value, advice.message, advice.hint));
+  findings_.push_back(FindingAt(rule, line, line.option.value, advice.message, advice.hint));
 }
 
 }  // namespace

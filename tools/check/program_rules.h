@@ -13,6 +13,8 @@ inline constexpr settings::Rule kPassword =
     settings::ErrorRule("stored-password", "an agent cannot open its stored password");
 inline constexpr settings::Rule kKeyFile =
     settings::ErrorRule("key-file", "an agent cannot use its key file");
+inline constexpr settings::Rule kKeyFolder =
+    settings::WarningRule("key-folder", "another user could exchange the key file of an agent");
 inline constexpr settings::Rule kRoutingTable =
     settings::ErrorRule("routing-table", "an agent cannot replace a routing table");
 inline constexpr settings::Rule kUnknownSetting =

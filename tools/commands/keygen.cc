@@ -21,8 +21,7 @@ struct KeygenRequest {
   std::string folder;
 };
 
-// Only its owner may write to the folder.
-void RequirePrivateFolder(const std::string& folder) {
+void RequireFolder(const std::string& folder) {
   RequireName(folder);
   struct stat status {};
   if (stat(folder.c_str(), &status) != 0) {
@@ -30,14 +29,12 @@ void RequirePrivateFolder(const std::string& folder) {
         "open " + folder, folder, errno,
         errno == ENOENT ? "make it: mkdir -m 700 " + ShellQuotedFile(folder) : "");
   }
-  if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return;
-  throw ToolError(kExitFailed, "others may write to the folder " + settings::Quoted(folder),
-                  "a key there could be replaced: chmod go-w " + ShellQuotedFile(folder));
 }
 
 ExitStatus RunKeygen(const KeygenRequest& request) {
   DisableCoreDumps();
-  RequirePrivateFolder(request.folder);
+  RequireFolder(request.folder);
+  RequireSafeKeyFolder(request.folder, "keygen", kExitFailed);
   // Before the file, which would be left behind where the system has no random bytes.
   platform::SealingKey key;
   platform::SecretBytes text(platform::kKeyFileBytes + 1);

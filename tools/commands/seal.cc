@@ -48,6 +48,7 @@ ExitStatus RunSeal(const SealRequest& request) {
   DisableCoreDumps();
   platform::SealingKey key;
   LoadKey(request.folder, &key);
+  RequireSafeKeyFolder(request.folder, "seal", kExitNo);
   PasswordInput input;
   input.Read("to seal for " + KeyFileIn(request.folder));
   std::string stored;
