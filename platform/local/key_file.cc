@@ -11,6 +11,7 @@
 
 #include "platform/local/base64.h"
 #include "platform/local/file_descriptor.h"
+#include "platform/local/key_permissions.h"
 
 namespace quarry::platform {
 
@@ -21,16 +22,6 @@ constexpr std::size_t kKeyBytes = crypto_aead_xchacha20poly1305_ietf_KEYBYTES;
 constexpr std::size_t kEncodedBytes =
     sodium_base64_ENCODED_LEN(kKeyBytes, kBase64) - 1;  // the macro counts a NUL
 static_assert(kKeyFileBytes == kPrefix.size() + kEncodedBytes + 1);
-
-// Whether the owner is trusted and nobody else may use the key; SealingKey::Load has the rules.
-bool IsPrivate(const struct stat& status) {
-  const uid_t caller = geteuid();
-  const bool trusted_owner = caller == 0 || status.st_uid == caller || status.st_uid == 0;
-  const bool mounted_secret = caller != 0 && status.st_uid == 0 && status.st_gid == getegid();
-  const mode_t allowed = mounted_secret ? S_IRWXU | S_IRGRP : S_IRWXU;
-  const mode_t permissions = status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
-  return trusted_owner && (permissions & ~allowed) == 0;
-}
 
 DecryptResult DecodeKey(const char* text, unsigned char* key) {
   if (std::memcmp(text, kPrefix.data(), kPrefix.size()) != 0 || text[kKeyFileBytes - 1] != '\n') {
@@ -69,7 +60,8 @@ DecryptResult SealingKey::Load(const char* key_file) {
     return kDecryptNoKeyFile;
   }
   if (!S_ISREG(status.st_mode)) return kDecryptNotAKeyFile;
-  if (!IsPrivate(status)) return kDecryptKeyTooOpen;
+  const DecryptResult permitted = CheckKeyPermissions(file.get(), status);
+  if (permitted != kDecryptDone) return permitted;
 
   std::size_t size = 0;
   if (!ReadUpTo(file.get(), text.text(), text.size(), &size)) {

@@ -22,9 +22,7 @@ class SealingKey {
 
   // Reads a key file. Follows symbolic links; does not wait for a pipe. Returns kDecryptDone,
   // kDecryptNoKeyFile (errno says why), kDecryptNotAKeyFile, kDecryptNoCrypto, or
-  // kDecryptKeyTooOpen: the file must be owned by the caller or by root (by any user when the
-  // caller is root), and no other user may read or write it. The one exception is a secret mounted
-  // for a service: owned by root and readable by its group, which is the caller's.
+  // kDecryptKeyTooOpen: see CheckKeyPermissions in key_permissions.h.
   DecryptResult Load(const char* key_file);
 
   // Set the key to a copy of the 32 bytes at `bytes`, or to random bytes. Both return kDecryptDone

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <array>
@@ -152,7 +153,7 @@ TEST_F(PlatformTest, AcceptsOnlyPrivateKeyFiles) {
       {kUser, kRoot, kUser, {0440}, "correct horse"},  // a mounted secret
       {kUser, kRoot, kUser, {0460, 0450, 0444}, "3"},
       {kUser, kRoot, kOther, {0444}, "3"},
-      {kUser, kRoot, kMore, {0440}, "3"},  // a supplementary group of the caller's
+      {kUser, kRoot, kMore, {0440}, "correct horse"},  // a supplementary group of the caller's
       {kRoot, kOther, kOther, {0600}, "correct horse"},
       {kRoot, kRoot, kRoot, {0440, 0604}, "3"},
   };
@@ -168,6 +169,53 @@ TEST_F(PlatformTest, AcceptsOnlyPrivateKeyFiles) {
       EXPECT_EQ(Open(kSealed), outcome) << caller << owner << group << std::oct << mode;
       ASSERT_EQ(seteuid(kRoot), 0);
     }
+  }
+}
+
+// Entries are tag (1 the owner, 2 a user, 4 the file's group, 8 a group, 16 the mask, 32 others),
+// permissions, user or group.
+TEST_F(PlatformTest, AcceptsOnlyTheListOfAMountedSecret) {
+  constexpr uid_t kRoot = 0, kUser = 4001, kOther = 4000;
+  constexpr unsigned kNone = 0xFFFFFFFF;
+  struct Entry {
+    std::uint16_t tag, permissions;
+    std::uint32_t id = kNone;
+  };
+  const std::tuple<uid_t, uid_t, std::vector<Entry>, const char*> cases[] = {
+      // caller, owner
+      {kUser, kRoot, {{1, 4}, {2, 4, kUser}, {4, 0}, {16, 4}, {32, 0}}, "correct horse"},
+      {kUser, kRoot, {{1, 6}, {2, 4, kUser}, {4, 0}, {16, 4}, {32, 0}}, "3"},
+      {kUser, kRoot, {{1, 4}, {2, 6, kUser}, {4, 0}, {16, 6}, {32, 0}}, "3"},
+      {kUser, kRoot, {{1, 4}, {2, 4, kUser}, {4, 4}, {16, 4}, {32, 0}}, "3"},
+      {kUser, kRoot, {{1, 4}, {2, 4, kUser}, {4, 0}, {16, 4}, {32, 4}}, "3"},
+      {kUser, kRoot, {{1, 4}, {2, 4, kUser}, {4, 0}, {8, 4, kUser}, {16, 4}, {32, 0}}, "3"},
+      {kUser, kRoot, {{1, 4}, {4, 0}, {8, 4, kUser}, {16, 4}, {32, 0}}, "3"},
+      {kUser, kRoot, {{1, 4}, {2, 4, kOther}, {2, 4, kUser}, {4, 0}, {16, 4}, {32, 0}}, "3"},
+      {kUser, kRoot, {{1, 4}, {2, 4, kOther}, {4, 4}, {16, 4}, {32, 0}}, "3"},
+      // Write permission, which the mask takes away.
+      {kUser,
+       kRoot,
+       {{1, 4}, {2, 2, kOther}, {2, 4, kUser}, {4, 0}, {16, 4}, {32, 0}},
+       "correct horse"},
+      {kUser, kUser, {{1, 6}, {2, 4, kOther}, {4, 0}, {16, 4}, {32, 0}}, "3"},
+      {kUser, kUser, {{1, 6}, {2, 4, kOther}, {4, 4}, {16, 0}, {32, 0}}, "correct horse"},
+      {kRoot, kRoot, {{1, 4}, {2, 4, kOther}, {4, 0}, {16, 4}, {32, 0}}, "3"},
+      {kRoot, kRoot, {{1, 4}, {2, 4, kRoot}, {4, 0}, {16, 4}, {32, 0}}, "3"},
+  };
+  if (geteuid() != kRoot) GTEST_SKIP() << "only root can change the user";
+  const std::string file = Path("auth.key");
+  int number = 0;
+  for (const auto& [caller, owner, entries, outcome] : cases) {
+    std::string list("\2\0\0\0", 4);
+    list.append(reinterpret_cast<const char*>(entries.data()), entries.size() * sizeof(Entry));
+    ASSERT_EQ(chown(file.c_str(), owner, kUser), 0);
+    if (setxattr(file.c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0) {
+      GTEST_SKIP() << "the file system has no access control lists";
+    }
+    ASSERT_EQ(setegid(kUser) + seteuid(caller), 0);
+    EXPECT_EQ(Open(kSealed), outcome) << "case " << number;
+    ++number;
+    ASSERT_EQ(seteuid(kRoot), 0);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "tools/check/agent_advice.h"
 
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -137,6 +138,11 @@ std::optional<Advice> AdviceForKeyFolder(Document* document) {
 }
 
 std::string OpenKeyHint(const std::string& key_file) {
+  struct statvfs file_system {};
+  if (statvfs(key_file.c_str(), &file_system) == 0 && (file_system.f_flag & ST_RDONLY) != 0) {
+    return "its file system is read-only: have it mounted with mode 400 for the agent's user, or "
+           "with mode 440 for root and a group of that user";
+  }
   return "let only the agent's user own and read it: chown, and chmod 600 " +
          ShellQuotedFile(key_file) + "; then try again as that user";
 }
