@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <new>
+#include <string_view>
 
 #include "platform/local/sealed_password.h"
 #include "tools/check/agent_advice.h"
@@ -44,6 +45,23 @@ void LoadKey(const std::string& folder, platform::SealingKey* key) {
   }
 }
 
+// Any byte may be meant, so these are sealed all the same.
+void WarnOfEnds(std::string_view password) {
+  if (password.empty()) return;
+  constexpr std::string_view kBlanks = " \t";
+  const auto is_blank = [&](char byte) { return kBlanks.find(byte) != std::string_view::npos; };
+  if (password.back() == '\r') {
+    WriteDiagnostics(
+        {Warning("the password ends in a carriage return, which is sealed as a part of it",
+                 "if it is only the end of a line, remove it: tr -d '\\r'")});
+  }
+  if (is_blank(password.front()) || is_blank(password.back())) {
+    WriteDiagnostics(
+        {Warning("the password begins or ends with a blank, which is sealed as a part of it",
+                 "if that is not meant, seal it again without")});
+  }
+}
+
 ExitStatus RunSeal(const SealRequest& request) {
   DisableCoreDumps();
   platform::SealingKey key;
@@ -51,6 +69,7 @@ ExitStatus RunSeal(const SealRequest& request) {
   RequireSafeKeyFolder(request.folder, "seal", kExitNo);
   PasswordInput input;
   input.Read("to seal for " + KeyFileIn(request.folder));
+  WarnOfEnds(input.password());
   std::string stored;
   if (platform::SealPassword(key, input.password(), &stored) != kDecryptDone) {
     throw std::bad_alloc();
