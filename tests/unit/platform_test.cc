@@ -4,6 +4,7 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -15,6 +16,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <set>
 #include <thread>
 #include <tuple>
@@ -124,6 +126,15 @@ TEST_F(PlatformTest, RefusesEveryChangedForm) {
   }
   EXPECT_EQ(refused, (154 + 240 + 325 + 410) * 255);
   EXPECT_EQ(accepted, 154 + 240 + 325 + 410);  // the unchanged form, once per byte
+}
+
+TEST_F(PlatformTest, GivesGuardedMemoryBack) {
+  unsigned char state = 0;
+  auto bytes = std::make_unique<SecretBytes>(4096);  // ends with its page
+  void* const page = bytes->data();
+  ASSERT_EQ(mincore(page, 1, &state), 0);
+  bytes.reset();
+  EXPECT_EQ(mincore(page, 1, &state), -1);  // unmapped
 }
 
 TEST_F(PlatformTest, AcceptsOnlyCompleteKeyFiles) {
