@@ -68,7 +68,10 @@ void TemporaryFile::RemoveAbandoned(LockTimer* timer) {
   }
   // A file that we cannot open is not one of ours.
   if (unlinkat(folder_, temporary_.c_str(), 0) != 0 && errno != ENOENT) {
-    throw SystemError("remove " + temporary_ + " beside " + name_, name_, errno);
+    throw SystemError("remove " + temporary_ + " beside " + name_, name_, errno,
+                      errno == EPERM ? "another user put it there; remove it as root, and keep the "
+                                       "file in a folder of its user alone"
+                                     : "");
   }
 }
 
