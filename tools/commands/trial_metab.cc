@@ -12,6 +12,7 @@
 #include "platform/local/local_metab.h"
 #include "settings/error.h"
 #include "settings/file_reading.h"
+#include "tools/terminal/errors.h"
 
 namespace quarry::tool {
 
@@ -25,8 +26,10 @@ class PrivateFolder {
     throw settings::SystemError("make a folder in /tmp", "/tmp", errno);
   }
   ~PrivateFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    std::error_code error;
+    std::filesystem::remove_all(path_, error);
+    if (error)
+      WriteDiagnostics({Warning("cannot remove the folder " + path_, "remove it: rm -r " + path_)});
   }
   PrivateFolder(const PrivateFolder&) = delete;
   PrivateFolder& operator=(const PrivateFolder&) = delete;
