@@ -35,6 +35,11 @@ std::string CommandOn(const char* command, const std::string& folder) {
   return std::string("quarry-config ") + command + ' ' + ShellQuotedFile(folder);
 }
 
+bool IsOnReadOnlyMount(const std::string& path) {
+  struct statvfs file_system {};
+  return statvfs(path.c_str(), &file_system) == 0 && (file_system.f_flag & ST_RDONLY) != 0;
+}
+
 std::string OctalText(mode_t mode) {
   std::ostringstream text;
   text << std::oct << mode;
@@ -126,7 +131,9 @@ std::optional<Advice> AdviceForExposedKey(const std::string& key_file, const std
   }
   return Advice{"others may write to the folder " + Quoted(folder->path) + " (mode " +
                     OctalText(folder->permissions) + ')',
-                "they could exchange the key: chmod go-w " + ShellQuotedFile(folder->path)};
+                IsOnReadOnlyMount(folder->path)
+                    ? "they could exchange the key: have the folder mounted with mode 755"
+                    : "they could exchange the key: chmod go-w " + ShellQuotedFile(folder->path)};
 }
 
 std::optional<Advice> AdviceForKeyFolder(Document* document) {
@@ -138,8 +145,7 @@ std::optional<Advice> AdviceForKeyFolder(Document* document) {
 }
 
 std::string OpenKeyHint(const std::string& key_file) {
-  struct statvfs file_system {};
-  if (statvfs(key_file.c_str(), &file_system) == 0 && (file_system.f_flag & ST_RDONLY) != 0) {
+  if (IsOnReadOnlyMount(key_file)) {
     return "its file system is read-only: have it mounted with mode 400 for the agent's user, or "
            "with mode 440 for root and a group of that user";
   }
