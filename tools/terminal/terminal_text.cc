@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <clocale>
 #include <cwchar>
+#include <iterator>
+#include <utility>
 
 #include "tools/terminal/utf8.h"
 
@@ -14,12 +16,20 @@ namespace {
 constexpr std::size_t kMaxLineBytes = 100;
 constexpr std::size_t kBytesBeforeMark = 40;
 
+// Control characters, separators of lines and paragraphs, and what Unicode lets a display ignore:
+// marks of direction, joiners, fillers, variation selectors and tags. In ascending order.
+constexpr std::pair<char32_t, char32_t> kUnsafeToPrint[] = {
+    {0x00, 0x1F},     {0x7F, 0x9F},       {0xAD, 0xAD},       {0x34F, 0x34F},     {0x61C, 0x61C},
+    {0x115F, 0x1160}, {0x17B4, 0x17B5},   {0x180B, 0x180F},   {0x200B, 0x200F},   {0x2028, 0x202E},
+    {0x2060, 0x206F}, {0x3164, 0x3164},   {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},   {0xFFA0, 0xFFA0},
+    {0xFFF0, 0xFFFB}, {0x1BCA0, 0x1BCA3}, {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF},
+};
+
 bool IsSafeToPrint(char32_t code) {
-  if (code < 0x20 || (code >= 0x7F && code < 0xA0)) return false;
-  // Line and paragraph separators, embeddings, overrides, isolates.
-  const bool reorders = (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) ||
-                        code == 0xFEFF || code == 0x200E || code == 0x200F;
-  return !reorders;
+  const auto* const range =
+      std::lower_bound(std::begin(kUnsafeToPrint), std::end(kUnsafeToPrint), code,
+                       [](const auto& unsafe, char32_t c) { return unsafe.second < c; });
+  return range == std::end(kUnsafeToPrint) || code < range->first;
 }
 
 std::string Escaped(char c) {

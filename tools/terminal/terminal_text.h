@@ -8,9 +8,9 @@
 
 namespace quarry::tool {
 
-// The text with every byte that a terminal might interpret, or that is not valid UTF-8, as "\x1b":
-// control characters, and marks that reverse the direction of writing. A text without such bytes is
-// unchanged, so to escape a text again changes nothing.
+// The text with every byte that a terminal might interpret or hide, or that is not valid UTF-8, as
+// "\x1b": control characters, marks of the direction of writing, and invisible characters. A text
+// without such bytes is unchanged, so to escape a text again changes nothing.
 std::string EscapeForTerminal(std::string_view text);
 
 // The word as a shell reads it whole, fit for a terminal; and the name of a file, which no command
