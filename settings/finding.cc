@@ -9,8 +9,15 @@ namespace quarry::settings {
 Finding FindingAt(const Rule& rule, const ScannedLine& line, std::string_view part,
                   std::string message, std::string hint) {
   const auto offset = static_cast<std::size_t>(part.data() - line.raw.data());
-  return {&rule,           line.number, offset + 1, part.size(), std::move(message),
-          std::move(hint), line.raw};
+  Finding finding;
+  finding.rule = &rule;
+  finding.line = line.number;
+  finding.column = offset + 1;
+  finding.length = part.size();
+  finding.message = std::move(message);
+  finding.hint = std::move(hint);
+  finding.line_text = line.raw;
+  return finding;
 }
 
 bool HasErrors(const std::vector<Finding>& findings) {

@@ -22,6 +22,8 @@ struct Finding {
   std::string message;  // may hold names as they are, unprintable bytes included; so may the hint
   std::string hint;     // the remedy; may be empty
   std::string_view line_text;  // a view into the text that was checked
+  // Where in the line something begins that is not to be shown; the caller of the checks sets it.
+  std::size_t secret_offset = std::string_view::npos;
 };
 
 // A finding about `part`, which is a view into the line.

@@ -14,6 +14,18 @@ bool IsHeaderAfterBom(std::string_view text) {
          text.substr(kByteOrderMark.size(), 1) == "[";
 }
 
+std::string_view WithoutTrailingBlanks(std::string_view text) {
+  return text.substr(0, text.find_last_not_of(" \t\r") + 1);
+}
+
+std::string Folded(std::string_view text) {
+  std::string folded(text);
+  for (char& c : folded) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return folded;
+}
+
 bool SameName(const std::string& one, const std::string& other) {
   const storage::dmconfig::StringCaseCmp before;
   return !before(one, other) && !before(other, one);
@@ -42,6 +54,24 @@ bool LineScanner::Next(ScannedLine* line) {
     in_section_ = in_section_ || IsHeaderAfterBom(line->text);
   }
   return true;
+}
+
+bool ContinuationFinder::Continues(const ScannedLine& line) {
+  if (line.kind == LineKind::kComment) return false;
+  if (line.kind != LineKind::kOption) {
+    *this = {};
+    return false;
+  }
+  const std::size_t indent = line.raw.size() - line.text.size();
+  const bool continues =
+      after_backslash_ || (open_indent_ != std::string_view::npos && indent > open_indent_);
+  const std::string_view value =
+      WithoutTrailingBlanks(line.fault() == LineFault::kNone ? line.option.value : line.text);
+  after_backslash_ = !value.empty() && value.back() == '\\';
+  if (!continues) {
+    open_indent_ = value.empty() || after_backslash_ ? indent : std::string_view::npos;
+  }
+  return continues;
 }
 
 OriginMap FindOrigins(std::string_view text) {

@@ -19,6 +19,12 @@ inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 // reported then, not every option after it.
 bool IsHeaderAfterBom(std::string_view text);
 
+// Removes spaces, tabs and carriage returns at the end.
+std::string_view WithoutTrailingBlanks(std::string_view text);
+
+// The text with the letters A to Z in lower case.
+std::string Folded(std::string_view text);
+
 // Whether the two names are the same section or option.
 bool SameName(const std::string& one, const std::string& other);
 
@@ -47,6 +53,19 @@ class LineScanner {
   std::string_view rest_;
   std::size_t number_ = 0;
   bool in_section_ = false;
+};
+
+// Tells the option lines that were probably meant to continue the value above, as other formats
+// have it: those below a backslash at the end of a line, and those that are indented deeper than
+// the option above when its value is empty or ends in a backslash.
+class ContinuationFinder {
+ public:
+  // Each line of a text is passed once, in order.
+  bool Continues(const ScannedLine& line);
+
+ private:
+  bool after_backslash_ = false;
+  std::size_t open_indent_ = std::string_view::npos;  // of an option that may be continued
 };
 
 // Where the sections and options of a valid text are: of each section its first header, of each

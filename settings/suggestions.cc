@@ -4,19 +4,14 @@
 #include <numeric>
 #include <utility>
 
+#include "settings/line_scanner.h"
+
 namespace quarry::settings {
 
 namespace {
 
 constexpr std::size_t kMaxSuggestions = 3;
 constexpr std::size_t kMaxNameBytes = 100;  // nobody types longer ones
-
-std::string Folded(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
 
 // The least number of bytes to insert, delete, replace or swap with the next
 // one (optimal string alignment).

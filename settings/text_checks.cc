@@ -166,7 +166,7 @@ void Checker::CheckOption(const ScannedLine& line) {
 
 void Checker::CheckOptionFault(const ScannedLine& line) {
   // Never empty: a line of blanks is no option line.
-  const std::string_view text = line.text.substr(0, line.text.find_last_not_of(" \t\r") + 1);
+  const std::string_view text = WithoutTrailingBlanks(line.text);
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
     if (IsHeaderAfterBom(text)) EnterNamelessSection();
     return Add(rules::kByteOrderMark, line, text.substr(0, kByteOrderMark.size()),
@@ -177,7 +177,7 @@ void Checker::CheckOptionFault(const ScannedLine& line) {
       return Add(rules::kNoSection, line, text, "put a [section] line above");
     case LineFault::kNoEquals:
       return Add(rules::kNoEquals, line, text,
-                 MissingEqualsHint(text, !options_.holds_secret(line.raw)));
+                 MissingEqualsHint(text, !options_.holds_secret(line)));
     default:
       return Add(rules::kOptionNameEmpty, line, text.substr(0, 1), "write a name before the \"=\"");
   }

@@ -2,6 +2,7 @@
 #ifndef QUARRY_SETTINGS_TEXT_CHECKS_H_
 #define QUARRY_SETTINGS_TEXT_CHECKS_H_
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +15,7 @@ struct CheckOptions {
   // The file's name as hints that contain a command give it.
   std::string file_in_commands = "FILE";
   // Whether a line may hold a secret, which no message or hint may quote then.
-  bool (*holds_secret)(std::string_view line) = [](std::string_view) { return false; };
+  std::function<bool(const ScannedLine&)> holds_secret = [](const ScannedLine&) { return false; };
 };
 
 // Returns every finding in `text`, in order of lines. There is an error exactly when the library

@@ -15,8 +15,6 @@ using settings::Finding;
 
 namespace {
 
-bool HoldsPassword(std::string_view line) { return FindPassword(line) != std::string_view::npos; }
-
 std::vector<Finding> CheckForReader(const std::string& text, const std::string& file,
                                     Program program) {
   switch (program) {
@@ -30,27 +28,32 @@ std::vector<Finding> CheckForReader(const std::string& text, const std::string& 
   return {};
 }
 
-// Lets a finding that reaches into a password end where the mask of the password does.
-void HidePassword(Finding* finding) {
-  const std::size_t password = FindPassword(finding->line_text);
+// Lets a finding that reaches into a secret end where the mask of the secret does.
+void HideSecret(Finding* finding, std::size_t secret) {
+  finding->secret_offset = secret;
   const std::size_t begin = finding->column - 1;
-  if (password >= begin + finding->length) return;
-  finding->column = std::min(begin, password) + 1;
-  finding->length = password + sizeof kMask - finding->column;
+  if (secret >= begin + finding->length) return;
+  finding->column = std::min(begin, secret) + 1;
+  finding->length = secret + sizeof kMask - finding->column;
 }
 
 }  // namespace
 
 std::vector<Finding> CheckForProgram(const std::string& text, const std::string& file,
                                      Program program) {
-  std::vector<Finding> findings =
-      settings::CheckText(text, {file == "-" ? "FILE" : ShellQuotedFile(file), HoldsPassword});
+  const SecretLines secrets(text);
+  settings::CheckOptions options;
+  options.file_in_commands = file == "-" ? "FILE" : ShellQuotedFile(file);
+  options.holds_secret = [&secrets](const settings::ScannedLine& line) {
+    return secrets.Find(line.number, line.raw) != std::string_view::npos;
+  };
+  std::vector<Finding> findings = settings::CheckText(text, options);
   if (!settings::HasErrors(findings)) {
     const std::vector<Finding> more = CheckForReader(text, file, program);
     findings.insert(findings.end(), more.begin(), more.end());
   }
   for (Finding& finding : findings) {
-    if (finding.line != 0) HidePassword(&finding);
+    if (finding.line != 0) HideSecret(&finding, secrets.Find(finding.line, finding.line_text));
   }
   settings::SortFindings(&findings);
   return findings;

@@ -1,6 +1,5 @@
 #include "tools/check/finding_text.h"
 
-#include "tools/check/password_line.h"
 #include "tools/terminal/redactor.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal_text.h"
@@ -25,9 +24,8 @@ Diagnostic DiagnosticOf(const Finding& finding, const std::string& file) {
 }  // namespace
 
 std::string RedactedLine(const Finding& finding) {
-  const std::size_t password = FindPassword(finding.line_text);
-  if (password == std::string_view::npos) return std::string(finding.line_text);
-  return std::string(finding.line_text.substr(0, password)) + kMask;
+  if (finding.secret_offset == std::string_view::npos) return std::string(finding.line_text);
+  return std::string(finding.line_text.substr(0, finding.secret_offset)) + kMask;
 }
 
 std::vector<Diagnostic> DiagnosticsOf(const std::vector<Finding>& findings,

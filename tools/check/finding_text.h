@@ -1,4 +1,4 @@
-// Findings as they are shown: without the password that their line may set.
+// Findings as they are shown: without the secret that their line may hold.
 #ifndef QUARRY_TOOLS_CHECK_FINDING_TEXT_H_
 #define QUARRY_TOOLS_CHECK_FINDING_TEXT_H_
 
@@ -11,7 +11,7 @@
 
 namespace quarry::tool {
 
-// The finding's line with its password masked; the finding's column and length fit this line.
+// The finding's line with its secret masked; the finding's column and length fit this line.
 std::string RedactedLine(const settings::Finding& finding);
 
 // The findings as messages about the file.

@@ -9,6 +9,9 @@
 
 namespace quarry::tool {
 
+using ::quarry::storage::dmconfig::LineFault;
+using ::quarry::storage::dmconfig::LineKind;
+
 namespace {
 
 constexpr std::string_view kSeparators = " \t=:\"'";
@@ -18,40 +21,99 @@ std::string PasswordName() {
   return ::storage::config::EntryName(::storage::config::kEntryPassword);
 }
 
-// The end of the first word in the line that is the name of the password, in any letter case; npos
-// when there is none.
+// All names and lines below are folded.
+
+// The end of the first word in the line that ends in the name of the password; npos when there is
+// none.
 std::size_t EndOfPasswordName(const std::string& line) {
-  const std::string name = PasswordName();
-  for (std::size_t at = 0; at + name.size() <= line.size(); ++at) {
-    const std::string part = line.substr(at, name.size());
+  const std::string name = settings::Folded(PasswordName());
+  for (std::size_t at = 0; (at = line.find(name, at)) != std::string::npos; ++at) {
     const std::size_t end = at + name.size();
-    const bool whole = end == line.size() || kSeparators.find(line[end]) != std::string::npos;
-    if (whole && settings::SameName(part, name)) return end;
+    if (end == line.size() || kSeparators.find(line[end]) != std::string::npos) return end;
   }
   return std::string::npos;
 }
 
-// The same for a word before the first "=" that is spelled much like the name.
-std::size_t EndOfNearName(const std::string& line) {
+bool IsUsualForSecrets(const std::string& name) {
+  for (const char* part : {"passw", "secret", "token"}) {
+    if (name.find(part) != std::string::npos) return true;
+  }
+  constexpr std::string_view kEnd = "pwd";
+  return name.size() >= kEnd.size() &&
+         name.compare(name.size() - kEnd.size(), kEnd.size(), kEnd) == 0;
+}
+
+// Where option names may begin: in "[a] x = 1", after the header.
+std::size_t BeginOfNames(const std::string& text) {
+  const std::size_t first = text.find_first_not_of(kBeforeNames);
+  if (first == std::string::npos || text[first] != '[') return first;
+  const std::size_t close = text.find(']', first);
+  return close == std::string::npos ? first : close + 1;
+}
+
+// The end of the first word before the first "=" that is spelled much like the name of the
+// password, or is a usual name of a secret.
+std::size_t EndOfLikelyName(const std::string& line) {
+  constexpr std::size_t kSpellingChecked = 1000;  // what comes later in a line is a value
   const std::string text = line.substr(0, line.find('='));
-  for (std::size_t begin = 0;;) {
+  const std::size_t first = BeginOfNames(text);
+  for (std::size_t begin = first;;) {
     begin = text.find_first_not_of(kBeforeNames, begin);
     if (begin == std::string::npos) return begin;
     const std::size_t end = std::min(text.find_first_of(kSeparators, begin), text.size());
     const std::string word = text.substr(begin, end - begin);
-    if (!settings::SuggestNames(word, {PasswordName()}).empty()) return end;
+    if (IsUsualForSecrets(word)) return end;
+    const bool is_checked = begin - first < kSpellingChecked;
+    if (is_checked && !settings::SuggestNames(word, {PasswordName()}).empty()) return end;
     begin = end;
   }
+}
+
+// Whether the line names a secret that the next line may hold, or hold the rest of.
+bool IsContinuedSecret(const settings::ScannedLine& line) {
+  if (line.kind != LineKind::kOption) return false;
+  const std::string_view value =
+      settings::WithoutTrailingBlanks(line.fault() == LineFault::kNone ? line.option.value : "");
+  if (value.find_first_not_of(kSeparators) != std::string_view::npos && value.back() != '\\') {
+    return false;
+  }
+  const std::size_t secret = FindPassword(line.raw);
+  if (secret == std::string_view::npos) return false;
+  const std::string_view part = settings::WithoutTrailingBlanks(line.raw.substr(secret));
+  return part.empty() || part.back() == '\\';
 }
 
 }  // namespace
 
 std::size_t FindPassword(std::string_view line) {
-  constexpr std::size_t kSearched = 1000;  // the rest of a longer line is a value
-  const std::string searched(line.substr(0, kSearched));
-  std::size_t end = EndOfPasswordName(searched);
-  if (end == std::string::npos) end = EndOfNearName(searched);
-  return end == std::string::npos ? end : line.find_first_not_of(kSeparators, end);
+  const std::string folded = settings::Folded(line);
+  std::size_t end = EndOfPasswordName(folded);
+  if (end == std::string::npos) end = EndOfLikelyName(folded);
+  return end == std::string::npos ? end
+                                  : std::min(line.find_first_not_of(kSeparators, end), line.size());
+}
+
+SecretLines::SecretLines(std::string_view text) {
+  settings::LineScanner scanner(text);
+  settings::ContinuationFinder continuations;
+  bool is_open = false;  // whether the next line may continue a secret
+  for (settings::ScannedLine line; scanner.Next(&line);) {
+    const bool continues = continuations.Continues(line);
+    if (line.kind == LineKind::kBlank || line.kind == LineKind::kComment) continue;
+    const bool may_continue = line.kind == LineKind::kOption &&
+                              (continues || line.text.find('=') == std::string_view::npos);
+    if (is_open && may_continue) {
+      continued_.insert(line.number);
+    } else {
+      is_open = IsContinuedSecret(line);
+    }
+  }
+}
+
+std::size_t SecretLines::Find(std::size_t number, std::string_view line) const {
+  if (continued_.count(number) > 0) return line.find_first_not_of(" \t\r");
+  const std::size_t secret = FindPassword(line);
+  return secret == line.size() ? std::string_view::npos : secret;
 }
 
 }  // namespace quarry::tool

@@ -1,14 +1,32 @@
+// Which parts of a text no finding shows.
 #ifndef QUARRY_TOOLS_CHECK_PASSWORD_LINE_H_
 #define QUARRY_TOOLS_CHECK_PASSWORD_LINE_H_
 
 #include <cstddef>
+#include <set>
 #include <string_view>
 
 namespace quarry::tool {
 
-// Returns the offset of the password in a line that names the agent's password, even in a malformed
-// line or misspelled; else npos.
+// Returns the offset of what follows a password's name in a line, even in a malformed line or
+// misspelled; the line's size when nothing follows, npos when no name is there. Names are the
+// agent's password, and what is usual for a secret: "db_passwd", "ClientSecret", "api-token",
+// "rootpwd".
 std::size_t FindPassword(std::string_view line);
+
+// The secrets of a text, with those that have a line of their own: a secret whose option line is
+// empty, or ends in a backslash, is continued by the next lines that are no options of their own.
+class SecretLines {
+ public:
+  explicit SecretLines(std::string_view text);
+
+  // Returns the offset of the secret in line `number`, whose text is `line`; npos when there is
+  // none.
+  std::size_t Find(std::size_t number, std::string_view line) const;
+
+ private:
+  std::set<std::size_t> continued_;  // the numbers of lines that are a secret as a whole
+};
 
 }  // namespace quarry::tool
 
