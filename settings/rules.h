@@ -36,6 +36,10 @@ inline constexpr Rule kOptionNameEmpty = ErrorRule("option-name-empty", "option 
 // What is valid but probably not meant.
 inline constexpr Rule kBlanksInSectionName =
     WarningRule("blanks-in-section-name", "blanks belong to the section name");
+inline constexpr Rule kColonInName =
+    WarningRule("colon-in-name", "this colon is part of the option's name");
+inline constexpr Rule kNoContinuation = WarningRule(
+    "no-continuation", "this is an option of its own and does not continue the value above");
 inline constexpr Rule kRepeatedSection = WarningRule(
     "section-again",
     "repeated section: its comment above the earlier line is dropped when a program saves "

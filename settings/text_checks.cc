@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "dmconfig/string_case_cmp.h"
+#include "settings/hints.h"
 #include "settings/line_scanner.h"
 
 namespace quarry::settings {
@@ -18,22 +19,6 @@ const char kCommentHint[] = "put the comment on a line of its own";
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 bool IsCommentMark(char c) { return c == '#' || c == ';'; }
-
-// "threads 4" and "threads: 4" were probably meant as "threads = 4"; what quotes were meant for is
-// unclear.
-std::string MissingEqualsHint(std::string_view line, bool may_quote) {
-  constexpr std::size_t kMaxExample = 60;
-  const std::size_t name_end = line.find_first_of(" \t:\r");
-  const std::size_t value_begin = line.find_first_not_of(" \t:\r", name_end);
-  std::string example = "NAME = VALUE";
-  may_quote = may_quote && line.size() <= kMaxExample && line.find('"') == std::string_view::npos;
-  if (may_quote && value_begin != std::string_view::npos && name_end != 0) {
-    const std::size_t value_end = line.find_last_not_of(" \t\r") + 1;
-    example = std::string(line.substr(0, name_end)) + " = " +
-              std::string(line.substr(value_begin, value_end - value_begin));
-  }
-  return "write \"" + example + "\", or put \"#\" first to make it a comment";
-}
 
 // Where in a value something looks like a comment: " # x", or "# x" as the whole value, but not
 // "#fff".
@@ -63,11 +48,12 @@ class Checker {
 
   void CheckLine(const ScannedLine& line);
   void CheckHeader(const ScannedLine& line);
-  void CheckOption(const ScannedLine& line);
+  void CheckOption(const ScannedLine& line, bool continues);
   void CheckHeaderFault(const ScannedLine& line);
-  void CheckOptionFault(const ScannedLine& line);
+  void CheckOptionFault(const ScannedLine& line, bool continues);
   void EnterSection(const ScannedLine& line);
   void EnterNamelessSection();
+  void WarnOfName(const ScannedLine& line);
   void WarnOfRepeatedOption(const ScannedLine& line);
   void WarnOfValue(const ScannedLine& line);
 
@@ -81,6 +67,7 @@ class Checker {
   std::map<std::string, Section, StringCaseCmp> sections_;
   Section nameless_;  // holds the options after an invalid header
   Section* section_ = &nameless_;
+  ContinuationFinder continuations_;
   ScannedLine pending_comment_;  // the first line of it; number 0 when none
   bool warned_of_carriage_return_ = false;
 };
@@ -97,6 +84,7 @@ std::vector<Finding> Checker::Check(std::string_view text) {
 }
 
 void Checker::CheckLine(const ScannedLine& line) {
+  const bool continues = continuations_.Continues(line);
   switch (line.kind) {
     case LineKind::kBlank:
       return;
@@ -107,7 +95,7 @@ void Checker::CheckLine(const ScannedLine& line) {
       CheckHeader(line);
       break;
     case LineKind::kOption:
-      CheckOption(line);
+      CheckOption(line, continues);
       break;
   }
   pending_comment_.number = 0;
@@ -158,13 +146,18 @@ void Checker::EnterNamelessSection() {
   section_ = &nameless_;
 }
 
-void Checker::CheckOption(const ScannedLine& line) {
-  if (line.option.fault != LineFault::kNone) return CheckOptionFault(line);
+void Checker::CheckOption(const ScannedLine& line, bool continues) {
+  if (line.option.fault != LineFault::kNone) return CheckOptionFault(line, continues);
+  if (continues) {
+    Add(rules::kNoContinuation, line, line.option.name, kContinuationHint);
+  } else {
+    WarnOfName(line);
+  }
   WarnOfRepeatedOption(line);
   WarnOfValue(line);
 }
 
-void Checker::CheckOptionFault(const ScannedLine& line) {
+void Checker::CheckOptionFault(const ScannedLine& line, bool continues) {
   // Never empty: a line of blanks is no option line.
   const std::string_view text = WithoutTrailingBlanks(line.text);
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
@@ -176,11 +169,20 @@ void Checker::CheckOptionFault(const ScannedLine& line) {
     case LineFault::kNoSection:
       return Add(rules::kNoSection, line, text, "put a [section] line above");
     case LineFault::kNoEquals:
-      return Add(rules::kNoEquals, line, text,
-                 MissingEqualsHint(text, !options_.holds_secret(line)));
+      return Add(
+          rules::kNoEquals, line, text,
+          continues ? kContinuationHint : MissingEqualsHint(text, !options_.holds_secret(line)));
     default:
-      return Add(rules::kOptionNameEmpty, line, text.substr(0, 1), "write a name before the \"=\"");
+      return Add(rules::kOptionNameEmpty, line, text.substr(0, 1),
+                 continues ? kContinuationHint : "write a name before the \"=\"");
   }
+}
+
+void Checker::WarnOfName(const ScannedLine& line) {
+  const std::size_t colon = FindColon(line.option.name);
+  if (colon == std::string_view::npos) return;
+  Add(rules::kColonInName, line, line.option.name.substr(colon, 1),
+      ColonHint(line.text, colon, !options_.holds_secret(line)));
 }
 
 void Checker::WarnOfRepeatedOption(const ScannedLine& line) {
