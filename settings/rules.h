@@ -48,6 +48,8 @@ inline constexpr Rule kRepeatedOption =
     WarningRule("option-again", "repeated option: overrides the earlier line");
 inline constexpr Rule kBlankValue =
     WarningRule("blank-value", "blanks are the value of this option");
+inline constexpr Rule kQuotesInValue =
+    WarningRule("quotes-in-value", "the quotes are part of the value");
 inline constexpr Rule kCommentInValue =
     WarningRule("comment-in-value", "this is part of the value");
 inline constexpr Rule kCarriageReturn =

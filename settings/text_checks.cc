@@ -32,6 +32,14 @@ std::size_t FindCommentLookalike(std::string_view value) {
   return std::string_view::npos;
 }
 
+// Whether the value is one quotation, in which a backslash may come before further quotes.
+bool IsQuoted(std::string_view value) {
+  if (value.size() < 2 || (value[0] != '"' && value[0] != '\'')) return false;
+  std::size_t end = 1;
+  while (end < value.size() && value[end] != value[0]) end += value[end] == '\\' ? 2U : 1U;
+  return end == value.size() - 1;
+}
+
 class Checker {
  public:
   explicit Checker(const CheckOptions& options) : options_(options) {}
@@ -201,8 +209,11 @@ void Checker::WarnOfValue(const ScannedLine& line) {
   if (value.find_first_not_of(" \t") == std::string_view::npos) {
     return Add(rules::kBlankValue, line, value, "for an empty value write nothing after the \"=\"");
   }
+  const std::string_view quotation = WithoutTrailingBlanks(value);
+  const bool is_quoted = IsQuoted(quotation);
+  if (is_quoted) Add(rules::kQuotesInValue, line, quotation, "write the value without quotes");
   const std::size_t mark = FindCommentLookalike(value);
-  if (mark != std::string_view::npos) {
+  if (!is_quoted && mark != std::string_view::npos) {
     Add(rules::kCommentInValue, line, value.substr(mark), kCommentHint);
   }
   if (value.back() == '\r' && !warned_of_carriage_return_) {

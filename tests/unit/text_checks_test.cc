@@ -41,6 +41,9 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
       {"[a]\nx=# 1 # c\r\n", "2:3+8 comment-in-value, 2:10+1 carriage-return"},
       {"[a]\nx=1\n[b]\nx=1\n[A]\nX=2\nx=3\n", "6:1+1 option-again, 7:1+1 option-again"},
       {"#c\n[a]\n[b]\n[A]\n[a]\n", "4:2+1 section-again"},
+      {"[a]\na=\"b # c\"\r\nb='\\''\nc=\"\"\nd=\"\" \"\"\ne='a\\'\nf=\"\ng=\"a'\nh=(a)\n",
+       "2:3+7 quotes-in-value, 2:10+1 carriage-return, 3:3+4 quotes-in-value,"
+       " 4:3+2 quotes-in-value"},
       {"[a]\na:b=1\nm o: x = 2\nm:\tx=\n", "3:4+1 colon-in-name, 4:2+1 colon-in-name"},
       {"[a]\nx=1 \\\r\ny=\\ \n#c\n\tc: z=3\n w=4\nw=\n w=\n\n  v=6\n",
        "2:6+1 carriage-return, 3:1+1 no-continuation, 5:2+4 no-continuation, 6:2+1 no-continuation,"
