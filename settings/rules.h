@@ -29,6 +29,7 @@ inline constexpr Rule kSectionNameEmpty = ErrorRule("section-name-empty", "secti
 inline constexpr Rule kTextAfterHeader =
     ErrorRule("text-after-header", "text after the section header");
 inline constexpr Rule kByteOrderMark = ErrorRule("byte-order-mark", "byte-order mark");
+inline constexpr Rule kWideCharacters = ErrorRule("wide-characters", "the text is in UTF-16");
 inline constexpr Rule kNoSection = ErrorRule("no-section", "option line before any section");
 inline constexpr Rule kNoEquals = ErrorRule("no-equals", "option line without \"=\"");
 inline constexpr Rule kOptionNameEmpty = ErrorRule("option-name-empty", "option name is empty");

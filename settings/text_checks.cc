@@ -1,11 +1,13 @@
 #include "settings/text_checks.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
 #include "dmconfig/string_case_cmp.h"
 #include "settings/hints.h"
 #include "settings/line_scanner.h"
+#include "settings/wide_encoding.h"
 
 namespace quarry::settings {
 
@@ -38,6 +40,20 @@ bool IsQuoted(std::string_view value) {
   std::size_t end = 1;
   while (end < value.size() && value[end] != value[0]) end += value[end] == '\\' ? 2U : 1U;
   return end == value.size() - 1;
+}
+
+// In place of all findings in a text in UTF-16. Only the start of the line is quoted, for no secret
+// would be recognised in it.
+Finding WideTextFinding(const Finding& first_error, const std::string& encoding,
+                        const std::string& file) {
+  Finding finding = first_error;
+  finding.rule = &rules::kWideCharacters;
+  finding.line_text = first_error.line_text.substr(0, 2);
+  finding.column = 1;
+  finding.length = finding.line_text.size();
+  finding.message = finding.rule->meaning;
+  finding.hint = "convert it: iconv -f " + encoding + " -t UTF-8 " + file + " >NEW";
+  return finding;
 }
 
 class Checker {
@@ -236,7 +252,12 @@ void Checker::Add(const Rule& rule, const ScannedLine& line, std::string_view pa
 }  // namespace
 
 std::vector<Finding> CheckText(std::string_view text, const CheckOptions& options) {
-  return Checker(options).Check(text);
+  std::vector<Finding> findings = Checker(options).Check(text);
+  const char* const encoding = WideEncodingOf(text);
+  const auto error = std::find_if(findings.begin(), findings.end(),
+                                  [](const Finding& finding) { return finding.IsError(); });
+  if (encoding == nullptr || error == findings.end()) return findings;
+  return {WideTextFinding(*error, encoding, options.file_in_commands)};
 }
 
 }  // namespace quarry::settings
