@@ -40,6 +40,17 @@ std::string OptionExample(std::string_view line, std::size_t name_end, std::size
 
 }  // namespace
 
+const char* TextAfterHeaderHint(std::string_view line, std::string_view text) {
+  if (text[0] == '#' || text[0] == ';' || text.substr(0, 2) == "//") return kCommentHint;
+  if (text[0] != ']') return "put it on a line of its own";
+  if (line.substr(0, 2) == "[[") return "write one pair of brackets: sections have no levels";
+  return "end the line at the first \"]\": a name cannot contain one";
+}
+
+bool HasLoneCarriageReturn(std::string_view line) {
+  return WithoutTrailingBlanks(line).find('\r') != std::string_view::npos;
+}
+
 std::size_t FindColon(std::string_view text) { return std::min(text.find(": "), text.find(":\t")); }
 
 std::string ColonHint(std::string_view line, std::size_t colon, bool may_quote) {

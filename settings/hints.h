@@ -8,8 +8,16 @@
 
 namespace quarry::settings {
 
+inline constexpr char kCommentHint[] = "put the comment on a line of its own";
 inline constexpr char kContinuationHint[] =
     "there are no continuation lines: write the value on a single line";
+
+// For text after a section header; `line` is the whole line, and `text` what comes after the
+// header.
+const char* TextAfterHeaderHint(std::string_view line, std::string_view text);
+
+// Whether carriage returns end lines within the line, as old systems have it.
+bool HasLoneCarriageReturn(std::string_view line);
 
 // For an option line without "=". The hint repeats parts of the line only when `may_quote`.
 std::string MissingEqualsHint(std::string_view line, bool may_quote);

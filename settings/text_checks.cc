@@ -17,8 +17,6 @@ using storage::dmconfig::StringCaseCmp;
 
 namespace {
 
-const char kCommentHint[] = "put the comment on a line of its own";
-
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 bool IsCommentMark(char c) { return c == '#' || c == ';'; }
 
@@ -80,6 +78,7 @@ class Checker {
   void WarnOfName(const ScannedLine& line);
   void WarnOfRepeatedOption(const ScannedLine& line);
   void WarnOfValue(const ScannedLine& line);
+  void WarnOfCarriageReturn(const ScannedLine& line);
 
   // Adds a finding about `part`, a view into the line.
   void Add(const Rule& rule, const ScannedLine& line, std::string_view part, std::string hint);
@@ -147,7 +146,7 @@ void Checker::CheckHeaderFault(const ScannedLine& line) {
       return Add(rules::kSectionNameEmpty, line, at.substr(0, 1),
                  "write a name between \"[\" and \"]\"");
     case LineFault::kTextAfterHeader:
-      return Add(rules::kTextAfterHeader, line, at, kCommentHint);
+      return Add(rules::kTextAfterHeader, line, at, TextAfterHeaderHint(line.text, at));
     default:
       return;
   }
@@ -232,11 +231,21 @@ void Checker::WarnOfValue(const ScannedLine& line) {
   if (!is_quoted && mark != std::string_view::npos) {
     Add(rules::kCommentInValue, line, value.substr(mark), kCommentHint);
   }
-  if (value.back() == '\r' && !warned_of_carriage_return_) {
-    warned_of_carriage_return_ = true;
-    Add(rules::kCarriageReturn, line, value.substr(value.size() - 1),
-        "remove all of them: sed -i 's/\\r$//' " + options_.file_in_commands);
+  WarnOfCarriageReturn(line);
+}
+
+void Checker::WarnOfCarriageReturn(const ScannedLine& line) {
+  const std::string_view value = line.option.value;
+  const std::size_t first = value.find('\r');
+  if (first == std::string_view::npos || warned_of_carriage_return_) return;
+  warned_of_carriage_return_ = true;
+  const bool is_last = value.find_first_not_of('\r', first) == std::string_view::npos;
+  if (!is_last) {
+    return Add(rules::kCarriageReturn, line, value.substr(first, 1),
+               "carriage return within the value", "");
   }
+  Add(rules::kCarriageReturn, line, value.substr(value.size() - 1),
+      "remove all of them: sed -i 's/\\r$//' " + options_.file_in_commands);
 }
 
 void Checker::Add(const Rule& rule, const ScannedLine& line, std::string_view part,
@@ -246,6 +255,10 @@ void Checker::Add(const Rule& rule, const ScannedLine& line, std::string_view pa
 
 void Checker::Add(const Rule& rule, const ScannedLine& line, std::string_view part,
                   std::string message, std::string hint) {
+  // Whatever it is about, its cause is that several lines are read as one.
+  if (HasLoneCarriageReturn(line.text) && &rule != &rules::kByteOrderMark) {
+    hint = "end lines in line feeds: tr '\\r' '\\n' <" + options_.file_in_commands + " >NEW";
+  }
   findings_.push_back(FindingAt(rule, line, part, std::move(message), std::move(hint)));
 }
 
