@@ -1,5 +1,7 @@
 #include "tools/check/finding_text.h"
 
+#include <map>
+
 #include "tools/terminal/redactor.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal_text.h"
@@ -11,6 +13,8 @@ using settings::Finding;
 
 namespace {
 
+constexpr std::size_t kMaxShown = 20;  // of one rule
+
 Diagnostic DiagnosticOf(const Finding& finding, const std::string& file) {
   Diagnostic diagnostic = Message(finding.message, finding.hint);
   diagnostic.is_warning = !finding.IsError();
@@ -18,6 +22,15 @@ Diagnostic DiagnosticOf(const Finding& finding, const std::string& file) {
   if (finding.line == 0) return diagnostic;
   diagnostic.place += ':' + std::to_string(finding.line) + ':' + std::to_string(finding.column);
   diagnostic.quotation = {finding.line, RedactedLine(finding), finding.column - 1, finding.length};
+  return diagnostic;
+}
+
+Diagnostic DiagnosticOfRest(const settings::Rule& rule, std::size_t count,
+                            const std::string& file) {
+  Diagnostic diagnostic = Message("and " + std::to_string(count) + " more of rule " + rule.name +
+                                  "; check --json shows all of them");
+  diagnostic.is_warning = rule.severity == settings::Severity::kWarning;
+  diagnostic.place = InputName(file);
   return diagnostic;
 }
 
@@ -31,8 +44,16 @@ std::string RedactedLine(const Finding& finding) {
 std::vector<Diagnostic> DiagnosticsOf(const std::vector<Finding>& findings,
                                       const std::string& file) {
   std::vector<Diagnostic> diagnostics;
-  diagnostics.reserve(findings.size());
-  for (const Finding& finding : findings) diagnostics.push_back(DiagnosticOf(finding, file));
+  std::map<std::string, std::vector<const Finding*>> by_rule;
+  for (const Finding& finding : findings) {
+    auto& same = by_rule[finding.rule->name];
+    same.push_back(&finding);
+    if (same.size() <= kMaxShown) diagnostics.push_back(DiagnosticOf(finding, file));
+  }
+  for (const auto& [name, same] : by_rule) {
+    if (same.size() <= kMaxShown) continue;
+    diagnostics.push_back(DiagnosticOfRest(*same.back()->rule, same.size() - kMaxShown, file));
+  }
   return diagnostics;
 }
 

@@ -14,7 +14,7 @@ namespace quarry::tool {
 // The finding's line with its secret masked; the finding's column and length fit this line.
 std::string RedactedLine(const settings::Finding& finding);
 
-// The findings as messages about the file.
+// The findings as messages about the file: the first 20 of each rule, then how many more there are.
 std::vector<Diagnostic> DiagnosticsOf(const std::vector<settings::Finding>& findings,
                                       const std::string& file);
 
