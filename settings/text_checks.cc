@@ -21,12 +21,14 @@ bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 bool IsCommentMark(char c) { return c == '#' || c == ';'; }
 
 // Where in a value something looks like a comment: " # x", or "# x" as the whole value, but not
-// "#fff".
+// "#fff", and not the list "a ;b;".
 std::size_t FindCommentLookalike(std::string_view value) {
+  const bool has_semicolons = value.find(';') != value.rfind(';');
   for (std::size_t i = 0; i < value.size(); ++i) {
     if (!IsCommentMark(value[i])) continue;
     const bool blank_before = i > 0 && IsBlank(value[i - 1]);
     const bool blank_after = i + 1 < value.size() && IsBlank(value[i + 1]);
+    if (has_semicolons && value[i] == ';' && !blank_after) continue;
     if (blank_before || (i == 0 && blank_after)) return i;
   }
   return std::string_view::npos;

@@ -38,6 +38,7 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
       {"[a]\r\n#c\r\nx=1\r\ny=2\r\n", "3:4+1 carriage-return"},
       {"[a]\nx = 1 # c\ny=1\t;c\nz= # c\n",
        "2:7+3 comment-in-value, 3:5+2 comment-in-value, 4:4+3 comment-in-value"},
+      {"[a]\nx=a ;b ;c\ny=a ; b;\nz=a;b;c #d\n", "3:5+4 comment-in-value, 4:9+2 comment-in-value"},
       {"[a]\nx=# 1 # c\r\n", "2:3+8 comment-in-value, 2:10+1 carriage-return"},
       {"[a]\nx=1\n[b]\nx=1\n[A]\nX=2\nx=3\n", "6:1+1 option-again, 7:1+1 option-again"},
       {"#c\n[a]\n[b]\n[A]\n[a]\n", "4:2+1 section-again"},
