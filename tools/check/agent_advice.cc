@@ -9,8 +9,8 @@
 #include "platform/local/sealed_password.h"
 #include "settings/error.h"
 #include "settings/exposed_folder.h"
-#include "settings/suggestions.h"
 #include "tools/check/ownership.h"
+#include "tools/check/program_checks.h"
 #include "tools/terminal/terminal_text.h"
 
 namespace quarry::tool {
@@ -103,15 +103,8 @@ std::string FullName(AgentSetting setting) {
 Advice AdviceForAbsent(AgentSetting setting, Document* document) {
   const std::string section = RowOf(setting).section_name();
   const std::string option = RowOf(setting).option_name();
-  std::string hint = "add \"" + option + " = ...\" to section [" + section + "]";
-  const auto near = settings::SuggestNames(option, document->Options(section));
-  const auto near_sections = settings::SuggestNames(section, document->Sections());
-  if (!near.empty()) {
-    hint += ", or correct " + Quoted(near.front()) + " there";
-  } else if (!document->HasSection(section) && !near_sections.empty()) {
-    hint += ", or correct section " + Quoted(near_sections.front());
-  }
-  return {"an agent start needs option " + Quoted(option) + " in section " + Quoted(section), hint};
+  return {"an agent start needs option " + Quoted(option) + " in section " + Quoted(section),
+          HintForAbsent(section, option, document)};
 }
 
 int TryPassword(Document* document) { return TryWith(DecryptPasswdWithKey, document); }

@@ -8,11 +8,9 @@
 #include <string>
 #include <utility>
 
-#include "dmconfig/string_case_cmp.h"
 #include "settings/document.h"
-#include "settings/error.h"
-#include "settings/suggestions.h"
 #include "tools/check/agent_advice.h"
+#include "tools/check/program_checks.h"
 #include "tools/check/program_rules.h"
 #include "tools/check/routing_targets.h"
 
@@ -20,7 +18,6 @@ namespace quarry::tool {
 
 using settings::Finding;
 using settings::FindingAt;
-using settings::Quoted;
 using settings::ScannedLine;
 
 namespace {
@@ -43,6 +40,7 @@ class AgentChecker {
 
  private:
   void CheckPresence(AgentSetting setting);
+  void CheckEmptiness(AgentSetting setting);
   void CheckUnknownOptions(const std::string& section);
   void CheckNumber();
   void CheckKeyFolder();
@@ -79,34 +77,27 @@ const ScannedLine& AgentChecker::LineOf(AgentSetting setting) const {
 }
 
 void AgentChecker::CheckPresence(AgentSetting setting) {
-  if (Has(setting)) return;
+  if (Has(setting)) return CheckEmptiness(setting);
   const Advice advice = AdviceForAbsent(setting, &document_);
-  const auto section = origins_.find(RowOf(setting).section_name());
-  if (section == origins_.end()) {
-    findings_.push_back(FindingWithoutLine(rules::kSettingAbsent, advice));
-    return;
-  }
-  const ScannedLine& header = section->second.header;
-  findings_.push_back(
-      FindingAt(rules::kSettingAbsent, header, header.header.name, advice.message, advice.hint));
+  findings_.push_back(FindingForAbsent(rules::kSettingAbsent, origins_,
+                                       RowOf(setting).section_name(), advice.message, advice.hint));
+}
+
+void AgentChecker::CheckEmptiness(AgentSetting setting) {
+  const ScannedLine& line = LineOf(setting);
+  if (!line.option.value.empty()) return;
+  findings_.push_back(FindingAt(rules::kSettingEmpty, line, line.option.name,
+                                rules::kSettingEmpty.meaning, "write a value after the \"=\""));
 }
 
 void AgentChecker::CheckUnknownOptions(const std::string& section) {
-  const auto origin = origins_.find(section);
-  if (origin == origins_.end()) return;
-  std::set<std::string, storage::dmconfig::StringCaseCmp> known;
+  std::list<std::string> known;
   for (const AgentSettingRow& row : kAgentSettings) {
-    if (row.section_name() == section) known.insert(row.option_name());
+    if (row.section_name() == section) known.emplace_back(row.option_name());
   }
-  for (const auto& [name, line] : origin->second.options) {
-    if (known.count(name) > 0) continue;
-    const auto near =
-        settings::SuggestNames(name, std::list<std::string>(known.begin(), known.end()));
-    findings_.push_back(FindingAt(rules::kUnknownSetting, line, line.option.name,
-                                  rules::kUnknownSetting.meaning,
-                                  near.empty() ? "keep it in a section of its own"
-                                               : "did you mean " + Quoted(near.front()) + "?"));
-  }
+  const auto unknown =
+      FindUnknownOptions(origins_, section, known, "an agent start does not use this option");
+  findings_.insert(findings_.end(), unknown.begin(), unknown.end());
 }
 
 void AgentChecker::CheckNumber() {

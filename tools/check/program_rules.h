@@ -18,7 +18,9 @@ inline constexpr settings::Rule kKeyFolder =
 inline constexpr settings::Rule kRoutingTable =
     settings::ErrorRule("routing-table", "an agent cannot replace a routing table");
 inline constexpr settings::Rule kUnknownSetting =
-    settings::WarningRule("unknown-setting", "an agent start does not use this option");
+    settings::WarningRule("unknown-setting", "the program does not use this option");
+inline constexpr settings::Rule kSettingEmpty =
+    settings::WarningRule("setting-empty", "an agent start uses an empty value here");
 inline constexpr settings::Rule kNumber =
     settings::WarningRule("numeric-option", "an agent reads another number than is written here");
 inline constexpr settings::Rule kIngestMode = settings::WarningRule(
