@@ -16,12 +16,12 @@ using settings::Finding;
 namespace {
 
 std::vector<Finding> CheckForReader(const std::string& text, const std::string& file,
-                                    Program program) {
+                                    Program program, bool mention_absent) {
   switch (program) {
     case Program::kAgent:
       return CheckForAgent(text, file);
     case Program::kClient:
-      return CheckForClient(text);
+      return CheckForClient(text, mention_absent);
     case Program::kNone:
       break;
   }
@@ -40,7 +40,7 @@ void HideSecret(Finding* finding, std::size_t secret) {
 }  // namespace
 
 std::vector<Finding> CheckForProgram(const std::string& text, const std::string& file,
-                                     Program program) {
+                                     Program program, bool mention_absent) {
   const SecretLines secrets(text);
   settings::CheckOptions options;
   options.file_in_commands = file == "-" ? "FILE" : ShellQuotedFile(file);
@@ -49,7 +49,7 @@ std::vector<Finding> CheckForProgram(const std::string& text, const std::string&
   };
   std::vector<Finding> findings = settings::CheckText(text, options);
   if (!settings::HasErrors(findings)) {
-    const std::vector<Finding> more = CheckForReader(text, file, program);
+    const std::vector<Finding> more = CheckForReader(text, file, program, mention_absent);
     findings.insert(findings.end(), more.begin(), more.end());
   }
   for (Finding& finding : findings) {

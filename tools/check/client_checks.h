@@ -8,8 +8,10 @@
 
 namespace quarry::tool {
 
-// Findings about settings of a valid text that a client parses differently than they are written.
-std::vector<settings::Finding> CheckForClient(const std::string& text);
+// Findings about settings of a valid text that a client does not use, or parses differently than
+// they are written; an absent one is mentioned on demand, for a client starts without it. In no
+// order.
+std::vector<settings::Finding> CheckForClient(const std::string& text, bool mention_absent);
 
 }  // namespace quarry::tool
 

@@ -23,6 +23,10 @@ inline constexpr settings::Rule kSettingEmpty =
     settings::WarningRule("setting-empty", "an agent start uses an empty value here");
 inline constexpr settings::Rule kNumber =
     settings::WarningRule("numeric-option", "an agent reads another number than is written here");
+inline constexpr settings::Rule kUnknownSection =
+    settings::WarningRule("unknown-section", "a client does not use this section");
+inline constexpr settings::Rule kSettingOmitted = settings::WarningRule(
+    "setting-omitted", "this text does not say whether a client's ingest mode is on");
 inline constexpr settings::Rule kIngestMode = settings::WarningRule(
     "ingest-mode", "value is neither \"on\" nor \"off\": a client reads it as off");
 

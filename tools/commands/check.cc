@@ -62,7 +62,7 @@ ExitStatus RunCheck(const CheckRequest& request) {
   for (const std::string& file : request.files) {
     try {
       const std::string text = ReadInput(file);
-      const auto findings = CheckForProgram(text, file, request.program);
+      const auto findings = CheckForProgram(text, file, request.program, request.strict);
       totals.Count(findings);
       if (!findings.empty()) progress.Clear();
       report->AddFile(file, findings);
