@@ -83,6 +83,14 @@ bool IsContinuedSecret(const settings::ScannedLine& line) {
   return part.empty() || part.back() == '\\';
 }
 
+// Whether the line is no secret even below the name of one. A secret may look like a comment, or
+// like an invalid header.
+bool IsOfItsOwn(const settings::ScannedLine& line, bool continues) {
+  if (line.kind == LineKind::kComment) return false;
+  if (line.kind == LineKind::kHeader && line.fault() == LineFault::kNone) return true;
+  return !continues && line.text.find('=') != std::string_view::npos;
+}
+
 }  // namespace
 
 std::size_t FindPassword(std::string_view line) {
@@ -99,10 +107,8 @@ SecretLines::SecretLines(std::string_view text) {
   bool is_open = false;  // whether the next line may continue a secret
   for (settings::ScannedLine line; scanner.Next(&line);) {
     const bool continues = continuations.Continues(line);
-    if (line.kind == LineKind::kBlank || line.kind == LineKind::kComment) continue;
-    const bool may_continue = line.kind == LineKind::kOption &&
-                              (continues || line.text.find('=') == std::string_view::npos);
-    if (is_open && may_continue) {
+    if (line.kind == LineKind::kBlank) continue;
+    if (is_open && !IsOfItsOwn(line, continues)) {
       continued_.insert(line.number);
     } else {
       is_open = IsContinuedSecret(line);

@@ -15,7 +15,8 @@ namespace quarry::tool {
 std::size_t FindPassword(std::string_view line);
 
 // The secrets of a text, with those that have a line of their own: a secret whose option line is
-// empty, or ends in a backslash, is continued by the next lines that are no options of their own.
+// empty, or ends in a backslash, is continued by the next lines that are no options or headers of
+// their own.
 class SecretLines {
  public:
   explicit SecretLines(std::string_view text);
