@@ -24,7 +24,8 @@ bool IsInclude(std::string_view line) {
 }
 
 bool HasOtherCommentMark(std::string_view line) {
-  return line[0] == '!' || line.substr(0, 2) == "//" || line.substr(0, 2) == "--";
+  const std::string_view two = line.substr(0, 2);
+  return line[0] == '!' || two == "//" || two == "/*" || two == "--";
 }
 
 // "NAME = VALUE" with the parts before and from `value` on; with these words when a part is empty,

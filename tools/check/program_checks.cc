@@ -4,7 +4,9 @@
 
 #include "settings/error.h"
 #include "settings/suggestions.h"
+#include "tools/check/password_line.h"
 #include "tools/check/program_rules.h"
+#include "tools/terminal/redactor.h"
 
 namespace quarry::tool {
 
@@ -13,15 +15,25 @@ using settings::FindingAt;
 using settings::OriginMap;
 using settings::Quoted;
 
+namespace {
+
+// The name for a hint. It ends in a secret when "password = x" lost its "=".
+std::string ShownName(const std::string& name) {
+  const std::size_t secret = FindPassword(name);
+  return Quoted(secret < name.size() ? name.substr(0, secret) + kMask : name);
+}
+
+}  // namespace
+
 std::string HintForAbsent(const std::string& section, const std::string& option,
                           settings::Document* document) {
   std::string hint = "add \"" + option + " = ...\" to section [" + section + "]";
   const auto near = settings::SuggestNames(option, document->Options(section));
   const auto near_sections = settings::SuggestNames(section, document->Sections());
   if (!near.empty()) {
-    hint += ", or correct " + Quoted(near.front()) + " there";
+    hint += ", or correct " + ShownName(near.front()) + " there";
   } else if (!document->HasSection(section) && !near_sections.empty()) {
-    hint += ", or correct section " + Quoted(near_sections.front());
+    hint += ", or correct section " + ShownName(near_sections.front());
   }
   return hint;
 }
