@@ -95,8 +95,7 @@ bool IsOfItsOwn(const settings::ScannedLine& line, bool continues) {
 
 std::size_t FindPassword(std::string_view line) {
   const std::string folded = settings::Folded(line);
-  std::size_t end = EndOfPasswordName(folded);
-  if (end == std::string::npos) end = EndOfLikelyName(folded);
+  const std::size_t end = std::min(EndOfPasswordName(folded), EndOfLikelyName(folded));
   return end == std::string::npos ? end
                                   : std::min(line.find_first_not_of(kSeparators, end), line.size());
 }
