@@ -51,22 +51,34 @@ std::size_t BeginOfNames(const std::string& text) {
   return close == std::string::npos ? first : close + 1;
 }
 
-// The end of the first word before the first "=" that is spelled much like the name of the
-// password, or is a usual name of a secret.
-std::size_t EndOfLikelyName(const std::string& line) {
-  constexpr std::size_t kSpellingChecked = 1000;  // what comes later in a line is a value
+// The end of the first word before the first "=" for which `is_name(word, offset)` is true; npos
+// when there is none. Offsets count from where names may begin.
+template <typename IsName>
+std::size_t EndOfName(const std::string& line, IsName is_name) {
   const std::string text = line.substr(0, line.find('='));
   const std::size_t first = BeginOfNames(text);
   for (std::size_t begin = first;;) {
     begin = text.find_first_not_of(kBeforeNames, begin);
     if (begin == std::string::npos) return begin;
     const std::size_t end = std::min(text.find_first_of(kSeparators, begin), text.size());
-    const std::string word = text.substr(begin, end - begin);
-    if (IsUsualForSecrets(word)) return end;
-    const bool is_checked = begin - first < kSpellingChecked;
-    if (is_checked && !settings::SuggestNames(word, {PasswordName()}).empty()) return end;
+    if (is_name(text.substr(begin, end - begin), begin - first)) return end;
     begin = end;
   }
+}
+
+bool IsMisspelledPassword(const std::string& name, std::size_t offset) {
+  constexpr std::size_t kSpellingChecked = 1000;  // what comes later in a line is a value
+  return offset < kSpellingChecked && !settings::SuggestNames(name, {PasswordName()}).empty();
+}
+
+std::size_t EndOfPassword(const std::string& line) {
+  return std::min(EndOfPasswordName(line), EndOfName(line, IsMisspelledPassword));
+}
+
+// The offset of what follows a name that ends at `end`.
+std::size_t AfterName(std::string_view line, std::size_t end) {
+  return end == std::string::npos ? end
+                                  : std::min(line.find_first_not_of(kSeparators, end), line.size());
 }
 
 // Whether the line names a secret that the next line may hold, or hold the rest of.
@@ -77,7 +89,7 @@ bool IsContinuedSecret(const settings::ScannedLine& line) {
   if (value.find_first_not_of(kSeparators) != std::string_view::npos && value.back() != '\\') {
     return false;
   }
-  const std::size_t secret = FindPassword(line.raw);
+  const std::size_t secret = FindSecret(line.raw);
   if (secret == std::string_view::npos) return false;
   const std::string_view part = settings::WithoutTrailingBlanks(line.raw.substr(secret));
   return part.empty() || part.back() == '\\';
@@ -94,10 +106,15 @@ bool IsOfItsOwn(const settings::ScannedLine& line, bool continues) {
 }  // namespace
 
 std::size_t FindPassword(std::string_view line) {
+  return AfterName(line, EndOfPassword(settings::Folded(line)));
+}
+
+std::size_t FindSecret(std::string_view line) {
   const std::string folded = settings::Folded(line);
-  const std::size_t end = std::min(EndOfPasswordName(folded), EndOfLikelyName(folded));
-  return end == std::string::npos ? end
-                                  : std::min(line.find_first_not_of(kSeparators, end), line.size());
+  const auto is_usual = [](const std::string& name, std::size_t) {
+    return IsUsualForSecrets(name);
+  };
+  return AfterName(line, std::min(EndOfPassword(folded), EndOfName(folded, is_usual)));
 }
 
 SecretLines::SecretLines(std::string_view text) {
@@ -117,7 +134,7 @@ SecretLines::SecretLines(std::string_view text) {
 
 std::size_t SecretLines::Find(std::size_t number, std::string_view line) const {
   if (continued_.count(number) > 0) return line.find_first_not_of(" \t\r");
-  const std::size_t secret = FindPassword(line);
+  const std::size_t secret = FindSecret(line);
   return secret == line.size() ? std::string_view::npos : secret;
 }
 

@@ -8,11 +8,13 @@
 
 namespace quarry::tool {
 
-// Returns the offset of what follows a password's name in a line, even in a malformed line or
-// misspelled; the line's size when nothing follows, npos when no name is there. Names are the
-// agent's password, and what is usual for a secret: "db_passwd", "ClientSecret", "api-token",
-// "rootpwd".
+// Returns the offset of what follows the name of the agent's password in a line, even in a malformed
+// line or misspelled; the line's size when nothing follows, npos when no such name is there.
 std::size_t FindPassword(std::string_view line);
+
+// The same for names that are usual for a secret as well: "db_passwd", "ClientSecret", "api-token",
+// "rootpwd".
+std::size_t FindSecret(std::string_view line);
 
 // The secrets of a text, with those that have a line of their own: a secret whose option line is
 // empty, or ends in a backslash, is continued by the next lines that are no options or headers of

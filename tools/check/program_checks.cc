@@ -19,7 +19,7 @@ namespace {
 
 // The name for a hint. It ends in a secret when "password = x" lost its "=".
 std::string ShownName(const std::string& name) {
-  const std::size_t secret = FindPassword(name);
+  const std::size_t secret = FindSecret(name);
   return Quoted(secret < name.size() ? name.substr(0, secret) + kMask : name);
 }
 
