@@ -100,6 +100,11 @@ for file in broken no-equals; do
   for command in list dump client; do run "$stored_plain" 3 $command plain/$file.conf; done
   run "$stored_plain" 3 set plain/$file.conf Log level debug
 done
+run "$stored_plain" 0 list --origin plain/agent.conf
+run "$stored_plain" 0 set --dry-run plain/agent.conf CR login you
+run "$stored_plain" 0 unset --dry-run plain/agent.conf CR password
+run "$stored_plain" 1 diff plain/agent.conf agent.conf
+run "$stored_plain" 1 diff --json plain/agent.conf agent.conf
 run "$stored_plain" 1 get plain/agent.conf CR pasword
 run "$stored_plain" 1 list plain/agent.conf CRR
 # The search finds what is there.

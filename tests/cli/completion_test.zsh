@@ -42,7 +42,7 @@ expect() { # SHELL LINE WANTED
 }
 
 cases=( # the line, what it becomes
-  'set f.conf --'                       'set f.conf --create --dry-run --from --help'
+  'set f.conf --'                       'set f.conf --create --dry-run --from --help --show-secrets'
   'set f'                               'set f.conf folder/'
   'seal '                               'seal folder/'
   'check --as '                         'check --as agent client'

@@ -62,4 +62,8 @@ Word DryRunFlag(bool* dry_run) {
   return Flag("--dry-run", dry_run, "Show the edit as a unified diff, do not make it");
 }
 
+Word ShowSecretsFlag(bool* show_secrets) {
+  return Flag("--show-secrets", show_secrets, "Do not hide passwords that are in plain text");
+}
+
 }  // namespace quarry::tool

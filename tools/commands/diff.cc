@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "tools/check/plain_password.h"
 #include "tools/commands/command.h"
 #include "tools/commands/open_document.h"
 #include "tools/terminal/json.h"
@@ -17,6 +18,7 @@ namespace {
 struct DiffRequest {
   std::string left, right;
   bool json = false;
+  bool show_secrets = false;
 };
 
 // A section (without an option) or an option that is on one side only, or an
@@ -83,6 +85,15 @@ void Comparison::CompareOption(const std::string& section, const std::string& op
   if (left != right) differences_.push_back({section, option, left, right});
 }
 
+void HidePasswords(std::vector<Difference>* differences) {
+  for (Difference& one : *differences) {
+    if (!one.option) continue;
+    for (std::optional<std::string>* value : {&one.left, &one.right}) {
+      if (*value) *value = RedactedValue(*one.option, **value);
+    }
+  }
+}
+
 // "- [Server] threads = 4" and "+ [Server] threads = 8".
 std::string DifferencesText(const std::vector<Difference>& differences) {
   std::string text;
@@ -134,7 +145,8 @@ ExitStatus RunDiff(const DiffRequest& request) {
   }
   Document left = OpenDocument(request.left);
   Document right = OpenDocument(request.right);
-  const auto differences = Comparison(&left, &right).Compare();
+  std::vector<Difference> differences = Comparison(&left, &right).Compare();
+  if (!request.show_secrets) HidePasswords(&differences);
   WriteStandardOutput(request.json ? DifferencesJson(request, differences)
                                    : DifferencesText(differences));
   return differences.empty() ? kExitDone : kExitNo;
@@ -148,6 +160,7 @@ Declaration DeclareDiff() {
               Argument("A", ValueKind::kFile, &request->left, "One file"),
               Argument("B", ValueKind::kFile, &request->right, "The other file"),
               Flag("--json", &request->json, "Print the differences as JSON"),
+              ShowSecretsFlag(&request->show_secrets),
           },
           BindRequest(request, RunDiff)};
 }

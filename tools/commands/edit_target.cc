@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "settings/unified_diff.h"
+#include "tools/check/plain_password.h"
 #include "tools/terminal/errors.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal_text.h"
@@ -16,14 +17,18 @@ using settings::FileReplacement;
 
 namespace {
 
-std::string DiffOf(const std::string& before, const std::string& file, const EditedText& edited) {
-  return settings::UnifiedDiff(EscapeForTerminal(InputName(file)), before, edited.edit);
+std::string DiffFor(const EditTarget& target, const std::string& before,
+                    const settings::TextEdit& edit) {
+  const std::string name = EscapeForTerminal(InputName(target.file));
+  return target.show_secrets
+             ? settings::UnifiedDiff(name, before, edit)
+             : settings::UnifiedDiff(name, RedactedText(before), RedactedEdit(edit));
 }
 
 EditedText EditStandardInput(const EditTarget& target, const EditFunction& edit) {
   const std::string text = ReadInput(target.file);
   EditedText edited = edit(text);
-  WriteStandardOutput(target.dry_run ? DiffOf(text, target.file, edited) : edited.text);
+  WriteStandardOutput(target.dry_run ? DiffFor(target, text, edited.edit) : edited.text);
   return edited;
 }
 
@@ -49,7 +54,7 @@ EditedText MakeEdit(const EditTarget& target, const EditFunction& edit) {
   FileReplacement file = OpenForEdit(target.file, std::move(options));
   EditedText edited = edit(file.text());
   if (target.dry_run) {
-    WriteStandardOutput(DiffOf(file.text(), target.file, edited));
+    WriteStandardOutput(DiffFor(target, file.text(), edited.edit));
   } else {
     file.Replace(edited.text);
   }

@@ -11,9 +11,10 @@
 namespace quarry::tool {
 
 struct EditTarget {
-  std::string file;      // "-": standard input, edited to standard output
-  bool create = false;   // the file may be absent
-  bool dry_run = false;  // shows the edit on standard output and does not make it
+  std::string file;           // "-": standard input, edited to standard output
+  bool create = false;        // the file may be absent
+  bool dry_run = false;       // shows the edit on standard output and does not make it
+  bool show_secrets = false;  // ... with passwords that are in plain text
 };
 
 using EditFunction = std::function<settings::EditedText(const std::string& text)>;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "settings/line_scanner.h"
+#include "tools/check/plain_password.h"
 #include "tools/commands/command.h"
 #include "tools/commands/document_json.h"
 #include "tools/commands/open_document.h"
@@ -21,6 +22,7 @@ struct ListRequest {
   std::optional<std::string> section;
   bool origin = false;
   bool json = false;
+  bool show_secrets = false;
 };
 
 std::string NamesText(const ListRequest& request, Document* document) {
@@ -31,15 +33,17 @@ std::string NamesText(const ListRequest& request, Document* document) {
   return text;
 }
 
-std::string OriginText(const std::list<std::string>& sections, Document* document) {
+std::string OriginText(const std::list<std::string>& sections, bool show_secrets,
+                       Document* document) {
   const settings::OriginMap origins = settings::FindOrigins(document->text());
   const std::string file = EscapeForTerminal(InputName(document->file()));
   std::string text;
   for (const std::string& section : sections) {
     for (const auto& [name, stored] : document->Record(section).option_map) {
+      const std::string value = show_secrets ? stored.value : RedactedValue(name, stored.value);
       text += file + ':' + std::to_string(origins.at(section).options.at(name).number) + ": [" +
               EscapeForTerminal(section) + "] " + EscapeForTerminal(name) + " = " +
-              EscapeForTerminal(stored.value) + '\n';
+              EscapeForTerminal(value) + '\n';
     }
   }
   return text;
@@ -54,7 +58,7 @@ ExitStatus RunList(const ListRequest& request) {
   if (request.json) {
     WriteStandardOutput(DocumentJson(sections, request.origin, &document));
   } else if (request.origin) {
-    WriteStandardOutput(OriginText(sections, &document));
+    WriteStandardOutput(OriginText(sections, request.show_secrets, &document));
   } else {
     WriteStandardOutput(NamesText(request, &document));
   }
@@ -72,6 +76,7 @@ Declaration DeclareList() {
                            "Show this section only"),
           Flag("--origin", &request->origin, "Show every option with its value and line"),
           Flag("--json", &request->json, "Print sections, options, values and comments as JSON"),
+          ShowSecretsFlag(&request->show_secrets),
       },
       BindRequest(request, RunList)};
 }

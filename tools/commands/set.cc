@@ -33,6 +33,7 @@ struct SetRequest {
   std::optional<std::string> changes;
   bool create = false;
   bool dry_run = false;
+  bool show_secrets = false;
 };
 
 bool EndsInCarriageReturn(std::string_view value) { return !value.empty() && value.back() == '\r'; }
@@ -114,12 +115,12 @@ std::vector<Setting> SettingsFor(const SetRequest& request) {
 
 ExitStatus RunSet(const SetRequest& request) {
   const std::vector<Setting> settings = SettingsFor(request);
-  const EditedText edited =
-      MakeEdit({request.file, request.create, request.dry_run}, [&](const std::string& text) {
-        for (const Setting& setting : settings) settings::RequireRoundTrip(setting);
-        settings::Document document = OpenDocument(request.file, text);
-        return settings::WithSettings(&document, settings);
-      });
+  const EditTarget target = {request.file, request.create, request.dry_run, request.show_secrets};
+  const EditedText edited = MakeEdit(target, [&](const std::string& text) {
+    for (const Setting& setting : settings) settings::RequireRoundTrip(setting);
+    settings::Document document = OpenDocument(request.file, text);
+    return settings::WithSettings(&document, settings);
+  });
   WarnOfCarriageReturns(request.file, edited, settings);
   WarnOfPlainPassword(settings);
   return kExitDone;
@@ -139,6 +140,7 @@ Declaration DeclareSet() {
                  "Set all options of this file, or none"),
           Flag("--create", &request->create, "Make a new file when there is none"),
           DryRunFlag(&request->dry_run),
+          ShowSecretsFlag(&request->show_secrets),
       },
       BindRequest(request, RunSet)};
 }

@@ -14,10 +14,12 @@ struct UnsetRequest {
   std::string option;
   bool with_comment = false;
   bool dry_run = false;
+  bool show_secrets = false;
 };
 
 ExitStatus RunUnset(const UnsetRequest& request) {
-  MakeEdit({request.file, false, request.dry_run}, [&](const std::string& text) {
+  const EditTarget target = {request.file, false, request.dry_run, request.show_secrets};
+  MakeEdit(target, [&](const std::string& text) {
     settings::Document document = OpenDocument(request.file, text);
     RequireOption(request.section, request.option, &document);
     return settings::WithoutOption(&document, request.section, request.option,
@@ -37,6 +39,7 @@ Declaration DeclareUnset() {
               Flag("--with-comment", &request->with_comment,
                    "Remove also the comment lines directly above it"),
               DryRunFlag(&request->dry_run),
+              ShowSecretsFlag(&request->show_secrets),
           },
           BindRequest(request, RunUnset)};
 }
