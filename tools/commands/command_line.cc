@@ -2,13 +2,16 @@
 // longer than to read an ordinary file. Workarounds for CLI11 2.1, which has no settings for these:
 //   SplitEmptyValues       CLI11 looks for the value of "--default=" in the next word
 //   ProtectBrackets        CLI11 splits a word in brackets where an argument may be repeated
+//   ThrowTooMany           CLI11 lists these arguments in reverse
 //   RequireKnownOptions    CLI11 reports a missing argument rather than an unknown option
+//   Wrapped                CLI11 writes a description in one line, however long
 //   UsageMessage           some messages of CLI11 are not meant for users
 #include "tools/commands/command_line.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <list>
+#include <sstream>
 #include <utility>
 
 #include "settings/suggestions.h"
@@ -30,12 +33,29 @@ const char kStatuses[] =
     "done (a file unreadable, invalid, locked or not written).";
 const char kDescription[] = "Checks, queries and edits configuration files.";
 constexpr char kProtection = '\x01';
+constexpr std::size_t kHelpColumns = 80;
+constexpr std::size_t kDescriptionIndent = 30;
 
 void SetUpHelp(CLI::App* app) {
   app->get_formatter()->label("SUBCOMMAND", "COMMAND");
   app->get_formatter()->label("REQUIRED", "");
   app->get_formatter()->label("TEXT", "");
+  app->get_formatter()->column_width(kDescriptionIndent);
   app->set_help_flag("-h,--help", "Show this help and end");
+}
+
+// The description of an option or a command, in lines that fit beside its name.
+std::string Wrapped(const std::string& description) {
+  std::istringstream words(description);
+  std::string text;
+  std::size_t columns = 0;
+  for (std::string word; words >> word;) {
+    const bool fits = columns + 1 + word.size() <= kHelpColumns - kDescriptionIndent;
+    if (!text.empty()) text += fits ? ' ' : '\n';
+    columns = fits ? columns + 1 + word.size() : word.size();
+    text += word;
+  }
+  return text;
 }
 
 // The help that lists the commands.
@@ -43,9 +63,9 @@ std::string Help() {
   CLI::App app(kDescription, "quarry-config");
   SetUpHelp(&app);
   app.require_subcommand(1);
-  app.add_flag("--version", "Show the versions of the program and its libraries and end");
+  app.add_flag("--version")->description(Wrapped("Show the versions of the program and libraries"));
   for (const Command& command : Commands()) {
-    app.add_subcommand(command.name, command.description)->group("Commands");
+    app.add_subcommand(command.name, Wrapped(command.description))->group("Commands");
   }
   app.footer(std::string(kInput) + kStatuses);
   return app.help();
@@ -77,6 +97,11 @@ std::string OptionNameIn(const std::string& word) {
   return word[1] >= '0' && word[1] <= '9' ? "" : word.substr(0, 2);
 }
 
+// The word without the mark of ProtectBrackets.
+std::string Unprotected(const std::string& word) {
+  return word.substr(0, 1) == std::string(1, kProtection) ? word.substr(1) : word;
+}
+
 std::string UsageMessage(const CLI::ParseError& error) {
   std::string text = error.what();
   text.erase(std::remove(text.begin(), text.end(), kProtection), text.end());
@@ -99,6 +124,7 @@ class CommandLine {
  private:
   CLI::Option* Add(const Word& word);
   static void Store(const Word& word, const CLI::Option& option);
+  [[noreturn]] void ThrowTooMany() const;
   void RequireKnownOptions() const;
   void SplitEmptyValues();
   void ProtectBrackets();
@@ -126,10 +152,10 @@ CommandLine::CommandLine(const Command& command, std::vector<std::string> words)
 }
 
 CLI::Option* CommandLine::Add(const Word& word) {
-  if (word.placeholder.empty()) return app_.add_flag(word.name, word.help);
+  if (word.placeholder.empty()) return app_.add_flag(word.name)->description(Wrapped(word.help));
   const bool is_argument = word.name.empty();
   CLI::Option* const option = app_.add_option(is_argument ? word.placeholder : word.name);
-  option->description(word.help)->required(word.required);
+  option->description(Wrapped(word.help))->required(word.required);
   if (!is_argument) option->type_name(word.placeholder)->take_last();
   if (word.repeated) option->expected(1, -1)->allow_extra_args();
   if (!word.choices.empty()) option->check(CLI::IsMember(word.choices));
@@ -146,6 +172,8 @@ ExitStatus CommandLine::Run() {
   } catch (const CLI::CallForHelp&) {
     WriteStandardOutput(app_.help());
     return kExitDone;
+  } catch (const CLI::ExtrasError&) {
+    ThrowTooMany();
   } catch (const CLI::ParseError& error) {
     throw ToolError(kExitUsage, UsageMessage(error), UsageHint());
   }
@@ -154,10 +182,19 @@ ExitStatus CommandLine::Run() {
 }
 
 void CommandLine::Store(const Word& word, const CLI::Option& option) {
-  for (std::string value : option.results()) {
-    if (!value.empty() && value[0] == kProtection) value.erase(0, 1);
-    word.store(value);
+  for (const std::string& value : option.results()) word.store(Unprotected(value));
+}
+
+void CommandLine::ThrowTooMany() const {
+  std::vector<std::string> extras = app_.remaining();
+  const auto mark = std::find(extras.begin(), extras.end(), "--");
+  if (mark != extras.end()) extras.erase(mark);
+  std::string list;
+  for (const std::string& extra : extras) {
+    list += (list.empty() ? "" : ", ") + Quoted(Unprotected(extra));
   }
+  throw ToolError(kExitUsage, "too many arguments: " + list,
+                  UsageHint() + "; put quotes around a name or value that contains blanks");
 }
 
 void CommandLine::RequireKnownOptions() const {

@@ -19,10 +19,10 @@ Declaration DeclareSeal();
 const std::vector<Command>& Commands() {
   static const std::vector<Command> kCommands = {
       {"check", "Show every error and warning in files", true, DeclareCheck},
-      {"list", "Show the sections of a file, or one section's options", true, DeclareList},
+      {"list", "Show the sections, or the options of one section", true, DeclareList},
       {"get", "Show the value of one option", true, DeclareGet},
-      {"set", "Set options, leaving every other line as it is", true, DeclareSet},
-      {"unset", "Remove an option, leaving every other line as it is", true, DeclareUnset},
+      {"set", "Set options, leaving other lines as they are", true, DeclareSet},
+      {"unset", "Remove an option, leaving other lines as they are", true, DeclareUnset},
       {"edit", "Edit a file with $VISUAL or $EDITOR and check it before it is saved", false,
        DeclareEdit},
       {"dump", "Show a file as a program would save it", true, DeclareDump},
