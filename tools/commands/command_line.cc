@@ -14,8 +14,8 @@
 #include <sstream>
 #include <utility>
 
-#include "settings/suggestions.h"
 #include "tools/commands/command.h"
+#include "tools/commands/other_words.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/version.h"
 
@@ -78,16 +78,17 @@ const Command* FindCommand(const std::string& name) {
   return found == all.end() ? nullptr : &*found;
 }
 
-[[noreturn]] void ThrowNoCommand(const std::string& word) {
-  const std::string help_hint = word.substr(0, 1) == "-"
-                                    ? "options go after the command; see: quarry-config --help"
-                                    : "see: quarry-config --help";
-  if (word.empty()) throw ToolError(kExitUsage, "no command is given", help_hint);
-  std::list<std::string> known;
-  for (const Command& command : Commands()) known.emplace_back(command.name);
-  const auto near = settings::SuggestNames(word, known);
-  throw ToolError(kExitUsage, "unknown command " + Quoted(word),
-                  near.empty() ? help_hint : "did you mean " + near.front() + "?");
+[[noreturn]] void ThrowNoCommand(const std::vector<std::string>& words) {
+  const std::string word = words.empty() ? "" : words.front();
+  if (word.empty()) {
+    throw ToolError(kExitUsage, "no command is given", "see: quarry-config --help");
+  }
+  std::string hint = HintForUnknownCommand(words);
+  if (hint.empty()) {
+    hint = std::string(word[0] == '-' ? "options go after the command; " : "") +
+           "see: quarry-config --help";
+  }
+  throw ToolError(kExitUsage, "unknown command " + Quoted(word), hint);
 }
 
 // The name of the option in a word; empty for other words. A number is not an option.
@@ -126,11 +127,13 @@ class CommandLine {
   static void Store(const Word& word, const CLI::Option& option);
   [[noreturn]] void ThrowTooMany() const;
   void RequireKnownOptions() const;
+  [[noreturn]] void ThrowUnknownOption(const std::string& name) const;
   void SplitEmptyValues();
   void ProtectBrackets();
   std::string UsageHint() const;
+  std::string HintForTooFew() const;
 
-  const std::string name_;  // of program and command
+  const std::string command_;
   std::vector<std::string> words_;
   const Declaration declaration_;
   CLI::App app_;
@@ -138,10 +141,10 @@ class CommandLine {
 };
 
 CommandLine::CommandLine(const Command& command, std::vector<std::string> words)
-    : name_("quarry-config " + std::string(command.name)),
+    : command_(command.name),
       words_(std::move(words)),
       declaration_(command.declare()),
-      app_(command.description, name_) {
+      app_(command.description, "quarry-config " + command_) {
   SetUpHelp(&app_);
   app_.footer((command.reads_input ? kInput : "") + std::string(kStatuses));
   for (const Word& word : declaration_.words) options_.push_back(Add(word));
@@ -174,6 +177,8 @@ ExitStatus CommandLine::Run() {
     return kExitDone;
   } catch (const CLI::ExtrasError&) {
     ThrowTooMany();
+  } catch (const CLI::RequiredError& error) {
+    throw ToolError(kExitUsage, UsageMessage(error), HintForTooFew());
   } catch (const CLI::ParseError& error) {
     throw ToolError(kExitUsage, UsageMessage(error), UsageHint());
   }
@@ -202,16 +207,25 @@ void CommandLine::RequireKnownOptions() const {
     const std::string name = OptionNameIn(words_[i]);
     if (name.empty()) continue;
     const CLI::Option* const option = app_.get_option_no_throw(name);
-    if (option == nullptr) {
-      throw ToolError(kExitUsage, "unknown option " + Quoted(name),
-                      UsageHint() + "; put \"--\" before a name or value that begins with \"-\"");
-    }
+    if (option == nullptr) ThrowUnknownOption(name);
     const bool expects_value = option->get_expected_max() > 0;
     if (!expects_value && words_[i] != name) {
       throw ToolError(kExitUsage, name + " takes no value", UsageHint());
     }
     if (expects_value && words_[i] == name) ++i;
   }
+}
+
+void CommandLine::ThrowUnknownOption(const std::string& name) const {
+  std::list<std::string> known;
+  for (const Word& word : declaration_.words) {
+    if (!word.name.empty()) known.push_back(word.name);
+  }
+  const std::string hint = HintForUnknownOption(name, known);
+  Diagnostic diagnostic =
+      Message("unknown option " + Quoted(name), hint.empty() ? UsageHint() : hint);
+  diagnostic.hints.emplace_back("put \"--\" before a name or value that begins with \"-\"");
+  throw ToolError(kExitUsage, {diagnostic});
 }
 
 void CommandLine::SplitEmptyValues() {
@@ -229,7 +243,19 @@ void CommandLine::ProtectBrackets() {
   }
 }
 
-std::string CommandLine::UsageHint() const { return "see: " + name_ + " --help"; }
+std::string CommandLine::HintForTooFew() const {
+  std::vector<std::string> given;
+  std::size_t wanted = 0;
+  for (std::size_t i = 0; i < options_.size(); ++i) {
+    if (!declaration_.words[i].name.empty()) continue;
+    ++wanted;
+    for (const std::string& value : options_[i]->results()) given.push_back(Unprotected(value));
+  }
+  const std::string hint = HintForJoinedNames(command_, given, wanted);
+  return hint.empty() ? UsageHint() : hint;
+}
+
+std::string CommandLine::UsageHint() const { return "see: quarry-config " + command_ + " --help"; }
 
 }  // namespace
 
@@ -244,7 +270,7 @@ ExitStatus RunCommandLine(const std::vector<std::string>& words) {
     return kExitDone;
   }
   const Command* const command = FindCommand(first);
-  if (command == nullptr) ThrowNoCommand(first);
+  if (command == nullptr) ThrowNoCommand(words);
   return CommandLine(*command, {std::next(words.begin()), words.end()}).Run();
 }
 

@@ -13,6 +13,7 @@
 #include "tools/commands/command.h"
 #include "tools/commands/edit_target.h"
 #include "tools/commands/open_document.h"
+#include "tools/commands/other_words.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal_text.h"
 
@@ -102,12 +103,21 @@ std::vector<Setting> ReadChanges(const SetRequest& request) {
   return SettingsOf(&changes);
 }
 
+std::string HintForTooFew(const SetRequest& request) {
+  std::vector<std::string> given = {request.file};
+  for (const auto* word : {&request.section, &request.option}) {
+    if (*word) given.push_back(**word);
+  }
+  return HintForJoinedNames("set", given, 4);
+}
+
 std::vector<Setting> SettingsFor(const SetRequest& request) {
   const bool complete = request.value.has_value();
   const bool none = !request.section.has_value();
   if (request.changes ? !none : !complete) {
+    const std::string hint = request.changes ? "" : HintForTooFew(request);
     throw ToolError(kExitUsage, "give either SECTION, OPTION and VALUE or --from CHANGES",
-                    "see: quarry-config set --help");
+                    hint.empty() ? "see: quarry-config set --help" : hint);
   }
   if (request.changes) return ReadChanges(request);
   return {{*request.section, *request.option, *request.value}};
