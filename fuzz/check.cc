@@ -44,7 +44,7 @@ void TryInput(const std::string& input) {
   for (const Finding& finding : findings) {
     Require(finding.line > 0 && finding.column > 0 && finding.length > 0, "a finding is somewhere");
     const tool::Diagnostic diagnostic = tool::DiagnosticsOf({finding}, "a file").front();
-    Require(IsFitForATerminal(FormatDiagnostic(diagnostic, false)),
+    Require(IsFitForATerminal(FormatDiagnostic(diagnostic, false, 80)),
             "no control bytes reach a terminal");
   }
 }

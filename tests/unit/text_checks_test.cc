@@ -64,6 +64,8 @@ TEST(ExcerptOf, QuotesTheLineAndMarksIt) {
     std::string shown, marks;
   };
   const std::string many(200, 'x');
+  std::string accents;
+  while (accents.size() < 600) accents += "\xCC\x81";
   const Case cases[] = {
       {"tabs before", "\ta\tb", 3, 1, "\ta\tb", "\t \t^"},
       {"wide and combining",
@@ -74,8 +76,6 @@ TEST(ExcerptOf, QuotesTheLineAndMarksIt) {
        "e\xCC\x81 #",
        std::string(8, ' ') + '^'},
       {"a tab first", "=\t  ", 1, 3, "=\t  ", " ^~~"},
-      {"cut before a character", std::string(99, 'x') + "\xC3\xA4", 0, 1,
-       std::string(99, 'x') + "...", "^"},
       {"tabs within", "ab\tcd", 0, 5, "ab\tcd", "^~"},
       {"controls", "\x7f[m\x07x", 4, 1, "\\x7f[m\\x07x", "          ^"},
       {"broken UTF-8", "\xC3(\xFF\xED\xA0\x80", 1, 1, "\\xc3(\\xff\\xed\\xa0\\x80", "    ^"},
@@ -88,16 +88,25 @@ TEST(ExcerptOf, QuotesTheLineAndMarksIt) {
        "\\xc2\\xad\\xd8\\x9c\\xe2\\x80\\x8b\\xe3\\x85\\xa4\\xf3\\xa0\\x80\\x81\xE3\x85\xA3",
        "^~~~"},
       {"past the end", "ab", 2, 0, "ab", "  ^"},
-      {"long", many + "!" + many, 200, 1,
-       "..." + std::string(40, 'x') + "!" + std::string(59, 'x') + "...",
-       std::string(43, ' ') + '^'},
-      {"long at its end", many, 199, 9, "..." + std::string(41, 'x'), std::string(43, ' ') + '^'},
-      {"long in UTF-8", many + "\xF0\x9D\x84\x9E" + std::string(39, 'x') + "!", 243, 1,
-       "...\xF0\x9D\x84\x9E" + std::string(39, 'x') + "!", std::string(43, ' ') + '^'},
+      // Of 65 columns, 60 are for the line.
+      {"fits", std::string(60, 'x'), 59, 1, std::string(60, 'x'), std::string(59, ' ') + '^'},
+      {"long", many + "!" + many, 200, 9,
+       "..." + std::string(21, 'x') + "!" + std::string(32, 'x') + "...",
+       std::string(24, ' ') + "^~~~~~~~~"},
+      {"long from its begin", "xxx!" + many, 3, 1, "xxx!" + std::string(53, 'x') + "...", "   ^"},
+      {"long at its end", many, 199, 9, "..." + std::string(54, 'x'), std::string(56, ' ') + '^'},
+      {"marked after its end", std::string(60, 'x'), 60, 1, "..." + std::string(53, 'x'),
+       std::string(56, ' ') + '^'},
+      {"long with wide ones", std::string(200, 1) + std::string(20, 'y') + "!\x1b" + many, 220, 1,
+       "..." + std::string(20, 'y') + "!\\x1b" + std::string(29, 'x') + "...",
+       std::string(23, ' ') + '^'},
+      {"long with tabs", "!\t\t\t\t\t\t" + std::string(16, 'x') + "\xE4\xB8\xAD", 0, 1,
+       "!\t\t\t\t\t\t" + std::string(14, 'x') + "...", "^"},
+      {"many without width", '!' + accents, 0, 1, '!' + accents.substr(0, 226) + "...", "^"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    const Excerpt excerpt = ExcerptOf(c.line, c.offset, c.length);
+    const Excerpt excerpt = ExcerptOf(c.line, c.offset, c.length, {5, 65});
     EXPECT_EQ(excerpt.line, c.shown);
     EXPECT_EQ(excerpt.marks, c.marks);
   }

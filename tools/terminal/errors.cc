@@ -20,10 +20,13 @@ std::string Paint(const char* code, const std::string& text) {
   return "\x1b[" + std::string(code) + 'm' + text + "\x1b[0m";
 }
 
-std::string FormatQuotation(const Diagnostic::Quotation& quotation, const char* colour) {
-  const Excerpt excerpt = ExcerptOf(quotation.line, quotation.offset, quotation.length);
+std::string FormatQuotation(const Diagnostic::Quotation& quotation, const char* colour,
+                            std::size_t columns) {
   const std::string number = std::to_string(quotation.number);
-  return "  " + number + " | " + excerpt.line + "\n  " + std::string(number.size(), ' ') + " | " +
+  const std::string before = "  " + number + " | ";
+  const Excerpt excerpt =
+      ExcerptOf(quotation.line, quotation.offset, quotation.length, {before.size(), columns});
+  return before + excerpt.line + "\n  " + std::string(number.size(), ' ') + " | " +
          (colour == nullptr ? excerpt.marks : Paint(colour, excerpt.marks)) + '\n';
 }
 
@@ -46,7 +49,7 @@ Diagnostic Warning(std::string message, const std::string& hint) {
   return diagnostic;
 }
 
-std::string FormatDiagnostic(const Diagnostic& diagnostic, bool coloured) {
+std::string FormatDiagnostic(const Diagnostic& diagnostic, bool coloured, std::size_t columns) {
   coloured = coloured && !diagnostic.place.empty();
   const char* const colour = !coloured ? nullptr : diagnostic.is_warning ? kBoldMagenta : kBoldRed;
   const auto paint = [coloured](const char* code, const std::string& text) {
@@ -59,7 +62,8 @@ std::string FormatDiagnostic(const Diagnostic& diagnostic, bool coloured) {
   const std::string message = EscapeForTerminal(diagnostic.message);
   report += diagnostic.is_warning ? paint(colour, "warning: ") + message : paint(colour, message);
   report += '\n';
-  if (diagnostic.quotation.number != 0) report += FormatQuotation(diagnostic.quotation, colour);
+  if (diagnostic.quotation.number != 0)
+    report += FormatQuotation(diagnostic.quotation, colour, columns);
   for (const std::string& hint : diagnostic.hints) {
     report += "  hint: " + EscapeForTerminal(hint) + '\n';
   }
@@ -67,9 +71,11 @@ std::string FormatDiagnostic(const Diagnostic& diagnostic, bool coloured) {
 }
 
 void WriteDiagnostics(const std::vector<Diagnostic>& diagnostics) {
+  const bool coloured = SupportsColours();
+  const std::size_t columns = StandardErrorColumns();
   std::string report;
   for (const Diagnostic& one : diagnostics) {
-    report += FormatDiagnostic(one, SupportsColours());
+    report += FormatDiagnostic(one, coloured, columns);
   }
   WriteStandardError(report);
 }

@@ -42,7 +42,8 @@ Diagnostic Warning(std::string message, const std::string& hint = "");
 //     14 | threads 4
 //        | ^~~~~~~~~
 //     hint: write "threads = 4"
-std::string FormatDiagnostic(const Diagnostic& diagnostic, bool coloured);
+// The quoted line is cut to fit into `columns`.
+std::string FormatDiagnostic(const Diagnostic& diagnostic, bool coloured, std::size_t columns);
 
 // To standard error, in colours where it supports them.
 void WriteDiagnostics(const std::vector<Diagnostic>& diagnostics);

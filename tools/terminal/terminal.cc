@@ -1,5 +1,6 @@
 #include "tools/terminal/terminal.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -25,5 +26,12 @@ bool IsStandardErrorTerminal() {
 }
 
 bool SupportsColours() { return Environment("NO_COLOR").empty() && IsStandardErrorTerminal(); }
+
+std::size_t StandardErrorColumns() {
+  constexpr std::size_t kUsualColumns = 80;
+  winsize size = {};
+  const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return known ? size.ws_col : kUsualColumns;
+}
 
 }  // namespace quarry::tool

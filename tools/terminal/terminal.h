@@ -2,6 +2,8 @@
 #ifndef QUARRY_TOOLS_TERMINAL_TERMINAL_H_
 #define QUARRY_TOOLS_TERMINAL_TERMINAL_H_
 
+#include <cstddef>
+
 namespace quarry::tool {
 
 bool IsStandardOutputTerminal();
@@ -11,6 +13,9 @@ bool IsStandardErrorTerminal();
 
 // Whether standard error is such a terminal and NO_COLOR is unset or empty.
 bool SupportsColours();
+
+// The width of standard error when it is a terminal and knows it, else 80.
+std::size_t StandardErrorColumns();
 
 }  // namespace quarry::tool
 

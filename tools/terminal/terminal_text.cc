@@ -12,9 +12,12 @@ namespace quarry::tool {
 
 namespace {
 
-// Of a long line, the bytes shown in all, and of these before the mark.
-constexpr std::size_t kMaxLineBytes = 100;
-constexpr std::size_t kBytesBeforeMark = 40;
+constexpr char kEllipsis[] = "...";
+constexpr std::size_t kEllipsisColumns = 3;
+constexpr std::size_t kTabStop = 8;
+// A part with more bytes than this for each column, as combining marks have, is cut as if it were
+// too wide.
+constexpr std::size_t kMaxBytesPerColumn = 4;
 
 // Control characters, separators of lines and paragraphs, and what Unicode lets a display ignore:
 // marks of direction, joiners, fillers, variation selectors and tags. In ascending order.
@@ -68,6 +71,84 @@ DisplayUnit FirstDisplayUnit(std::string_view text) {
           ColumnsOf(character.code)};
 }
 
+// The same for a line that is quoted, whose tabs stay.
+DisplayUnit FirstLineUnit(std::string_view text) {
+  return text[0] == '\t' ? DisplayUnit{"\t", 1, 1} : FirstDisplayUnit(text);
+}
+
+std::size_t ColumnsOf(const DisplayUnit& unit, std::size_t column) {
+  return unit.shown == "\t" ? kTabStop - column % kTabStop : unit.columns;
+}
+
+// How many columns the text occupies; at most, for its tabs are counted as if at tab stops.
+std::size_t MaxColumns(std::string_view text) {
+  std::size_t columns = 0;
+  while (!text.empty()) {
+    const DisplayUnit unit = FirstLineUnit(text);
+    columns += ColumnsOf(unit, 0);
+    text.remove_prefix(unit.bytes);
+  }
+  return columns;
+}
+
+// How many bytes of the text can be shown in `columns` from the column `column` on.
+std::size_t HeadThatFits(std::string_view text, std::size_t column, std::size_t columns) {
+  const std::size_t max_bytes = columns * kMaxBytesPerColumn;
+  const std::size_t limit = column + columns;
+  std::size_t bytes = 0;
+  while (bytes < text.size()) {
+    const DisplayUnit unit = FirstLineUnit(text.substr(bytes));
+    column += ColumnsOf(unit, column);
+    if (column > limit || bytes + unit.bytes > max_bytes) break;
+    bytes += unit.bytes;
+  }
+  return bytes;
+}
+
+// Where the end of the text begins that can be shown in `columns`.
+std::size_t TailThatFits(std::string_view text, std::size_t columns) {
+  const std::size_t max_bytes = columns * kMaxBytesPerColumn;
+  std::size_t begin = CharacterStart(text, text.size() - std::min(text.size(), max_bytes));
+  for (std::size_t used = MaxColumns(text.substr(begin)); used > columns;) {
+    const DisplayUnit unit = FirstLineUnit(text.substr(begin));
+    used -= ColumnsOf(unit, 0);
+    begin += unit.bytes;
+  }
+  return begin;
+}
+
+// The bytes of a line that are shown, those around the offset.
+struct Window {
+  std::size_t begin, end;
+};
+
+Window WindowAround(std::string_view line, std::size_t offset, Margins margins) {
+  constexpr std::size_t kMinColumns = 20;
+  const std::size_t columns =
+      std::max(margins.width, margins.indent + kMinColumns) - margins.indent;
+  const std::size_t last_mark = offset >= line.size() ? 1 : 0;  // is after the line
+  if (HeadThatFits(line, margins.indent, columns - last_mark) == line.size()) {
+    return {0, line.size()};
+  }
+
+  // Two fifths are before the mark, and what the text from there on leaves free.
+  const std::string_view head = line.substr(0, offset);
+  const std::string_view tail = line.substr(head.size());
+  const std::size_t used = MaxColumns(tail.substr(0, HeadThatFits(tail, 0, columns))) + last_mark;
+  const std::size_t before =
+      std::max(columns * 2 / 5, columns - std::min(used + kEllipsisColumns, columns));
+  if (TailThatFits(head, before) == 0) {
+    return {0, HeadThatFits(line, margins.indent, columns - kEllipsisColumns)};
+  }
+  const std::size_t begin = TailThatFits(head, before - kEllipsisColumns);
+  const std::string_view rest = line.substr(begin);
+  const std::size_t column = margins.indent + kEllipsisColumns;
+  const std::size_t room = columns - kEllipsisColumns;
+  std::size_t bytes = HeadThatFits(rest, column, room - last_mark);
+  if (bytes < rest.size()) bytes = HeadThatFits(rest, column, room - kEllipsisColumns);
+  return {begin, begin + bytes};
+}
+
 }  // namespace
 
 std::string EscapeForTerminal(std::string_view text) {
@@ -104,22 +185,16 @@ std::string ShellQuotedFile(const std::string& file) {
   return ShellQuoted(file.substr(0, 1) == "-" ? "./" + file : file);
 }
 
-Excerpt ExcerptOf(std::string_view line, std::size_t offset, std::size_t length) {
-  std::size_t begin = 0;
-  std::size_t end = line.size();
-  if (line.size() > kMaxLineBytes) {
-    begin = CharacterStart(line, offset - std::min(offset, kBytesBeforeMark));
-    end = CharacterStart(line, std::min(begin + kMaxLineBytes, line.size()));
-  }
+Excerpt ExcerptOf(std::string_view line, std::size_t offset, std::size_t length, Margins margins) {
+  const Window window = WindowAround(line, offset, margins);
   // Only the first column of a tab could be marked, so the marks end there.
   const std::size_t tab = line.find('\t', offset + 1);
-  const std::size_t last = std::min({offset + length, tab, end});
+  const std::size_t last = std::min({offset + length, tab, window.end});
 
   Excerpt excerpt;
-  if (begin > 0) excerpt = {"...", "   "};
-  for (std::size_t at = begin; at < end;) {
-    const DisplayUnit unit =
-        line[at] == '\t' ? DisplayUnit{"\t", 1, 1} : FirstDisplayUnit(line.substr(at, end - at));
+  if (window.begin > 0) excerpt = {kEllipsis, std::string(kEllipsisColumns, ' ')};
+  for (std::size_t at = window.begin; at < window.end;) {
+    const DisplayUnit unit = FirstLineUnit(line.substr(at, window.end - at));
     excerpt.line += unit.shown;
     if (at < offset) {
       excerpt.marks.append(unit.columns, line[at] == '\t' ? '\t' : ' ');
@@ -131,8 +206,8 @@ Excerpt ExcerptOf(std::string_view line, std::size_t offset, std::size_t length)
     }
     at += unit.bytes;
   }
-  if (offset >= end) excerpt.marks += '^';  // after the last character
-  if (end < line.size()) excerpt.line += "...";
+  if (offset >= window.end) excerpt.marks += '^';  // after the last character
+  if (window.end < line.size()) excerpt.line += kEllipsis;
   return excerpt;
 }
 

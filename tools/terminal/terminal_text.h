@@ -19,13 +19,18 @@ std::string ShellQuoted(const std::string& word);
 std::string ShellQuotedFile(const std::string& file);
 
 // A line of a text as two lines for a terminal: the line itself, and below it carets that mark
-// `length` bytes (at least one) from `offset` on. Tabs stay and are copied; a long line is cut
-// around the marks.
+// `length` bytes (at least one) from `offset` on. Tabs stay and are copied; a line that is too wide
+// is cut around the first mark.
 struct Excerpt {
   std::string line;
   std::string marks;
 };
-Excerpt ExcerptOf(std::string_view line, std::size_t offset, std::size_t length);
+// `indent` columns are before the line, and `width` in all; a width of less than `indent` + 20
+// counts as that.
+struct Margins {
+  std::size_t indent, width;
+};
+Excerpt ExcerptOf(std::string_view line, std::size_t offset, std::size_t length, Margins margins);
 
 }  // namespace quarry::tool
 
