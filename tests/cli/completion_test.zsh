@@ -10,6 +10,7 @@ trap 'rm -rf $work' EXIT
 mkdir -p $work/home $work/here/folder
 cd $work/here
 print -l '[Log]' level=1 Lines=2 '[Volume a b]' size=1 '[Volume $(touch harm)]' x=1 >f.conf
+mkfifo pipe
 print -l '[Other]' y=1 '[a:b=c]' y=1 >../home/f.conf
 
 # Shells in which control-O inserts all that may stand for the last word, and shows the
@@ -59,6 +60,8 @@ cases=( # the line, what it becomes
   "get f.conf 'volume a"                "get f.conf 'Volume a b'"
   "unset f.conf 'Volume \$(touch harm)' " "unset f.conf 'Volume \$(touch harm)' x"
   "get f.conf '' "                      "get f.conf ''"
+  'get pipe L'                          'get pipe L'
+  'unset pipe Log l'                    'unset pipe Log l'
   'get $(touch harm) l'                 'get $(touch harm) l'
   'get "`touch harm`" l'                'get "`touch harm`" l'
 )
