@@ -54,17 +54,32 @@ class ScopedInterruptIgnorer {
   }, quit_before_{};
 };
 
-// Starts `command`, which a shell splits into words, with the path as its argument and the signals
-// of `mask` blocked. Returns an errno value.
-int Spawn(const std::string& command, const std::string& path, const sigset_t& mask, pid_t* child) {
+// What this program blocks or ignores while an editor runs, the editor gets as this program got it.
+struct EditorSignals {
+  sigset_t blocked;
+  sigset_t not_ignored;
+};
+
+// Of the signals that are ignored while an editor runs, those that are not ignored now.
+sigset_t FindNotIgnored() {
+  sigset_t found;
+  sigemptyset(&found);
+  for (const int number : {SIGINT, SIGQUIT, SIGXFSZ}) {
+    struct sigaction now {};
+    (void)sigaction(number, nullptr, &now);
+    if (now.sa_handler != SIG_IGN) sigaddset(&found, number);
+  }
+  return found;
+}
+
+// Starts `command`, which a shell splits into words, with the path as its argument. Returns an
+// errno value.
+int Spawn(const std::string& command, const std::string& path, const EditorSignals& signals,
+          pid_t* child) {
   posix_spawnattr_t attributes;
   if (const int error = posix_spawnattr_init(&attributes)) return error;
-  sigset_t terminal_signals;
-  sigemptyset(&terminal_signals);
-  sigaddset(&terminal_signals, SIGINT);
-  sigaddset(&terminal_signals, SIGQUIT);
-  posix_spawnattr_setsigdefault(&attributes, &terminal_signals);
-  posix_spawnattr_setsigmask(&attributes, &mask);
+  posix_spawnattr_setsigdefault(&attributes, &signals.not_ignored);
+  posix_spawnattr_setsigmask(&attributes, &signals.blocked);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
   std::string words[] = {"sh", "-c", command + " \"$@\"", command, path};
   char* arguments[] = {words[0].data(), words[1].data(), words[2].data(),
@@ -103,10 +118,11 @@ EditorCopy::EditorCopy(const std::string& name, const std::string& text)
 }
 
 bool EditorCopy::Edit() const {
+  const sigset_t not_ignored = FindNotIgnored();
   const ScopedInterruptIgnorer ignored;
   const settings::ScopedSignalBlock blocked;
   pid_t child = 0;
-  const int error = Spawn(EditorCommand(), path_, blocked.before(), &child);
+  const int error = Spawn(EditorCommand(), path_, {blocked.before(), not_ignored}, &child);
   if (error != 0) throw settings::SystemError("run /bin/sh", "/bin/sh", error);
   int status = 0;
   while (waitpid(child, &status, 0) == -1) {

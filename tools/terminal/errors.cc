@@ -1,8 +1,10 @@
 #include "tools/terminal/errors.h"
 
-#include <cstdio>
+#include <unistd.h>
+
 #include <utility>
 
+#include "platform/local/file_descriptor.h"
 #include "tools/terminal/terminal.h"
 #include "tools/terminal/terminal_text.h"
 
@@ -81,7 +83,7 @@ void WriteDiagnostics(const std::vector<Diagnostic>& diagnostics) {
 }
 
 void WriteStandardError(const std::string& text) {
-  (void)std::fwrite(text.data(), 1, text.size(), stderr);
+  (void)platform::WriteAll(STDERR_FILENO, text.data(), text.size());
 }
 
 ToolError::ToolError(ExitStatus exit_status, const std::string& text, const std::string& remedy)

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <new>
 
+#include "platform/local/file_descriptor.h"
 #include "platform/local/sealed_password.h"
 #include "tools/terminal/errors.h"
 #include "tools/terminal/terminal_text.h"
@@ -97,7 +98,7 @@ void PasswordInput::ReadBytes(bool line_only) {
     char* const place = std::min(bytes_.text() + size_, last);
     const auto room = static_cast<std::size_t>(last + 1 - place);
     const ssize_t count = read(STDIN_FILENO, place, room);
-    if (count == -1 && errno == EINTR) continue;
+    if (count == -1 && platform::ShouldRetry(STDIN_FILENO, POLLIN)) continue;
     if (count == -1) throw settings::SystemError("read standard input", "", errno);
     if (count == 0) break;
     line_ended = line_only && place[count - 1] == '\n';
