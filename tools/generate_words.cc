@@ -132,7 +132,8 @@ std::string ZshWord(const Word& word, int number) {
 std::string ZshArguments() {
   std::string lines;
   for (const Command& command : Commands()) {
-    lines += "    " + std::string(command.name) + ") _arguments -S : '--help[Show this help and end]'";
+    lines +=
+        "    " + std::string(command.name) + ") _arguments -S : '--help[Show this help and end]'";
     int number = 1;
     for (const Word& word : WordsOf(command)) {
       lines += ZshWord(word, number);

@@ -7,6 +7,7 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <functional>
@@ -60,24 +61,14 @@ pid_t waitpid(pid_t pid, int* stat_loc, int options) {
 namespace quarry::tool {
 namespace {
 
-// Makes a stream of a file for the object's lifetime.
-class ScopedRedirection {
- public:
-  ScopedRedirection(int stream, const std::string& file) : stream_(stream), saved_(dup(stream)) {
-    const int opened = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    dup2(opened, stream_);
-    close(opened);
+// Makes the streams those of the three descriptors, which it closes.
+void SetStreams(const std::array<int, 3>& descriptors) {
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    const int descriptor = descriptors.at(static_cast<std::size_t>(stream));
+    dup2(descriptor, stream);
+    close(descriptor);
   }
-  ~ScopedRedirection() {
-    dup2(saved_, stream_);
-    close(saved_);
-  }
-  ScopedRedirection(const ScopedRedirection&) = delete;
-  ScopedRedirection& operator=(const ScopedRedirection&) = delete;
-
- private:
-  const int stream_, saved_;
-};
+}
 
 TEST(StandardStreams, RetryWhatIsInterruptedAndReportWhatFails) {
   const TempFolder folder;
@@ -121,17 +112,16 @@ TEST(StandardStreams, RetryWhatIsInterruptedAndReportWhatFails) {
     SCOPED_TRACE(testing::PrintToString(&c - cases));
     folder.Write("out", "");
     std::string error;
-    {
-      const ScopedRedirection in(STDIN_FILENO, folder.Path("in"));
-      const ScopedRedirection out(STDOUT_FILENO, folder.Path("out"));
-      const ScopedRedirection err(STDERR_FILENO, folder.Path("out"));
-      failures = c.failures;
-      try {
-        c.use();
-      } catch (const settings::Error& failed) {
-        error = failed.message;
-      }
+    const std::array<int, 3> before = {dup(STDIN_FILENO), dup(STDOUT_FILENO), dup(STDERR_FILENO)};
+    const int out = open(folder.Path("out").c_str(), O_WRONLY | O_CLOEXEC);
+    SetStreams({open(folder.Path("in").c_str(), O_RDONLY | O_CLOEXEC), out, dup(out)});
+    failures = c.failures;
+    try {
+      c.use();
+    } catch (const settings::Error& failed) {
+      error = failed.message;
     }
+    SetStreams(before);
     EXPECT_TRUE(failures.empty());
     EXPECT_EQ(error, c.error);
     EXPECT_EQ(folder.Read("out"), c.written);

@@ -108,7 +108,7 @@ std::string HintForUnknownCommand(const std::vector<std::string>& words) {
   }
   if (word == "help") return "";
   const std::string name = WithoutDashes(word);
-  std::string ours = IsCommand(name) ? name : OursFor(name, kOtherCommands);
+  std::string ours = OursFor(name, kOtherCommands);
   if (ours.empty()) ours = NearestCommand(name);
   return ours.empty() ? "" : "did you mean " + ours + "?";
 }
