@@ -5,13 +5,13 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <system_error>
 #include <utility>
 
 #include "settings/error.h"
 #include "settings/file_attributes.h"
 #include "settings/file_reading.h"
+#include "settings/path_walk.h"
 
 namespace quarry::settings {
 
@@ -27,48 +27,11 @@ bool IsSameVersion(const struct stat& left, const struct stat& right) {
          left.st_ctim.tv_nsec == right.st_ctim.tv_nsec;
 }
 
-// Such as "/dev/stdout".
-bool IsOpenFile(const std::filesystem::path& folder, const std::filesystem::path& path) {
-  const auto in_proc = [](const std::filesystem::path& place) {
-    return place.string().compare(0, 6, "/proc/") == 0;
-  };
-  std::error_code error;
-  return in_proc(folder) || in_proc(std::filesystem::read_symlink(path, error));
-}
-
-// The path without links. The file itself may be absent, but then nothing else may have its name.
-std::filesystem::path Resolve(const std::string& file) {
-  const std::filesystem::path path(file);
-  std::error_code error;
-  const auto given = path.parent_path();
-  const auto folder = std::filesystem::canonical(given.empty() ? "." : given, error);
-  if (!error && IsOpenFile(folder, path)) {
-    throw Error(ErrorKind::kOpenFile, file,
-                file + " is an open file of a process, which cannot be replaced");
-  }
-  if (!error) {
-    auto resolved = std::filesystem::canonical(path, error);
-    if (!error) return resolved;
-  }
-  struct stat status {};
-  if (folder.empty()) throw SystemError("open the folder of " + file, file, error.value());
-  const bool is_absent = error.value() == ENOENT && path.has_filename();
-  if (is_absent && lstat(file.c_str(), &status) == 0) {
-    throw Error(ErrorKind::kFailed, file, file + " is a link to a file that does not exist",
-                "make that file, or remove the link");
-  }
-  if (is_absent && errno == ENOENT) return folder / path.filename();
-  throw SystemError("open " + file, file, error.value());
-}
-
 }  // namespace
 
 FileReplacement::FileReplacement(const std::string& file, Options options)
     : options_(std::move(options)), timer_(options_.max_wait, options_.on_wait), name_(file) {
-  const std::filesystem::path path = Resolve(file);
-  entry_ = path.filename();
-  folder_.Reset(open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (folder_.get() == -1) throw SystemError("open the folder of " + name_, name_, errno);
+  entry_ = OpenFolderOf(name_, &folder_);
   if (OpenOld()) return;
   if (!options_.new_mode) {
     throw Error(ErrorKind::kNotFound, name_,

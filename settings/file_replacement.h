@@ -22,7 +22,8 @@ namespace quarry::settings {
 inline constexpr mode_t kPrivateMode = S_IRUSR | S_IWUSR;
 inline constexpr mode_t kUsualMode = kPrivateMode | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
-// A file that is locked for an edit. Links are followed to the file.
+// A file that is locked for an edit. Links are followed to the file, but for
+// those of path_walk.h.
 class FileReplacement {
  public:
   struct Options {

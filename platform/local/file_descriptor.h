@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <utility>
 
 namespace quarry::platform {
 
@@ -26,6 +27,9 @@ class FileDescriptor {
     Close();
     descriptor_ = descriptor;
   }
+
+  // Gives the descriptor to the caller, who closes it.
+  int Release() { return std::exchange(descriptor_, -1); }
 
   // Closes the descriptor. Returns false, with errno set, when the system reports that data was
   // lost.

@@ -15,7 +15,7 @@ work=$(mktemp -d -p /var/tmp)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
 
-calls='getcwd|readlink|lstat|stat|newfstatat|fstat|openat|lseek|flock|read|write|unlinkat|fchown|flistxattr|fgetxattr|fsetxattr|fremovexattr|fchmod|fsync|close|renameat|renameat2|getrandom'
+calls='getcwd|readlink|lstat|stat|newfstatat|fstat|fstatfs|openat|readlinkat|lseek|flock|read|write|unlinkat|fchown|flistxattr|fgetxattr|fsetxattr|fremovexattr|fchmod|fsync|close|renameat|renameat2|getrandom'
 fail() {
   printf 'faults: %s\n' "$*" >&2
   [ ! -e err ] || cat err >&2

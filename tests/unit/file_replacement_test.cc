@@ -138,6 +138,41 @@ TEST_F(FileReplacementTest, RefusesWhatTheCallerMayNot) {
   EXPECT_EQ(CountFiles(), 2U);
 }
 
+// In a folder such as /tmp, which the kernel may protect or not.
+TEST_F(FileReplacementTest, FollowsNoPlantedLink) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give links away";
+  struct Case {
+    mode_t folder_mode;
+    uid_t folder_owner, link_owner;
+    bool is_followed;
+  };
+  const Case cases[] = {{01777, 2345, 1234, false},
+                        {01777, 2345, 2345, true},
+                        {01777, 2345, 0, true},
+                        {0777, 2345, 1234, true},
+                        {01775, 2345, 1234, true}};
+  std::filesystem::create_directory(Path("shared"));
+  Write("f", "old");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.folder_mode) + " of " + std::to_string(c.folder_owner) +
+                 ", link of " + std::to_string(c.link_owner));
+    chmod(Path("shared").c_str(), c.folder_mode);
+    EXPECT_EQ(chown(Path("shared").c_str(), c.folder_owner, 0), 0);
+    for (const char* path : {"shared/l", "shared/l/f"}) {
+      const std::string name = Path("shared/l");
+      unlink(name.c_str());
+      symlink(path == "shared/l"s ? "../f" : "..", name.c_str());
+      EXPECT_EQ(lchown(name.c_str(), c.link_owner, 0), 0);
+      const std::string text = path + std::to_string(&c - cases);
+      const std::string refusal =
+          "cannot open "s + path +
+          ": its link \"l\" belongs to user ID 1234 and is in a folder that everyone can write to";
+      EXPECT_EQ(Edit(path, text), c.is_followed ? "" : refusal);
+      EXPECT_EQ(Read("f") == text, c.is_followed);
+    }
+  }
+}
+
 TEST_F(FileReplacementTest, OverwritesNoOtherProgramsWork) {
   const std::string other = "another program changed f during this edit";
   struct Case {
