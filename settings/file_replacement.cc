@@ -12,14 +12,11 @@
 #include "settings/file_attributes.h"
 #include "settings/file_reading.h"
 #include "settings/path_walk.h"
+#include "settings/regular_file.h"
 
 namespace quarry::settings {
 
 namespace {
-
-bool IsSameFile(const struct stat& left, const struct stat& right) {
-  return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
-}
 
 // Every change of a file, of its text or its attributes, changes this time, and nobody can set it.
 bool IsSameVersion(const struct stat& left, const struct stat& right) {
@@ -54,20 +51,22 @@ void FileReplacement::PrepareNew() {
 
 // Returns false when there is no such file.
 bool FileReplacement::OpenOld() {
-  const int access = options_.read_only ? O_RDONLY : O_RDWR;
   struct stat in_place {};
   do {
-    old_.Reset(openat(folder_.get(), entry_.c_str(),
-                      access | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!exists() && errno == ENOENT) return false;
-    if (!exists()) {
-      throw SystemError("open " + name_ + (options_.read_only ? "" : " for writing"), name_, errno);
+    const int error =
+        OpenRegularFile(folder_.get(), entry_, options_.read_only ? O_RDONLY : O_RDWR, &old_);
+    if (error == ENOENT) return false;
+    if (error == kNotRegular) {
+      throw Error(ErrorKind::kFailed, name_, name_ + " is not a regular file");
+    }
+    if (error != 0) {
+      throw SystemError("open " + name_ + (options_.read_only ? "" : " for writing"), name_, error);
     }
     if (!options_.read_only) LockForEdit(old_.get(), name_, &timer_);
     if (fstat(old_.get(), &status_) != 0) throw SystemError("read " + name_, name_, errno);
     // The edit that was waited for has put another file in its place.
   } while (!FindInPlace(&in_place) || !IsSameFile(status_, in_place));
-  RequireReplaceable();
+  RequireOneName();
   return true;
 }
 
@@ -80,16 +79,12 @@ bool FileReplacement::FindInPlace(struct stat* status) const {
   return false;
 }
 
-void FileReplacement::RequireReplaceable() const {
-  if (!S_ISREG(status_.st_mode)) {
-    throw Error(ErrorKind::kFailed, name_, name_ + " is not a regular file");
-  }
-  if (status_.st_nlink > 1) {
-    throw Error(ErrorKind::kFailed, name_,
-                name_ + " has " + std::to_string(status_.st_nlink) +
-                    " names (hard links), which an edit would separate",
-                "make them symbolic links, or copies");
-  }
+void FileReplacement::RequireOneName() const {
+  if (status_.st_nlink <= 1) return;
+  throw Error(ErrorKind::kFailed, name_,
+              name_ + " has " + std::to_string(status_.st_nlink) +
+                  " names (hard links), which an edit would separate",
+              "make them symbolic links, or copies");
 }
 
 const std::string& FileReplacement::text() {

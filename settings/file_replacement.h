@@ -57,7 +57,7 @@ class FileReplacement {
   void PrepareNew();
   bool FindInPlace(struct stat* status) const;
   bool IsUntouched() const;
-  void RequireReplaceable() const;
+  void RequireOneName() const;
   void WriteAndPublish(std::string_view text);
 
   const Options options_;

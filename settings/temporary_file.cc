@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include "settings/error.h"
+#include "settings/regular_file.h"
 
 namespace quarry::settings {
 
@@ -51,7 +52,7 @@ bool TemporaryFile::IsInPlace(int file) const {
   }, in_place{};
   if (fstat(file, &given) == 0 &&
       fstatat(folder_, temporary_.c_str(), &in_place, AT_SYMLINK_NOFOLLOW) == 0) {
-    return given.st_dev == in_place.st_dev && given.st_ino == in_place.st_ino;
+    return IsSameFile(given, in_place);
   }
   if (errno == ENOENT) return false;
   throw SystemError("find " + temporary_ + " beside " + name_, name_, errno);
@@ -59,10 +60,10 @@ bool TemporaryFile::IsInPlace(int file) const {
 
 // Waits for the process that holds it, if there is one.
 void TemporaryFile::RemoveAbandoned(LockTimer* timer) {
-  const platform::FileDescriptor found(openat(
-      folder_, temporary_.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (found.get() == -1 && errno == ENOENT) return;
-  if (found.get() != -1) {
+  platform::FileDescriptor found(-1);
+  const int error = OpenRegularFile(folder_, temporary_, O_RDONLY, &found);
+  if (error == ENOENT) return;
+  if (error == 0) {
     LockForEdit(found.get(), name_, timer);
     if (!IsInPlace(found.get())) return;
   }

@@ -261,6 +261,14 @@ unshare -m sh -c '
   fail 'a full disk'
 tally 'full disk, old file'
 
+# Without /proc, files are opened by their names.
+# shellcheck disable=SC2016 # for the inner shell
+unshare -m sh -c '
+  mount -t tmpfs none /proc && cp text here/f && "$1" set here/f s x 2 && mkfifo here/fifo &&
+  ! timeout 9 "$1" set here/fifo s x 2 2>err && grep -q "not a regular file" err && grep -q 2 here/f' sh "$program" ||
+  fail 'an edit without /proc'
+tally 'edit without /proc'
+
 # Edits at once are all kept, and every reader finds a whole file.
 cp text many
 mapfile -t forty < <(yes many | head -40) # files for one process to read
