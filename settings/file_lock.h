@@ -9,20 +9,30 @@
 
 namespace quarry::settings {
 
-// How long one edit waits for others, all its locks together.
+// The time that one edit has to get all its locks, however often a file is replaced meanwhile.
 class LockTimer {
  public:
-  // `on_wait` is called once, after a second of waiting; it may be empty.
+  // Begins to count. `on_wait` is called once, after a second of waiting; it may be empty.
   LockTimer(std::chrono::milliseconds limit, std::function<void()> on_wait)
-      : limit_(limit), on_wait_(std::move(on_wait)) {}
+      : limit_(limit), on_wait_(std::move(on_wait)), begin_(Clock::now()), paused_(begin_) {}
 
-  // Sleeps until it is time to try again; false once the sleeps together have reached the limit.
-  bool Wait();
+  // The time from Pause to Resume does not count.
+  void Pause() { paused_ = Clock::now(); }
+  void Resume() { begin_ += Clock::now() - paused_; }
+
+  // Throws Error once the limit is reached; `name` is that of the file for its message.
+  void RequireTime(const std::string& name) const;
+
+  // Sleeps until it is time to try again. Throws as RequireTime does.
+  void Wait(const std::string& name);
 
  private:
+  using Clock = std::chrono::steady_clock;
+
   const std::chrono::milliseconds limit_;
   std::function<void()> on_wait_;
-  std::chrono::nanoseconds waited_{};
+  Clock::time_point begin_;
+  Clock::time_point paused_;
 };
 
 // Locks the open file (flock) against other edits until it is closed, however this process ends.

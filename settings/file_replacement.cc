@@ -29,30 +29,32 @@ bool IsSameVersion(const struct stat& left, const struct stat& right) {
 FileReplacement::FileReplacement(const std::string& file, Options options)
     : options_(std::move(options)), timer_(options_.max_wait, options_.on_wait), name_(file) {
   entry_ = OpenFolderOf(name_, &folder_);
-  if (OpenOld()) return;
-  if (!options_.new_mode) {
+  const bool found = OpenOld();
+  if (!found && !options_.new_mode) {
     throw Error(ErrorKind::kNotFound, name_,
                 "cannot open " + name_ + ": No such file or directory");
   }
-  if (!options_.read_only) PrepareNew();
+  if (!found && !options_.read_only) PrepareNew();
+  timer_.Pause();
 }
 
 // Concurrent creators wait for our temporary file, and then find what we created.
 void FileReplacement::PrepareNew() {
   struct stat status {};
   blocked_.emplace();
-  do {
+  for (;; timer_.RequireTime(name_)) {
     new_.emplace(folder_.get(), entry_, *options_.new_mode, name_, &timer_);
     if (!FindInPlace(&status)) return;
     new_.reset();
-  } while (!OpenOld());
+    if (OpenOld()) break;
+  }
   blocked_.reset();
 }
 
 // Returns false when there is no such file.
 bool FileReplacement::OpenOld() {
   struct stat in_place {};
-  do {
+  for (;; timer_.RequireTime(name_)) {
     const int error =
         OpenRegularFile(folder_.get(), entry_, options_.read_only ? O_RDONLY : O_RDWR, &old_);
     if (error == ENOENT) return false;
@@ -64,8 +66,9 @@ bool FileReplacement::OpenOld() {
     }
     if (!options_.read_only) LockForEdit(old_.get(), name_, &timer_);
     if (fstat(old_.get(), &status_) != 0) throw SystemError("read " + name_, name_, errno);
-    // The edit that was waited for has put another file in its place.
-  } while (!FindInPlace(&in_place) || !IsSameFile(status_, in_place));
+    // The edit that was waited for may have put another file in its place.
+    if (FindInPlace(&in_place) && IsSameFile(status_, in_place)) break;
+  }
   RequireOneName();
   return true;
 }
@@ -96,6 +99,7 @@ void FileReplacement::Replace(std::string_view text) {
   if (exists() && text == this->text()) return;
   if (exists()) {
     blocked_.emplace();
+    timer_.Resume();
     new_.emplace(folder_.get(), entry_, kPrivateMode, name_, &timer_);
   }
   WriteAndPublish(text);

@@ -12,31 +12,33 @@
 
 namespace quarry::settings {
 
-// Between the creation of a file and its lock another program may lock it, find it abandoned and
-// remove it; so it is ours only if it is in place once it is locked.
 TemporaryFile::TemporaryFile(int folder, const std::string& entry, mode_t mode,
                              const std::string& name, LockTimer* timer)
     : folder_(folder), entry_(entry), temporary_('.' + entry + ".quarry-new"), name_(name) {
-  for (bool is_ours = false; !is_ours;) {
-    file_.Reset(openat(folder_, temporary_.c_str(),
-                       O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
-    if (file_.get() != -1) {
-      is_ours = LockNew(timer);
-    } else if (errno == EEXIST) {
-      RemoveAbandoned(timer);
-    } else {
-      throw SystemError("create " + temporary_ + " beside " + name_, name_, errno,
-                        errno == EACCES ? "an edit replaces the file by a new one, for which its "
-                                          "folder must be writable"
-                                        : "");
-    }
-  }
+  while (!Create(mode, timer)) timer->RequireTime(name_);
 }
 
 TemporaryFile::~TemporaryFile() {
   if (!published_) unlinkat(folder_, temporary_.c_str(), 0);
 }
 
+// Returns false when it is to be tried again.
+bool TemporaryFile::Create(mode_t mode, LockTimer* timer) {
+  file_.Reset(openat(folder_, temporary_.c_str(),
+                     O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+  if (file_.get() != -1) return LockNew(timer);
+  if (errno != EEXIST) {
+    throw SystemError("create " + temporary_ + " beside " + name_, name_, errno,
+                      errno == EACCES ? "an edit replaces the file by a new one, for which its "
+                                        "folder must be writable"
+                                      : "");
+  }
+  RemoveAbandoned(timer);
+  return false;
+}
+
+// Between the creation of a file and its lock another program may lock it, find it abandoned and
+// remove it; so it is ours only if it is in place once it is locked.
 bool TemporaryFile::LockNew(LockTimer* timer) {
   try {
     LockForEdit(file_.get(), name_, timer);

@@ -33,6 +33,7 @@ class TemporaryFile {
   void Publish(bool replaces);
 
  private:
+  bool Create(mode_t mode, LockTimer* timer);
   bool LockNew(LockTimer* timer);
   bool IsInPlace(int file) const;
   void RemoveAbandoned(LockTimer* timer);
