@@ -1,5 +1,6 @@
 #include "settings/error.h"
 
+#include <cerrno>
 #include <system_error>
 #include <utility>
 
@@ -17,6 +18,19 @@ Error SystemError(const std::string& action, const std::string& file, int error_
                   const std::string& hint) {
   return {ErrorKind::kFailed, file,
           "cannot " + action + ": " + std::generic_category().message(error_number), hint};
+}
+
+std::string HintForLackOf(const std::string& feature, int error_number) {
+  switch (error_number) {
+    case EPERM:
+    case ENOLCK:
+    case ENOSYS:
+    case EOPNOTSUPP:
+      return "an edit needs a file system with " + feature +
+             "; edit a copy on one, and copy it back";
+    default:
+      return "";
+  }
 }
 
 std::string Quoted(std::string_view name) {

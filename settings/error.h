@@ -35,6 +35,10 @@ struct Error : std::exception {
 Error SystemError(const std::string& action, const std::string& file, int error_number,
                   const std::string& hint = "");
 
+// A remedy when a call for `feature` failed with `error_number` because the file system lacks it;
+// else nothing.
+std::string HintForLackOf(const std::string& feature, int error_number);
+
 // A name for a message: in double quotes, cut when it is long.
 std::string Quoted(std::string_view name);
 

@@ -44,8 +44,8 @@ class AttributeKeeper {
   void KeepModeOf(const struct stat& status);
 
  private:
-  [[noreturn]] void Refuse(const std::string& what) const {
-    throw SystemError("keep " + what + " of " + name_, name_, errno);
+  [[noreturn]] void Refuse(const std::string& what, const std::string& hint = "") const {
+    throw SystemError("keep " + what + " of " + name_, name_, errno, hint);
   }
   std::vector<std::string> NamesOf(int file) const;
 
@@ -58,7 +58,10 @@ void AttributeKeeper::KeepOwnerOf(const struct stat& status) {
   struct stat now {};
   if (fstat(to_, &now) != 0) Refuse("the owner");
   if (now.st_uid == status.st_uid && now.st_gid == status.st_gid) return;
-  if (fchown(to_, status.st_uid, status.st_gid) != 0) Refuse("the owner");
+  if (fchown(to_, status.st_uid, status.st_gid) == 0) return;
+  Refuse(now.st_uid != status.st_uid ? "the owner (user ID " + std::to_string(status.st_uid) + ')'
+                                     : "the group (group ID " + std::to_string(status.st_gid) + ')',
+         geteuid() == 0 ? "" : "edit it as root");
 }
 
 // A folder may give new files attributes that the old file lacks.
@@ -82,7 +85,9 @@ void AttributeKeeper::KeepExtended() {
 
 void AttributeKeeper::KeepModeOf(const struct stat& status) {
   constexpr mode_t kPermissions = 07777;
-  if (fchmod(to_, status.st_mode & kPermissions) != 0) Refuse("the mode");
+  if (fchmod(to_, status.st_mode & kPermissions) != 0) {
+    Refuse("the mode", HintForLackOf("modes", errno));
+  }
 }
 
 std::vector<std::string> AttributeKeeper::NamesOf(int file) const {

@@ -35,7 +35,9 @@ void LockTimer::Wait(const std::string& name) {
 void LockForEdit(int file, const std::string& name, LockTimer* timer) {
   while (flock(file, LOCK_EX | LOCK_NB) != 0) {
     if (errno == EINTR) continue;
-    if (errno != EWOULDBLOCK) throw SystemError("lock " + name, name, errno);
+    if (errno != EWOULDBLOCK) {
+      throw SystemError("lock " + name, name, errno, HintForLackOf("file locks (flock)", errno));
+    }
     timer->Wait(name);
   }
 }

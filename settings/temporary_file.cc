@@ -85,7 +85,11 @@ void TemporaryFile::Publish(bool replaces) {
   if (!published_ && errno == EINVAL) {
     published_ = renameat(folder_, temporary_.c_str(), folder_, entry_.c_str()) == 0;
   }
-  if (!published_) throw SystemError("save " + name_, name_, errno);
+  if (published_) return;
+  throw SystemError("save " + name_, name_, errno,
+                    errno == EBUSY ? "a file that is mounted alone, as into a container, cannot be "
+                                     "replaced; edit it where it comes from, or mount its folder"
+                                   : "");
 }
 
 }  // namespace quarry::settings

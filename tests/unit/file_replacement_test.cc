@@ -1,5 +1,6 @@
 #include "settings/file_replacement.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -9,6 +10,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <sstream>
@@ -18,21 +20,51 @@
 #include "tests/support/support.h"
 
 namespace {
-std::atomic<mode_t> locked_mode;  // of the file that was locked last
-std::atomic<int> busy_locks = 0;  // that come before the next one is free
+
+std::atomic<mode_t> locked_mode;       // of the file that was locked last
+std::function<void()> before_locking;  // called before each lock
+
+struct Fault {
+  std::string call;
+  int error;
+  int count;  // so many calls fail with that error
+};
+Fault fault;
+
+bool Fails(const char* call) {
+  if (fault.count == 0 || fault.call != call) return false;
+  --fault.count;
+  errno = fault.error;
+  return true;
+}
+
+template <typename... Arguments>
+int Call(const char* name, long number, Arguments... arguments) {
+  return Fails(name) ? -1 : static_cast<int>(syscall(number, arguments...));
+}
+
 }  // namespace
 
-// In place of the system's, to look at a new file before anything is in it, and to be busy.
-extern "C" int flock(int file, int operation) noexcept {
+// In place of the system's, to fail, and to look at a new file before anything is in it.
+extern "C" {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wshadow"  // by struct flock
+int flock(int fd, int operation) noexcept {
   struct stat status {};
-  fstat(file, &status);
+  fstat(fd, &status);
   locked_mode = status.st_mode;
-  if (busy_locks > 0) {
-    --busy_locks;
-    errno = EWOULDBLOCK;
-    return -1;
-  }
-  return static_cast<int>(syscall(SYS_flock, file, operation));
+  EXPECT_EQ(fcntl(fd, F_GETFD), FD_CLOEXEC);
+  if (before_locking) before_locking();
+  return Call("flock", SYS_flock, fd, operation);
+}
+#pragma GCC diagnostic pop
+int fchmod(int fd, mode_t mode) noexcept { return Call("fchmod", SYS_fchmod, fd, mode); }
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): a keyword there
+int renameat2(int oldfd, const char* old, int newfd, const char* name, unsigned flags) noexcept {
+  return Call("renameat2", SYS_renameat2, oldfd, old, newfd, name, flags);
+}
+ssize_t read(int fd, void* buf, size_t nbytes) { return Call("read", SYS_read, fd, buf, nbytes); }
+ssize_t write(int fd, const void* buf, size_t n) { return Call("write", SYS_write, fd, buf, n); }
 }
 
 namespace quarry::settings {
@@ -62,19 +94,30 @@ class FileReplacementTest : public testing::Test, protected TempFolder {
     const std::filesystem::directory_iterator files(Path(""));
     return static_cast<std::size_t>(std::distance(begin(files), end(files)));
   }
-  // An edit with something done in the middle of it; the message when it fails.
+  static bool IsSignalBlocked() {
+    sigset_t blocked;
+    pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+    return sigismember(&blocked, SIGTERM) == 1;
+  }
+  // An edit with something done in the middle of it; the message when it fails. Sets hint_.
   std::string Edit(
       const std::string& name, const std::string& text, const Options& options = {},
-      const std::function<void()>& meanwhile = [] {}) const {
+      const std::function<void()>& meanwhile = [] {}) {
+    std::string message;
+    hint_.clear();
     try {
       FileReplacement file(Path(name), options);
       meanwhile();
       file.Replace(text);
-      return "";
     } catch (const Error& error) {
-      return ReplaceAll(error.message, Path(""), "");
+      message = ReplaceAll(error.message, Path(""), "");
+      hint_ = error.hint;
     }
+    EXPECT_FALSE(IsSignalBlocked());
+    return message;
   }
+
+  std::string hint_;
 };
 
 TEST_F(FileReplacementTest, KeepsWhatTheFileIs) {
@@ -117,14 +160,19 @@ TEST_F(FileReplacementTest, AddsNoAccess) {
 
 TEST_F(FileReplacementTest, RefusesWhatTheCallerMayNot) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
-  for (const char* name : {"readable", "writable"}) Write(name, "old");
+  for (const char* name : {"readable", "writable", "own"}) Write(name, "old");
+  EXPECT_EQ(chown(Path("own").c_str(), 1234, 2345), 0);
   chmod(Path("readable").c_str(), 0644);
   chmod(Path("writable").c_str(), 0666);
   chmod(Path("").c_str(), 0777);
   ASSERT_EQ(seteuid(1234), 0);
   EXPECT_EQ(FileReplacement(Path("readable"), {std::nullopt, true}).text(), "old");
   EXPECT_EQ(Edit("readable", "new"), "cannot open readable for writing: Permission denied");
-  EXPECT_EQ(Edit("writable", "new"), "cannot keep the owner of writable: Operation not permitted");
+  EXPECT_EQ(Edit("writable", "new"),
+            "cannot keep the owner (user ID 0) of writable: Operation not permitted");
+  EXPECT_EQ(hint_, "edit it as root");
+  EXPECT_EQ(Edit("own", "new"),
+            "cannot keep the group (group ID 2345) of own: Operation not permitted");
   chmod(Path("").c_str(), 0777);
   ASSERT_EQ(seteuid(0), 0);
   chmod(Path("").c_str(), 0755);
@@ -134,8 +182,8 @@ TEST_F(FileReplacementTest, RefusesWhatTheCallerMayNot) {
   EXPECT_EQ(Edit("absent", "new", kMayCreate),
             "cannot create .absent.quarry-new beside absent: Permission denied");
   ASSERT_EQ(seteuid(0), 0);
-  EXPECT_EQ(Read("readable") + Read("writable"), "oldold");
-  EXPECT_EQ(CountFiles(), 2U);
+  EXPECT_EQ(Read("readable") + Read("writable") + Read("own"), "oldoldold");
+  EXPECT_EQ(CountFiles(), 3U);
 }
 
 // In a folder such as /tmp, which the kernel may protect or not.
@@ -204,21 +252,95 @@ TEST_F(FileReplacementTest, WaitsForAnotherEditAndGivesUp) {
   int notices = 0;
   Options patient, hasty;
   patient.on_wait = [&] { ++notices; };
-  hasty.max_wait = std::chrono::milliseconds(20);
+  hasty.max_wait = std::chrono::milliseconds(50);
   {
     FileReplacement first(Path("f"), {});
     EXPECT_EQ(Edit("f", "newer", hasty), "another edit of f is running");
   }
-  busy_locks = 1;
+  Write(".f.quarry-new", "");
+  {
+    FileReplacement first(Path(".f.quarry-new"), {});
+    EXPECT_EQ(Edit("f", "newer", hasty), "another edit of f is running");
+  }
+  unlink(Path(".f.quarry-new").c_str());
+  int replacements = 0;
+  before_locking = [&] {
+    if (++replacements < 10000) Write("g", "old"), rename(Path("g").c_str(), Path("f").c_str());
+  };
+  EXPECT_EQ(Edit("f", "newer", hasty), "another edit of f is running");
+  before_locking = nullptr;
+  // Only waiting counts.
+  const auto work = [&] {
+    std::this_thread::sleep_for(2 * hasty.max_wait);
+    fault = {"flock", EWOULDBLOCK, 1};
+  };
+  EXPECT_EQ(Edit("f", "newer", hasty, work), "");
+  fault = {"flock", EWOULDBLOCK, 1};
   EXPECT_EQ(Edit("f", "new", patient), "");
   EXPECT_EQ(notices, 0);
   EXPECT_EQ(Read("f"), "new");
+}
+
+TEST_F(FileReplacementTest, MeetsFailuresOfTheSystem) {
+  const std::string locks =
+      "an edit needs a file system with file locks (flock); edit a copy on "
+      "one, and copy it back";
+  struct Case {
+    Fault fault;
+    const char* file;  // "f" exists
+    std::string message, hint;
+  };
+  const Case cases[] = {
+      {{"flock", EOPNOTSUPP, 1}, "f", "cannot lock f: Operation not supported", locks},
+      {{"flock", ENOLCK, 1}, "g", "cannot lock g: No locks available", locks},
+      {{"flock", EIO, 1}, "f", "cannot lock f: Input/output error", ""},
+      {{"fchmod", EPERM, 1},
+       "f",
+       "cannot keep the mode of f: Operation not permitted",
+       "an edit needs a file system with modes; edit a copy on one, and copy it back"},
+      {{"renameat2", EBUSY, 1},
+       "f",
+       "cannot save f: Device or resource busy",
+       "a file that is mounted alone, as into a container, cannot be replaced; edit it where it "
+       "comes from, or mount its folder"},
+      {{"renameat2", EINVAL, 1}, "f", "", ""},
+      {{"read", EINTR, 2}, "f", "", ""},
+      {{"read", EAGAIN, 2}, "f", "", ""},
+      {{"write", EINTR, 2}, "f", "", ""},
+      {{"write", EAGAIN, 2}, "f", "", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.fault.call + ' ' + std::to_string(c.fault.error));
+    Write("f", "old");
+    fault = c.fault;
+    EXPECT_EQ(Edit(c.file, "new", kMayCreate), c.message);
+    EXPECT_EQ(fault.count, 0);
+    EXPECT_EQ(hint_, c.hint);
+    EXPECT_EQ(Read("f"), c.message.empty() ? "new" : "old");
+    EXPECT_EQ(CountFiles(), 1U);
+  }
+}
+
+// Another edit takes our temporary file for an abandoned one before we can lock it.
+TEST_F(FileReplacementTest, LosesItsTemporaryFile) {
+  Write("f", "old");
+  int locks = 0;
+  before_locking = [&] {
+    if (++locks != 2) return;  // the first one is that of f
+    unlink(Path(".f.quarry-new").c_str());
+    Write(".f.quarry-new", "other");
+  };
+  EXPECT_EQ(Edit("f", "new"), "");
+  before_locking = nullptr;
+  EXPECT_EQ(Read("f"), "new");
+  EXPECT_EQ(CountFiles(), 1U);
 }
 
 // The second of two edits waits for the first and finds what it made.
 TEST_F(FileReplacementTest, MakesAFileOnce) {
   const auto add = [this](const std::string& text) {
     FileReplacement edit(Path("f"), kMayCreate);
+    EXPECT_EQ(IsSignalBlocked(), !edit.exists());
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     edit.Replace(edit.text() + text);
   };
