@@ -42,6 +42,7 @@ class AttributeKeeper {
   void KeepOwnerOf(const struct stat& status);
   void KeepExtended();
   void KeepModeOf(const struct stat& status);
+  bool HasAccessList(int file) const;
 
  private:
   [[noreturn]] void Refuse(const std::string& what, const std::string& hint = "") const {
@@ -90,6 +91,13 @@ void AttributeKeeper::KeepModeOf(const struct stat& status) {
   }
 }
 
+// Such as system.posix_acl_access; the lists of other systems have names of this kind.
+bool AttributeKeeper::HasAccessList(int file) const {
+  const std::vector<std::string> names = NamesOf(file);
+  return std::any_of(names.begin(), names.end(),
+                     [](const std::string& name) { return name.compare(0, 7, "system.") == 0; });
+}
+
 std::vector<std::string> AttributeKeeper::NamesOf(int file) const {
   const auto list =
       ReadWhole([file](char* bytes, std::size_t size) { return flistxattr(file, bytes, size); });
@@ -113,6 +121,22 @@ void KeepAttributes(int from, int to, const std::string& name) {
   keeper.KeepOwnerOf(status);
   keeper.KeepExtended();
   keeper.KeepModeOf(status);
+}
+
+void CopyAccess(int from, int to, mode_t mask, const std::string& name) {
+  struct stat original {
+  }, copy{};
+  if (fstat(from, &original) != 0 || fstat(to, &copy) != 0) {
+    throw SystemError("read the mode for " + name, name, errno);
+  }
+  const AttributeKeeper keeper(from, to, name);
+  const bool is_certain =
+      original.st_gid == copy.st_gid && !keeper.HasAccessList(from) && !keeper.HasAccessList(to);
+  constexpr mode_t kReadAndWrite = 0666;
+  const mode_t mode = original.st_mode & kReadAndWrite & ~mask;
+  if (fchmod(to, is_certain ? mode : mode & S_IRWXU) != 0) {
+    throw SystemError("set the mode of " + name, name, errno, HintForLackOf("modes", errno));
+  }
 }
 
 }  // namespace quarry::settings

@@ -1,6 +1,8 @@
 #ifndef QUARRY_SETTINGS_FILE_ATTRIBUTES_H_
 #define QUARRY_SETTINGS_FILE_ATTRIBUTES_H_
 
+#include <sys/types.h>
+
 #include <string>
 
 namespace quarry::settings {
@@ -9,6 +11,11 @@ namespace quarry::settings {
 // and with them its access control list. Throws Error when one of them cannot be kept; `name` is
 // that of the file for its message.
 void KeepAttributes(int from, int to, const std::string& name);
+
+// Gives the open file `to`, which only its owner can use so far, the mode of the open file `from`
+// less `mask`. Others than the owner get nothing when the groups differ or either file has an
+// access control list, because then somebody might read `to` who may not read `from`. Throws Error.
+void CopyAccess(int from, int to, mode_t mask, const std::string& name);
 
 }  // namespace quarry::settings
 

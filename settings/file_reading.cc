@@ -8,7 +8,6 @@
 #include <new>
 #include <stdexcept>
 
-#include "platform/local/file_descriptor.h"
 #include "settings/error.h"
 
 namespace quarry::settings {
@@ -43,9 +42,14 @@ std::string ReadToEnd(int descriptor, const std::string& name) {
 }  // namespace
 
 std::string ReadFile(const std::string& file) {
-  const platform::FileDescriptor input(open(file.c_str(), O_RDONLY | O_CLOEXEC));
-  if (input.get() == -1) throw SystemError("open " + file, file, errno);
+  platform::FileDescriptor input(-1);
+  OpenInput(file, &input);
   return ReadAll(input.get(), file);
+}
+
+void OpenInput(const std::string& file, platform::FileDescriptor* input) {
+  input->Reset(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (input->get() == -1) throw SystemError("open " + file, file, errno);
 }
 
 std::string ReadAll(int descriptor, const std::string& name) {

@@ -95,6 +95,10 @@ const std::string& FileReplacement::text() {
   return *text_;
 }
 
+void FileReplacement::CopyAccessOf(int source, mode_t mask) {
+  if (!exists()) CopyAccess(source, new_->get(), mask, name_);
+}
+
 void FileReplacement::Replace(std::string_view text) {
   if (exists() && text == this->text()) return;
   if (exists()) {

@@ -46,6 +46,11 @@ class FileReplacement {
   // The file's content; empty when the file is to be created. Throws Error.
   const std::string& text();
 
+  // Gives a file that is to be created the access that the open file `source` gives, less `mask`;
+  // nobody may read it then who may not read `source`. Its mode must be private so far. Throws
+  // Error.
+  void CopyAccessOf(int source, mode_t mask);
+
   // Replaces the old text by `text`, by way of a file ".NAME.quarry-new" beside the old file and
   // with its owner, mode and extended attributes. On return all of it is on the disk. Writes
   // nothing when the file has this text already. Throws Error; the old text is in place then,

@@ -247,6 +247,7 @@ for edit in 'set here/f s x 2' 'set here/f new x 2' 'unset here/f s x' 'set here
   start_sweep sweep text here/f $edit
 done
 start_sweep sweep '' here/f set --create here/f s x 2
+start_sweep sweep '' here/f dump changes -o here/f
 start_sweep sweep '' here/auth.key keygen here
 start_sweep sweep_tables
 while [ "$(jobs -p | wc -l)" -gt 0 ]; do wait -n; done

@@ -75,6 +75,10 @@ using std::string_literals::operator""s;
 using Options = FileReplacement::Options;
 const Options kMayCreate = {kUsualMode};
 
+// An access control list that lets user 1234 read.
+const std::string kAccessList =
+    "\2\0\0\0\1\0\6\0\xFF\xFF\xFF\xFF\2\0\4\0\xD2\4\0\0\4\0\0\0\xFF\xFF\xFF\xFF\x10\0\4\0\xFF\xFF\xFF\xFF\x20\0\0\0\xFF\xFF\xFF\xFF"s;
+
 class FileReplacementTest : public testing::Test, protected TempFolder {
  protected:
   // Type, mode, owner, group, and the attributes that edits keep.
@@ -125,11 +129,9 @@ TEST_F(FileReplacementTest, KeepsWhatTheFileIs) {
   std::filesystem::create_directory(Path("links"));
   symlink("../f", Path("links/l").c_str());
   Write(".f.quarry-new", "left by a killed edit");
-  // Not every file system has these. The list gives user 1234 access.
-  const std::string acl =
-      "\2\0\0\0\1\0\6\0\xFF\xFF\xFF\xFF\2\0\4\0\xD2\4\0\0\4\0\0\0\xFF\xFF\xFF\xFF\x10\0\4\0\xFF\xFF\xFF\xFF\x20\0\0\0\xFF\xFF\xFF\xFF"s;
+  // Not every file system has these.
   setxattr(Path("f").c_str(), "user.origin", "hall B", 6, 0);
-  setxattr(Path("f").c_str(), "system.posix_acl_access", acl.data(), acl.size(), 0);
+  setxattr(Path("f").c_str(), "system.posix_acl_access", kAccessList.data(), kAccessList.size(), 0);
   if (geteuid() == 0) {
     EXPECT_EQ(chown(Path("f").c_str(), static_cast<uid_t>(-1), 2345), 0);
   }
@@ -149,13 +151,54 @@ TEST_F(FileReplacementTest, AddsNoAccess) {
   Write("f", "old");
   chmod(Path("f").c_str(), 0600);
   const std::string before = Describe("f");
-  const std::string acl =
-      "\2\0\0\0\1\0\7\0\xFF\xFF\xFF\xFF\2\0\7\0\xD2\4\0\0\4\0\7\0\xFF\xFF\xFF\xFF\x10\0\7\0\xFF\xFF\xFF\xFF\x20\0\7\0\xFF\xFF\xFF\xFF"s;
-  if (setxattr(Path("").c_str(), "system.posix_acl_default", acl.data(), acl.size(), 0) != 0) {
+  if (setxattr(Path("").c_str(), "system.posix_acl_default", kAccessList.data(), kAccessList.size(),
+               0) != 0) {
     GTEST_SKIP() << "this file system has no access control lists";
   }
   EXPECT_EQ(Edit("f", "new"), "");
   EXPECT_EQ(Describe("f"), before);
+}
+
+// Nobody may read a copy who may not read its source.
+TEST_F(FileReplacementTest, CopiesNoMoreAccess) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give files to any group";
+  struct Case {
+    const char* name;
+    gid_t folder_group, source_group;
+    mode_t source_mode;
+    const char* list_of;  // what has an access control list, and which
+    const char* list;
+    mode_t copy_mode;
+  };
+  const Case cases[] = {
+      {"the mode", 0, 0, 0664, "", "", 0644},
+      {"another group", 0, 2345, 0644, "", "", 0600},
+      {"the folder's group", 2345, 0, 0644, "", "", 0600},
+      {"both of a group", 2345, 2345, 0440, "", "", 0440},
+      {"the source's list", 0, 0, 0644, "source", "system.posix_acl_access", 0600},
+      {"the folder's list", 0, 0, 0644, "", "system.posix_acl_default", 0600},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::filesystem::remove_all(Path("d"));
+    std::filesystem::create_directory(Path("d"));
+    Write("d/source", "text");
+    EXPECT_EQ(chown(Path("d").c_str(), 0, c.folder_group), 0);
+    EXPECT_EQ(chown(Path("d/source").c_str(), 0, c.source_group), 0);
+    chmod(Path("d").c_str(), 02755);
+    chmod(Path("d/source").c_str(), c.source_mode);
+    if (*c.list != '\0' && setxattr(Path("d/"s + c.list_of).c_str(), c.list, kAccessList.data(),
+                                    kAccessList.size(), 0) != 0) {
+      continue;  // not every file system has these
+    }
+    FileReplacement copy(Path("d/copy"), {kPrivateMode});
+    const platform::FileDescriptor source(open(Path("d/source").c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_EQ(locked_mode, static_cast<mode_t>(S_IFREG | 0600));
+    copy.CopyAccessOf(source.get(), 022);
+    copy.Replace("text");
+    EXPECT_EQ(std::filesystem::status(Path("d/copy")).permissions(),
+              static_cast<std::filesystem::perms>(c.copy_mode));
+  }
 }
 
 TEST_F(FileReplacementTest, RefusesWhatTheCallerMayNot) {

@@ -1,9 +1,12 @@
 // quarry-config dump
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <optional>
+#include <utility>
 
+#include "settings/file_reading.h"
 #include "tools/commands/command.h"
 #include "tools/commands/document_json.h"
 #include "tools/commands/edit_target.h"
@@ -20,31 +23,53 @@ struct DumpRequest {
   std::optional<std::string> output;  // standard output when there is none
 };
 
-std::string DumpOf(const DumpRequest& request) {
-  settings::Document document = OpenDocument(request.file);
+std::string DumpOf(const DumpRequest& request, std::string text) {
+  settings::Document document = OpenDocument(request.file, std::move(text));
   return request.json ? DocumentJson(document.Sections(), false, &document) : document.DumpText();
 }
 
-// Whoever may not read the file may not read a copy of it, either.
-mode_t ModeLike(const std::string& file) {
+mode_t Umask() {
+  const mode_t mask = umask(S_IRWXG | S_IRWXO);
+  umask(mask);
+  return mask;
+}
+
+settings::FileReplacement OpenOutput(const DumpRequest& request, mode_t new_mode) {
+  settings::FileReplacement::Options options;
+  options.new_mode = new_mode;
+  return OpenForEdit(*request.output, std::move(options));
+}
+
+// Reading a pipe may block, so it is done before the output is locked. A pipe says nothing about
+// who may read its text.
+void DumpStandardInput(const DumpRequest& request) {
+  const std::string dump = DumpOf(request, ReadInput(request.file));
   struct stat status {};
-  const bool found = file != "-" && stat(file.c_str(), &status) == 0;
-  return found ? status.st_mode & settings::kUsualMode : settings::kUsualMode;
+  const bool is_file = fstat(STDIN_FILENO, &status) == 0 && S_ISREG(status.st_mode);
+  auto output = OpenOutput(request, is_file ? settings::kPrivateMode : settings::kUsualMode);
+  if (is_file) output.CopyAccessOf(STDIN_FILENO, Umask());
+  output.Replace(dump);
+}
+
+// A file may be the output itself, so it is opened after the output is locked.
+void DumpFile(const DumpRequest& request) {
+  auto output = OpenOutput(request, settings::kPrivateMode);
+  RequireName(request.file);
+  platform::FileDescriptor input(-1);
+  settings::OpenInput(request.file, &input);
+  const std::string dump = DumpOf(request, settings::ReadAll(input.get(), request.file));
+  output.CopyAccessOf(input.get(), Umask());
+  output.Replace(dump);
 }
 
 ExitStatus RunDump(const DumpRequest& request) {
   if (!request.output || *request.output == "-") {
-    WriteStandardOutput(DumpOf(request));
-    return kExitDone;
+    WriteStandardOutput(DumpOf(request, ReadInput(request.file)));
+  } else if (request.file == "-") {
+    DumpStandardInput(request);
+  } else {
+    DumpFile(request);
   }
-  // Reading a pipe may block, so it is done before the output is locked. A file may be the output
-  // itself, so it is read after that.
-  std::optional<std::string> text;
-  if (request.file == "-") text = DumpOf(request);
-  settings::FileReplacement::Options options;
-  options.new_mode = ModeLike(request.file);
-  settings::FileReplacement output = OpenForEdit(*request.output, std::move(options));
-  output.Replace(text ? *text : DumpOf(request));
   return kExitDone;
 }
 
