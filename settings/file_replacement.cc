@@ -119,7 +119,8 @@ void FileReplacement::WriteAndPublish(std::string_view text) {
   }
   if (exists()) KeepAttributes(old_.get(), new_->get(), name_);
   if (fsync(new_->get()) != 0) throw SystemError("save " + name_, name_, errno);
-  if (!IsUntouched()) {
+  // Who cannot open our temporary file, or finds a planted one, may remove ours by its name.
+  if (!new_->IsOurs() || !IsUntouched()) {
     throw Error(ErrorKind::kFailed, name_, "another program changed " + name_ + " during this edit",
                 "nothing was written; do it again");
   }

@@ -28,6 +28,9 @@ class TemporaryFile {
 
   int get() const { return file_.get(); }
 
+  // Whether it still has its name. Throws Error.
+  bool IsOurs() const { return IsInPlace(file_.get()); }
+
   // Renames it to the file's name: over the old file, or, when `replaces` is false, only if there
   // is none. Throws Error.
   void Publish(bool replaces);
