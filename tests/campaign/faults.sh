@@ -262,13 +262,15 @@ unshare -m sh -c '
   fail 'a full disk'
 tally 'full disk, old file'
 
-# Without /proc, files are opened by their names.
-# shellcheck disable=SC2016 # for the inner shell
+# Without /proc, files are opened by their names; with it, some links lead elsewhere than they say.
+# shellcheck disable=SC2016 # for the inner shells
 unshare -m sh -c '
-  mount -t tmpfs none /proc && cp text here/f && "$1" set here/f s x 2 && mkfifo here/fifo &&
-  ! timeout 9 "$1" set here/fifo s x 2 2>err && grep -q "not a regular file" err && grep -q 2 here/f' sh "$program" ||
-  fail 'an edit without /proc'
-tally 'edit without /proc'
+  mount -t tmpfs none here && cp text here/f &&
+  unshare -m sh -c "umount here && \"\$1\" set /proc/$$/root$PWD/here/f s x 2" sh "$1" && grep -q 2 here/f &&
+  mount -t tmpfs none /proc && "$1" set here/f s x 3 && grep -q 3 here/f && mkfifo here/fifo &&
+  ! timeout 9 "$1" set here/fifo s x 2 2>err && grep -q "not a regular file" err' sh "$program" ||
+  fail 'an edit by way of /proc, or without it'
+tally 'edits by way of /proc, and without it'
 
 # Edits at once are all kept, and every reader finds a whole file.
 cp text many
