@@ -123,15 +123,15 @@ void KeepAttributes(int from, int to, const std::string& name) {
   keeper.KeepModeOf(status);
 }
 
-void CopyAccess(int from, int to, mode_t mask, const std::string& name) {
+void CopyAccess(int from, int to, int folder, mode_t mask, const std::string& name) {
   struct stat original {
   }, copy{};
   if (fstat(from, &original) != 0 || fstat(to, &copy) != 0) {
     throw SystemError("read the mode for " + name, name, errno);
   }
   const AttributeKeeper keeper(from, to, name);
-  const bool is_certain =
-      original.st_gid == copy.st_gid && !keeper.HasAccessList(from) && !keeper.HasAccessList(to);
+  const bool is_certain = original.st_gid == copy.st_gid && !keeper.HasAccessList(from) &&
+                          !keeper.HasAccessList(to) && !keeper.HasAccessList(folder);
   constexpr mode_t kReadAndWrite = 0666;
   const mode_t mode = original.st_mode & kReadAndWrite & ~mask;
   if (fchmod(to, is_certain ? mode : mode & S_IRWXU) != 0) {

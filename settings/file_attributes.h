@@ -13,9 +13,10 @@ namespace quarry::settings {
 void KeepAttributes(int from, int to, const std::string& name);
 
 // Gives the open file `to`, which only its owner can use so far, the mode of the open file `from`
-// less `mask`. Others than the owner get nothing when the groups differ or either file has an
-// access control list, because then somebody might read `to` who may not read `from`. Throws Error.
-void CopyAccess(int from, int to, mode_t mask, const std::string& name);
+// less `mask`. Others than the owner get nothing when the groups differ, or when a file or the open
+// folder of `to` has an access control list, because then somebody might read `to` who may not read
+// `from`. Throws Error.
+void CopyAccess(int from, int to, int folder, mode_t mask, const std::string& name);
 
 }  // namespace quarry::settings
 

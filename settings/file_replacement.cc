@@ -96,7 +96,7 @@ const std::string& FileReplacement::text() {
 }
 
 void FileReplacement::CopyAccessOf(int source, mode_t mask) {
-  if (!exists()) CopyAccess(source, new_->get(), mask, name_);
+  if (!exists()) CopyAccess(source, new_->get(), folder_.get(), mask, name_);
 }
 
 void FileReplacement::Replace(std::string_view text) {

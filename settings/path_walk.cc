@@ -10,6 +10,9 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <filesystem>
+#include <system_error>
+#include <utility>
 
 #include "settings/error.h"
 
@@ -21,7 +24,9 @@ namespace {
 // exchange what has been checked.
 class PathWalk {
  public:
-  explicit PathWalk(const std::string& file) : file_(file), rest_(file) {}
+  // `path` is where to walk, `file` the name for messages.
+  PathWalk(const std::string& file, std::string path, const NameVisitor& visit)
+      : file_(file), rest_(std::move(path)), visit_(visit) {}
 
   std::string FindEntry();
   void OpenFolder(platform::FileDescriptor* folder) const;
@@ -34,6 +39,7 @@ class PathWalk {
   std::string TakeName();
   void FollowLink(const std::string& name, int link);
   void RequireTrustedLink(const std::string& name, int link) const;
+  bool Visit(const std::string& name, const struct stat* entry) const;
   struct stat StatusOf(int descriptor) const;
   bool IsInProc() const;
   // Whether no component follows the one that was taken.
@@ -42,11 +48,13 @@ class PathWalk {
 
   const std::string& file_;
   std::string rest_;  // what is still to be walked; after a component, empty or from a '/' on
+  const NameVisitor& visit_;
   platform::FileDescriptor folder_{-1};
   int links_ = 0;
   bool is_linked_ = false;  // the last component of `file_` was a link
 };
 
+// Empty when the visitor has ended the walk.
 std::string PathWalk::FindEntry() {
   if (IsAtLast()) Fail(ENOENT);
   EnterStart();
@@ -59,13 +67,16 @@ std::string PathWalk::FindEntry() {
     }
     platform::FileDescriptor found(openat(folder_.get(), name.c_str(), kLook));
     if (found.get() == -1) {
-      if (IsAtLast() && errno == ENOENT && !is_linked_) return name;
-      Fail(errno);
+      const int error = errno;
+      if (error == ENOENT && !Visit(name, nullptr)) return "";
+      if (IsAtLast() && error == ENOENT && !is_linked_) return name;
+      Fail(error);
     }
-    const mode_t mode = StatusOf(found.get()).st_mode;
-    if (S_ISLNK(mode)) {
+    const struct stat entry = StatusOf(found.get());
+    if (!Visit(name, &entry)) return "";
+    if (S_ISLNK(entry.st_mode)) {
       FollowLink(name, found.get());
-    } else if (S_ISDIR(mode)) {
+    } else if (S_ISDIR(entry.st_mode)) {
       folder_.Reset(found.Release());
     } else if (IsAtLast()) {
       return name;
@@ -124,6 +135,11 @@ void PathWalk::RequireTrustedLink(const std::string& name, int link) const {
               "remove the link, or name the file that it leads to");
 }
 
+// Nobody can exchange "..".
+bool PathWalk::Visit(const std::string& name, const struct stat* entry) const {
+  return name == ".." || visit_(folder_.get(), entry);
+}
+
 struct stat PathWalk::StatusOf(int descriptor) const {
   struct stat status {};
   if (fstat(descriptor, &status) != 0) Fail(errno);
@@ -148,10 +164,18 @@ void PathWalk::Fail(int error) const {
 }  // namespace
 
 std::string OpenFolderOf(const std::string& file, platform::FileDescriptor* folder) {
-  PathWalk walk(file);
+  const NameVisitor pass = [](int, const struct stat*) { return true; };
+  PathWalk walk(file, file, pass);
   std::string entry = walk.FindEntry();
   walk.OpenFolder(folder);
   return entry;
+}
+
+void VisitNames(const std::string& file, const NameVisitor& visit) {
+  std::error_code error;
+  const auto path = std::filesystem::absolute(file, error);
+  if (error) throw SystemError("open " + file, file, error.value());
+  PathWalk(file, path.native(), visit).FindEntry();
 }
 
 }  // namespace quarry::settings
