@@ -8,8 +8,9 @@
 
 namespace quarry::tool {
 
-// Returns the offset of what follows the name of the agent's password in a line, even in a malformed
-// line or misspelled; the line's size when nothing follows, npos when no such name is there.
+// Returns the offset of what follows the name of the agent's password in a line, even in a
+// malformed line or misspelled; the line's size when nothing follows, npos when no such name is
+// there.
 std::size_t FindPassword(std::string_view line);
 
 // The same for names that are usual for a secret as well: "db_passwd", "ClientSecret", "api-token",
