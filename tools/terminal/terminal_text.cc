@@ -28,10 +28,10 @@ constexpr std::pair<char32_t, char32_t> kUnsafeToPrint[] = {
     {0xFFF0, 0xFFFB}, {0x1BCA0, 0x1BCA3}, {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF},
 };
 
+// Searched from the start, which is fastest for ASCII.
 bool IsSafeToPrint(char32_t code) {
-  const auto* const range =
-      std::lower_bound(std::begin(kUnsafeToPrint), std::end(kUnsafeToPrint), code,
-                       [](const auto& unsafe, char32_t c) { return unsafe.second < c; });
+  const auto* const range = std::find_if(std::begin(kUnsafeToPrint), std::end(kUnsafeToPrint),
+                                         [=](const auto& unsafe) { return code <= unsafe.second; });
   return range == std::end(kUnsafeToPrint) || code < range->first;
 }
 
