@@ -36,6 +36,7 @@ class PathWalk {
   static constexpr int kLook = O_PATH | O_NOFOLLOW | O_CLOEXEC;
 
   void EnterStart();
+  void EnterFolder(const std::string& name);
   std::string TakeName();
   void FollowLink(const std::string& name, int link);
   void RequireTrustedLink(const std::string& name, int link) const;
@@ -77,7 +78,7 @@ std::string PathWalk::FindEntry() {
     if (S_ISLNK(entry.st_mode)) {
       FollowLink(name, found.get());
     } else if (S_ISDIR(entry.st_mode)) {
-      folder_.Reset(found.Release());
+      EnterFolder(name);
     } else if (IsAtLast()) {
       return name;
     } else {
@@ -94,6 +95,12 @@ void PathWalk::OpenFolder(platform::FileDescriptor* folder) const {
 
 void PathWalk::EnterStart() {
   folder_.Reset(open(rest_.front() == '/' ? "/" : ".", kLook | O_DIRECTORY));
+  if (folder_.get() == -1) Fail(errno);
+}
+
+// Where a file system is mounted on demand, only O_DIRECTORY has it mounted.
+void PathWalk::EnterFolder(const std::string& name) {
+  folder_.Reset(openat(folder_.get(), name.c_str(), kLook | O_DIRECTORY));
   if (folder_.get() == -1) Fail(errno);
 }
 

@@ -8,7 +8,6 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <utility>
 
 namespace quarry::platform {
 
@@ -27,9 +26,6 @@ class FileDescriptor {
     Close();
     descriptor_ = descriptor;
   }
-
-  // Gives the descriptor to the caller, who closes it.
-  int Release() { return std::exchange(descriptor_, -1); }
 
   // Closes the descriptor. Returns false, with errno set, when the system reports that data was
   // lost.
