@@ -1,5 +1,6 @@
 #include "tools/check/agent_advice.h"
 
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
@@ -38,6 +39,13 @@ std::string CommandOn(const char* command, const std::string& folder) {
 bool IsOnReadOnlyMount(const std::string& path) {
   struct statvfs file_system {};
   return statvfs(path.c_str(), &file_system) == 0 && (file_system.f_flag & ST_RDONLY) != 0;
+}
+
+std::string HintForWritableFolder(const settings::ExposedFolder& folder) {
+  // A folder such as /tmp is meant for all.
+  if ((folder.permissions & S_ISVTX) != 0) return "keep it in a folder of root or of this user";
+  if (IsOnReadOnlyMount(folder.path)) return "have the folder mounted with mode 755";
+  return "chmod go-w " + ShellQuotedFile(folder.path);
 }
 
 std::string OctalText(mode_t mode) {
@@ -124,9 +132,7 @@ std::optional<Advice> AdviceForExposedKey(const std::string& key_file, const std
   }
   return Advice{"others may write to the folder " + Quoted(folder->path) + " (mode " +
                     OctalText(folder->permissions) + ')',
-                IsOnReadOnlyMount(folder->path)
-                    ? "they could exchange the key: have the folder mounted with mode 755"
-                    : "they could exchange the key: chmod go-w " + ShellQuotedFile(folder->path)};
+                "they could exchange the key: " + HintForWritableFolder(*folder)};
 }
 
 std::optional<Advice> AdviceForKeyFolder(Document* document) {
