@@ -43,7 +43,8 @@ std::optional<Advice> AdviceForTarget(const std::string& path) {
   struct stat parent {};
   const uid_t caller = geteuid();
   const bool replaceable = caller == 0 || caller == table->st_uid ||
-                           stat(folder.c_str(), &parent) != 0 || (parent.st_mode & S_ISVTX) == 0;
+                           stat(folder.c_str(), &parent) != 0 || caller == parent.st_uid ||
+                           (parent.st_mode & S_ISVTX) == 0;
   if (replaceable) return std::nullopt;
   return Advice{
       shown + " belongs to " + UserText(table->st_uid) + ": only that user can replace it",
