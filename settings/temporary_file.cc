@@ -12,6 +12,18 @@
 
 namespace quarry::settings {
 
+namespace {
+
+// For what cannot be removed from the temporary file's place.
+std::string HintForObstacle(int error) {
+  if (error == EISDIR) return "no edit leaves a folder there: remove it";
+  if (error != EPERM) return "";
+  return "another user put it there; remove it as root, and keep the file in a folder of its user "
+         "alone";
+}
+
+}  // namespace
+
 TemporaryFile::TemporaryFile(int folder, const std::string& entry, mode_t mode,
                              const std::string& name, LockTimer* timer)
     : folder_(folder), entry_(entry), temporary_('.' + entry + ".quarry-new"), name_(name) {
@@ -72,9 +84,7 @@ void TemporaryFile::RemoveAbandoned(LockTimer* timer) {
   // A file that we cannot open is not one of ours.
   if (unlinkat(folder_, temporary_.c_str(), 0) != 0 && errno != ENOENT) {
     throw SystemError("remove " + temporary_ + " beside " + name_, name_, errno,
-                      errno == EPERM ? "another user put it there; remove it as root, and keep the "
-                                       "file in a folder of its user alone"
-                                     : "");
+                      HintForObstacle(errno));
   }
 }
 
