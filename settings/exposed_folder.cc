@@ -25,9 +25,11 @@ bool IsExposed(const struct stat& folder, const struct stat* entry) {
   return (folder.st_mode & S_ISVTX) == 0 || !is_kept;
 }
 
-std::string PathOf(int folder) {
+// Without a mounted /proc, as the path `file` has it.
+std::string PathOf(int folder, const std::string& file) {
   std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder), error);
+  const auto path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder), error);
+  return error ? std::filesystem::path(file).parent_path() : path;
 }
 
 }  // namespace
@@ -39,7 +41,7 @@ std::optional<ExposedFolder> FindExposedFolder(const std::string& file) {
     struct stat status {};
     if (fstat(folder, &status) != 0) throw SystemError("open the folder of " + file, file, errno);
     if (!IsExposed(status, entry)) return true;
-    exposed = {PathOf(folder), std::nullopt, status.st_mode & kPermissions};
+    exposed = {PathOf(folder, file), std::nullopt, status.st_mode & kPermissions};
     if (!IsTrusted(status.st_uid)) exposed->owner = status.st_uid;
     return false;
   });
