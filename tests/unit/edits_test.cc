@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "settings/line_edits.h"
 #include "settings/unified_diff.h"
 #include "settings/verified_edit.h"
@@ -19,12 +21,8 @@ std::string Unset(const std::string& text, bool with_comment) {
 }
 
 TEST(LineEdits, SetsAndLeavesTheRest) {
-  struct Case {
-    std::string text;
-    std::vector<Setting> settings;
-    std::string edited;
-  };
-  const Case cases[] = {
+  // A text, the settings, and the text afterwards.
+  const std::tuple<const char*, std::vector<Setting>, const char*> cases[] = {
       // The value's stretch alone.
       {"[a]\n\t x =\t1 2  \n", {{"A", "X", "3"}}, "[a]\n\t x =\t3  \n"},
       // Settings in any order.
@@ -58,14 +56,12 @@ TEST(LineEdits, SetsAndLeavesTheRest) {
       // A new section after a blank line.
       {"[a]\n \t\n", {{"b", "z", "3"}}, "[a]\n \t\n[b]\nz = 3\n"},
   };
-  for (const Case& c : cases) EXPECT_EQ(Set(c.text, c.settings), c.edited);
+  for (const auto& [text, settings, edited] : cases) EXPECT_EQ(Set(text, settings), edited);
 }
 
 TEST(LineEdits, RemovesEveryLineOfAnOption) {
-  struct Case {
-    std::string text, without, without_comment;
-  };
-  const Case cases[] = {
+  // A text, without the option, and without its comment too; "=" when that is the same.
+  const std::tuple<const char*, std::string, std::string> cases[] = {
       // Comments directly above.
       {"[a]\n;b\n\n #c\n;d\no=1\n#e\n", "[a]\n;b\n\n #c\n;d\n#e\n", "[a]\n;b\n\n#e\n"},
       // A comment above a header.
@@ -75,19 +71,16 @@ TEST(LineEdits, RemovesEveryLineOfAnOption) {
       // But not that of a blank line.
       {"[a]\nx=0\n\no=1", "[a]\nx=0\n\n", "="},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(Unset(c.text, false), c.without);
-    EXPECT_EQ(Unset(c.text, true), c.without_comment == "=" ? c.without : c.without_comment);
+  for (const auto& [text, without, without_comment] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(Unset(text, false), without);
+    EXPECT_EQ(Unset(text, true), without_comment == "=" ? without : without_comment);
   }
 }
 
 TEST(IsSameModel, SeesWhatProgramsSee) {
-  struct Case {
-    std::string text;
-    bool same, same_but_comments;
-  };
-  const Case cases[] = {
+  // A text, whether it is the same, and whether it is but for comments.
+  const std::tuple<std::string, bool, bool> cases[] = {
       // Other lines.
       {"#c\n[A]\n\n y=2 \n #d\nx =1\n[b]\n", true, true},
       // An option more.
@@ -105,21 +98,16 @@ TEST(IsSameModel, SeesWhatProgramsSee) {
       // The comment of a section beyond the old ones.
       {"#c\n[A]\n#d\nx=1\ny=2\n#\n[b]\n", true, true},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    Document wanted("f", "#c\n[A]\n#d\nx=1\ny=2\n[b]\n"), found("f", std::string(c.text));
-    EXPECT_EQ(IsSameModel(&wanted, &found, Comments::kCompared, 1), c.same);
-    EXPECT_EQ(IsSameModel(&wanted, &found, Comments::kIgnored, 1), c.same_but_comments);
+  for (const auto& [text, same, same_but_comments] : cases) {
+    SCOPED_TRACE(text);
+    Document wanted("f", "#c\n[A]\n#d\nx=1\ny=2\n[b]\n"), found("f", std::string(text));
+    EXPECT_EQ(IsSameModel(&wanted, &found, Comments::kCompared, 1), same);
+    EXPECT_EQ(IsSameModel(&wanted, &found, Comments::kIgnored, 1), same_but_comments);
   }
 }
 
 TEST(UnifiedDiff, ShowsWhatPatchTakes) {
-  struct Case {
-    std::string text;
-    TextEdit edit;
-    std::string hunks;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, TextEdit, const char*> cases[] = {
       // All lines.
       {"1\n2\n", {{1, 2, {}}}, "@@ -1,2 +0,0 @@\n-1\n-2\n"},
       // Three lines around.
@@ -149,9 +137,9 @@ TEST(UnifiedDiff, ShowsWhatPatchTakes) {
       // Two lines.
       {"1\n2\n", {{1, 1, {"a"}}, {2, 1, {"b"}}}, "@@ -1,2 +1,2 @@\n-1\n-2\n+a\n+b\n"},
   };
-  for (const Case& c : cases) {
-    const std::string hunks = ReplaceAll(c.hunks, "\\\n", "\\ No newline at end of file\n");
-    EXPECT_EQ(UnifiedDiff("f", c.text, c.edit), "--- f\n+++ f\n" + hunks);
+  for (const auto& [text, edit, hunks] : cases) {
+    const std::string shown = ReplaceAll(hunks, "\\\n", "\\ No newline at end of file\n");
+    EXPECT_EQ(UnifiedDiff("f", text, edit), "--- f\n+++ f\n" + shown);
   }
 }
 

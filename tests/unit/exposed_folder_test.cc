@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <tuple>
 
 #include "settings/error.h"
 #include "tests/support/support.h"
@@ -39,13 +40,8 @@ TEST_F(ExposedFolderTest, LooksAtEveryFolderOnTheWay) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can give files to another user";
   constexpr uid_t kOther = 4001;
   ASSERT_EQ(lchown(Path("c/theirs").c_str(), kOther, kOther), 0);
-  const struct {
-    const char* changed;
-    mode_t mode;
-    uid_t owner;
-    const char* file;
-    const char* found;
-  } cases[] = {
+  // A folder, its mode and owner; the file, and what is found.
+  const std::tuple<const char*, mode_t, uid_t, const char*, const char*> cases[] = {
       {"a", 0755, 0, "a/b/key", ""},
       {"a/b", 0775, 0, "a/b/key", "a/b"},
       {"a", 0757, 0, "a/b/key", "a"},
@@ -64,10 +60,10 @@ TEST_F(ExposedFolderTest, LooksAtEveryFolderOnTheWay) {
       {"a", 0755, 0, "a/none/key", "error"},
       {"a", 0755, 0, "loop/key", "error"},
   };
-  for (const auto& c : cases) {
-    const std::string changed = Path(c.changed);
-    ASSERT_EQ(chown(changed.c_str(), c.owner, 0) + chmod(changed.c_str(), c.mode), 0);
-    EXPECT_EQ(Find(c.file), c.found) << c.changed << std::oct << c.mode << c.file;
+  for (const auto& [folder, mode, owner, file, found] : cases) {
+    const std::string changed = Path(folder);
+    ASSERT_EQ(chown(changed.c_str(), owner, 0) + chmod(changed.c_str(), mode), 0);
+    EXPECT_EQ(Find(file), found) << folder << std::oct << mode << file;
     ASSERT_EQ(chown(changed.c_str(), 0, 0) + chmod(changed.c_str(), 0755), 0);
   }
 }

@@ -15,9 +15,11 @@
 #include <functional>
 #include <sstream>
 #include <thread>
+#include <tuple>
 #include <utility>
 
 #include "settings/error.h"
+#include "tests/support/failing_calls.h"
 #include "tests/support/support.h"
 
 namespace {
@@ -25,40 +27,20 @@ namespace {
 std::atomic<mode_t> locked_mode;       // of the file that was locked last
 std::function<void()> before_locking;  // is called once
 
-std::string failing;  // the next call of this name fails
-int failure = 0;      // with this error
-
-template <typename... Arguments>
-int Call(const char* name, long number, Arguments... arguments) {
-  if (failing != name) return static_cast<int>(syscall(number, arguments...));
-  failing.clear();
-  errno = failure;
-  return -1;
-}
-
 }  // namespace
 
-// In place of the system's, to fail, and to look at a new file before anything is in it.
-extern "C" {
+// In place of the C library's, to look at a new file before anything is in it.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wshadow"  // by struct flock
-int flock(int fd, int operation) noexcept {
+extern "C" int flock(int fd, int operation) noexcept {
   struct stat status {};
   fstat(fd, &status);
   locked_mode = status.st_mode;
   EXPECT_EQ(fcntl(fd, F_GETFD), FD_CLOEXEC);
   if (before_locking) std::exchange(before_locking, nullptr)();
-  return Call("flock", SYS_flock, fd, operation);
+  return Fails("flock") ? -1 : static_cast<int>(syscall(SYS_flock, fd, operation));
 }
 #pragma GCC diagnostic pop
-int fchmod(int fd, mode_t mode) noexcept { return Call("fchmod", SYS_fchmod, fd, mode); }
-// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): a keyword there
-int renameat2(int oldfd, const char* old, int newfd, const char* name, unsigned flags) noexcept {
-  return Call("renameat2", SYS_renameat2, oldfd, old, newfd, name, flags);
-}
-ssize_t read(int fd, void* buf, size_t nbytes) { return Call("read", SYS_read, fd, buf, nbytes); }
-ssize_t write(int fd, const void* buf, size_t n) { return Call("write", SYS_write, fd, buf, n); }
-}
 
 namespace quarry::settings {
 namespace {
@@ -154,63 +136,60 @@ TEST_F(FileReplacementTest, AddsNoAccess) {
 // Nobody may read a copy who may not read its source.
 TEST_F(FileReplacementTest, CopiesNoMoreAccess) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can give files to any group";
-  struct Case {
-    gid_t folder_group;   // which the copy gets
-    const char* list_of;  // what has an access control list
-    const char* list;
-    const char* copy_mode;
+  // The folder's group, which the copy gets; what has an access control list, and which; the
+  // copy's mode.
+  const std::tuple<gid_t, const char*, const char*, const char*> cases[] = {
+      {0, "", "", "100444"},
+      {2345, "", "", "100400"},
+      {0, "d/source", "system.posix_acl_access", "100600"},
+      {0, "d", "system.posix_acl_default", "100400"},
   };
-  const Case cases[] = {{0, "", "", "100444"},
-                        {2345, "", "", "100400"},
-                        {0, "d/source", "system.posix_acl_access", "100600"},
-                        {0, "d", "system.posix_acl_default", "100400"}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.list + std::to_string(c.folder_group));
+  for (const auto& [folder_group, list_of, list, copy_mode] : cases) {
+    SCOPED_TRACE(list + std::to_string(folder_group));
     std::filesystem::remove_all(Path("d"));
     std::filesystem::create_directory(Path("d"));
-    EXPECT_EQ(chown(Path("d").c_str(), 0, c.folder_group) + chmod(Path("d").c_str(), 02755), 0);
+    EXPECT_EQ(chown(Path("d").c_str(), 0, folder_group) + chmod(Path("d").c_str(), 02755), 0);
     Write("d/source", "text");
     EXPECT_EQ(chown(Path("d/source").c_str(), 0, 0) + chmod(Path("d/source").c_str(), 0464), 0);
-    setxattr(Path(c.list_of).c_str(), c.list, kAccessList.data(), kAccessList.size(), 0);
+    setxattr(Path(list_of).c_str(), list, kAccessList.data(), kAccessList.size(), 0);
     FileReplacement copy(Path("d/copy"), {kPrivateMode});
     const platform::FileDescriptor source(open(Path("d/source").c_str(), O_RDONLY | O_CLOEXEC));
     copy.CopyAccessOf(source.get(), 022);
     copy.Replace("text");
-    EXPECT_EQ(Describe("d/copy").substr(0, 6), c.copy_mode);
+    EXPECT_EQ(Describe("d/copy").substr(0, 6), copy_mode);
   }
 }
 
 TEST_F(FileReplacementTest, RefusesWhatTheCallerMayNot) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
-  for (const char* name : {"readable", "writable", "own"}) Write(name, "old");
+  const char* const writable_folder =
+      "an edit replaces the file by a new one, for which its folder must be writable";
+  // The folder's mode, the file, the message and the hint.
+  const std::tuple<mode_t, const char*, const char*, const char*> cases[] = {
+      {01777, "own", "cannot remove .own.quarry-new beside own: Operation not permitted",
+       "another user put it there"},
+      {0777, "own", "cannot keep the group (group ID 2345) of own: Operation not permitted",
+       "edit it as root"},
+      {0777, "readable", "cannot open readable for writing: Permission denied", ""},
+      {0777, "writable", "cannot keep the owner (user ID 0) of writable: Operation not permitted",
+       "edit it as root"},
+      {0755, "writable", "cannot create .writable.quarry-new beside writable: Permission denied",
+       writable_folder},
+      {0755, "absent", "cannot create .absent.quarry-new beside absent: Permission denied",
+       writable_folder},
+  };
+  for (const char* name : {"readable", "writable", "own", ".own.quarry-new"}) Write(name, "old");
   EXPECT_EQ(chown(Path("own").c_str(), 1234, 2345), 0);
   chmod(Path("readable").c_str(), 0644);
   chmod(Path("writable").c_str(), 0666);
-  chmod(Path("").c_str(), 0777);
-  ASSERT_EQ(seteuid(1234), 0);
-  EXPECT_EQ(FileReplacement(Path("readable"), {std::nullopt, true}).text(), "old");
-  EXPECT_EQ(Edit("readable", "new"), "cannot open readable for writing: Permission denied");
-  EXPECT_EQ(Edit("writable", "new"),
-            "cannot keep the owner (user ID 0) of writable: Operation not permitted");
-  EXPECT_EQ(hint_, "edit it as root");
-  EXPECT_EQ(Edit("own", "new"),
-            "cannot keep the group (group ID 2345) of own: Operation not permitted");
-  ASSERT_EQ(seteuid(0), 0);
-  Write(".own.quarry-new", "");
-  chmod(Path("").c_str(), 01777);
-  ASSERT_EQ(seteuid(1234), 0);
-  EXPECT_EQ(Edit("own", "new"),
-            "cannot remove .own.quarry-new beside own: Operation not permitted");
-  EXPECT_EQ(hint_.substr(0, hint_.find(';')), "another user put it there");
-  ASSERT_EQ(seteuid(0), 0);
-  unlink(Path(".own.quarry-new").c_str());
-  chmod(Path("").c_str(), 0755);
-  ASSERT_EQ(seteuid(1234), 0);
-  EXPECT_EQ(Edit("writable", "new"),
-            "cannot create .writable.quarry-new beside writable: Permission denied");
-  EXPECT_EQ(Edit("absent", "new", kMayCreate),
-            "cannot create .absent.quarry-new beside absent: Permission denied");
-  ASSERT_EQ(seteuid(0), 0);
+  for (const auto& [folder_mode, name, message, hint] : cases) {
+    chmod(Path("").c_str(), folder_mode);
+    ASSERT_EQ(seteuid(1234), 0);
+    EXPECT_EQ(Edit(name, "new", kMayCreate), message);
+    EXPECT_EQ(hint_.substr(0, hint_.find(';')), hint);
+    EXPECT_EQ(FileReplacement(Path("readable"), {std::nullopt, true}).text(), "old");
+    ASSERT_EQ(seteuid(0), 0);
+  }
   EXPECT_EQ(Read("readable") + Read("writable") + Read("own"), "oldoldold");
   EXPECT_EQ(CountFiles(), 3U);
 }
@@ -218,64 +197,52 @@ TEST_F(FileReplacementTest, RefusesWhatTheCallerMayNot) {
 // In a folder such as /tmp, which the kernel may protect or not.
 TEST_F(FileReplacementTest, FollowsNoPlantedLink) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can give links away";
-  struct Case {
-    mode_t folder_mode;
-    uid_t link_owner;  // the folder's is 2345
-    bool is_followed;
+  // The folder's mode, the link's owner, and whether it is followed. The folder's owner is 2345.
+  const std::tuple<mode_t, uid_t, bool> cases[] = {
+      {01777, 1234, false}, {01777, 2345, true}, {01777, 0, true},
+      {0777, 1234, true},   {01775, 1234, true},
   };
-  const Case cases[] = {{01777, 1234, false},
-                        {01777, 2345, true},
-                        {01777, 0, true},
-                        {0777, 1234, true},
-                        {01775, 1234, true}};
   std::filesystem::create_directory(Path("d"));
   EXPECT_EQ(chown(Path("d").c_str(), 2345, 0), 0);
-  for (const Case& c : cases) {
+  for (const auto& [folder_mode, link_owner, is_followed] : cases) {
     for (const std::string path : {"d/l", "d/l/f"}) {
-      SCOPED_TRACE(path + " of " + std::to_string(c.link_owner));
+      SCOPED_TRACE(path + " of " + std::to_string(link_owner));
       Write("f", "old");
-      chmod(Path("d").c_str(), c.folder_mode);
+      chmod(Path("d").c_str(), folder_mode);
       unlink(Path("d/l").c_str());
       symlink(path == "d/l" ? "../f" : "..", Path("d/l").c_str());
-      EXPECT_EQ(lchown(Path("d/l").c_str(), c.link_owner, 0), 0);
-      EXPECT_EQ(Edit(path, "new"), c.is_followed
-                                       ? ""
-                                       : "cannot open " + path +
-                                             ": its link \"l\" belongs to user ID 1234 and "
-                                             "is in a folder that everyone can write to");
-      EXPECT_EQ(Read("f"), c.is_followed ? "new" : "old");
+      EXPECT_EQ(lchown(Path("d/l").c_str(), link_owner, 0), 0);
+      const std::string refusal =
+          "cannot open " + path +
+          ": its link \"l\" belongs to user ID 1234 and is in a folder that everyone can write to";
+      EXPECT_EQ(Edit(path, "new"), is_followed ? "" : refusal);
+      EXPECT_EQ(Read("f"), is_followed ? "new" : "old");
     }
   }
 }
 
 TEST_F(FileReplacementTest, OverwritesNoOtherProgramsWork) {
-  const std::string other = "another program changed f during this edit";
-  struct Case {
-    const char* name;
-    std::function<void()> meanwhile;
-    std::string text;
-  };
-  const Case cases[] = {
-      {"in place", [&] { Write("f", "other"); }, "other"},
-      {"replaced", [&] { Write("g", "old"), rename(Path("g").c_str(), Path("f").c_str()); }, "old"},
-      {"removed", [&] { unlink(Path("f").c_str()); }, ""},
-      {"made private", [&] { chmod(Path("f").c_str(), 0600); }, "old"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    unlink(Path("f").c_str());
-    Write("f", "old");
-    EXPECT_EQ(Edit("f", "new", {}, c.meanwhile), other);
-    EXPECT_EQ(Read("f"), c.text);
-  }
-  unlink(Path("f").c_str());
-  EXPECT_EQ(Edit("f", "new", kMayCreate, [&] { Write("f", "other"); }), other);
-  EXPECT_EQ(Read("f"), "other");
   const auto plant = [&] {
     unlink(Path(".f.quarry-new").c_str()), Write(".f.quarry-new", "other");
   };
-  unlink(Path("f").c_str());
-  EXPECT_EQ(Edit("f", "new", kMayCreate, plant), other);
+  // Whether there is a file before, what another program does, and the text that it leaves.
+  const std::tuple<const char*, bool, std::function<void()>, const char*> cases[] = {
+      {"in place", true, [&] { Write("f", "other"); }, "other"},
+      {"replaced", true, [&] { Write("g", "old"), rename(Path("g").c_str(), Path("f").c_str()); },
+       "old"},
+      {"removed", true, [&] { unlink(Path("f").c_str()); }, ""},
+      {"made private", true, [&] { chmod(Path("f").c_str(), 0600); }, "old"},
+      {"made", false, [&] { Write("f", "other"); }, "other"},
+      {"planted", false, plant, ""},
+  };
+  for (const auto& [name, exists, meanwhile, text] : cases) {
+    SCOPED_TRACE(name);
+    unlink(Path("f").c_str());
+    if (exists) Write("f", "old");
+    EXPECT_EQ(Edit("f", "new", kMayCreate, meanwhile),
+              "another program changed f during this edit");
+    EXPECT_EQ(Read("f"), text);
+  }
   EXPECT_EQ(CountFiles(), 0U);
   before_locking = plant;  // as an edit that takes ours for an abandoned one
   EXPECT_EQ(Edit("f", "new", kMayCreate), "");
@@ -303,11 +270,13 @@ TEST_F(FileReplacementTest, WaitsForAnotherEditAndGivesUp) {
   before_locking = replace;
   EXPECT_EQ(Edit("f", "newer", hasty), "another edit of f is running");
   before_locking = nullptr;
-  failure = EWOULDBLOCK;
-  failing = "flock";
+  failing_calls = {{"flock", EWOULDBLOCK}};
   EXPECT_EQ(Edit("f", "new", patient), "");
   // Only waiting counts.
-  const auto work = [&] { std::this_thread::sleep_for(2 * hasty.max_wait), failing = "flock"; };
+  const auto work = [&] {
+    std::this_thread::sleep_for(2 * hasty.max_wait);
+    failing_calls = {{"flock", EWOULDBLOCK}};
+  };
   EXPECT_EQ(Edit("f", "newer", hasty, work), "");
   EXPECT_EQ(notices, 0);
   EXPECT_EQ(Read("f"), "newer");
@@ -318,13 +287,8 @@ TEST_F(FileReplacementTest, MeetsFailuresOfTheSystem) {
   const std::string modes = "an edit needs a file system with modes";
   const std::string mounts =
       "a file that is mounted alone, as into a container, cannot be replaced";
-  struct Case {
-    std::string call;
-    int error;
-    const char* file;  // "f" exists
-    std::string message, hint;
-  };
-  const Case cases[] = {
+  // What fails, and how; the file, of which only "f" exists; the message and the hint.
+  const std::tuple<const char*, int, const char*, std::string, std::string> cases[] = {
       {"flock", EOPNOTSUPP, "f", "cannot lock f: Operation not supported", locks},
       {"flock", ENOLCK, "g", "cannot lock g: No locks available", locks},
       {"flock", EIO, "f", "cannot lock f: Input/output error", ""},
@@ -336,14 +300,14 @@ TEST_F(FileReplacementTest, MeetsFailuresOfTheSystem) {
       {"write", EINTR, "f", "", ""},
       {"write", EAGAIN, "f", "", ""},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.call + ' ' + std::to_string(c.error));
+  for (const auto& [call, error, file, message, hint] : cases) {
+    SCOPED_TRACE(call + std::to_string(error));
     Write("f", "old");
-    failing = c.call;
-    failure = c.error;
-    EXPECT_EQ(Edit(c.file, "new", kMayCreate), c.message);
-    EXPECT_EQ(failing + hint_.substr(0, hint_.find(';')), c.hint);
-    EXPECT_EQ(Read("f"), c.message.empty() ? "new" : "old");
+    failing_calls = {{call, error}};
+    EXPECT_EQ(Edit(file, "new", kMayCreate), message);
+    EXPECT_TRUE(failing_calls.empty());
+    EXPECT_EQ(hint_.substr(0, hint_.find(';')), hint);
+    EXPECT_EQ(Read("f"), message.empty() ? "new" : "old");
     EXPECT_EQ(CountFiles(), 1U);
   }
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "tools/terminal/terminal_text.h"
 
 namespace quarry::tool {
@@ -18,11 +20,7 @@ std::string Findings(const std::string& text) {
 }
 
 TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
-  struct Case {
-    std::string text;
-    const char* findings;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"#c\n[a]\nx = 1\n ;d\n\ny=#fff\nz=a#b\nt=a# b\ne=\n[b]", ""},
       {"x=1\n  y \n=\n[b]\nx=0\n", "1:1+3 no-section"},
       {"[abc\nx=1\n  [a\n", "1:1+4 header-not-closed, 3:3+2 header-not-closed"},
@@ -53,7 +51,7 @@ TEST(CheckText, FindsEveryErrorAndWarningInOrder) {
        "2:2+3 no-equals, 3:2+1 option-name-empty, 4:3+1 no-continuation, 5:2+3 no-equals"},
       {"[a]\nx=1\n  #c\n;d\n\nbad", "6:1+3 no-equals"},
   };
-  for (const Case& c : cases) EXPECT_EQ(Findings(c.text), c.findings) << c.text;
+  for (const auto& [text, findings] : cases) EXPECT_EQ(Findings(text), findings) << text;
 }
 
 TEST(ExcerptOf, QuotesTheLineAndMarksIt) {
