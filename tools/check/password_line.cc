@@ -15,7 +15,8 @@ using ::quarry::storage::dmconfig::LineKind;
 namespace {
 
 constexpr std::string_view kSeparators = " \t=:\"'";
-constexpr std::string_view kBeforeNames = " \t\r=:\"'";
+constexpr std::string_view kAfterNames = " \t=:\"'>|";  // "<password>x", "password|x"
+constexpr std::string_view kBeforeNames = " \t\r=:\"'>|";
 
 std::string PasswordName() {
   return ::storage::config::EntryName(::storage::config::kEntryPassword);
@@ -29,7 +30,7 @@ std::size_t EndOfPasswordName(const std::string& line) {
   const std::string name = settings::Folded(PasswordName());
   for (std::size_t at = 0; (at = line.find(name, at)) != std::string::npos; ++at) {
     const std::size_t end = at + name.size();
-    if (end == line.size() || kSeparators.find(line[end]) != std::string::npos) return end;
+    if (end == line.size() || kAfterNames.find(line[end]) != std::string::npos) return end;
   }
   return std::string::npos;
 }
@@ -60,7 +61,7 @@ std::size_t EndOfName(const std::string& line, IsName is_name) {
   for (std::size_t begin = first;;) {
     begin = text.find_first_not_of(kBeforeNames, begin);
     if (begin == std::string::npos) return begin;
-    const std::size_t end = std::min(text.find_first_of(kSeparators, begin), text.size());
+    const std::size_t end = std::min(text.find_first_of(kAfterNames, begin), text.size());
     if (is_name(text.substr(begin, end - begin), begin - first)) return end;
     begin = end;
   }
@@ -92,15 +93,16 @@ bool IsContinuedSecret(const settings::ScannedLine& line) {
   const std::size_t secret = FindSecret(line.raw);
   if (secret == std::string_view::npos) return false;
   const std::string_view part = settings::WithoutTrailingBlanks(line.raw.substr(secret));
-  return part.empty() || part.back() == '\\';
+  // Marks alone are no secret: "secret: |" of YAML.
+  return part.find_first_not_of(kAfterNames) == std::string_view::npos || part.back() == '\\';
 }
 
-// Whether the line is no secret even below the name of one. A secret may look like a comment, or
-// like an invalid header.
+// Whether the line is no secret even below the name of one. A secret may look like a comment, like
+// an invalid header, or follow an "=" that is on its line.
 bool IsOfItsOwn(const settings::ScannedLine& line, bool continues) {
   if (line.kind == LineKind::kComment) return false;
   if (line.kind == LineKind::kHeader && line.fault() == LineFault::kNone) return true;
-  return !continues && line.text.find('=') != std::string_view::npos;
+  return !continues && line.text.find('=') != std::string_view::npos && line.text[0] != '=';
 }
 
 }  // namespace
