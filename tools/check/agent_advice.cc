@@ -33,7 +33,9 @@ std::string KeyFile(Document* document) {
 }
 
 std::string CommandOn(const char* command, const std::string& folder) {
-  return std::string("quarry-config ") + command + ' ' + ShellQuotedFile(folder);
+  // An agent's start adds "/auth.key" to an empty name, too.
+  return std::string("quarry-config ") + command + ' ' +
+         ShellQuotedFile(folder.empty() ? "/" : folder);
 }
 
 bool IsOnReadOnlyMount(const std::string& path) {
