@@ -15,13 +15,3 @@ if(NOT QUARRY_SANITIZE)
     # Fortify needs optimisation. A distribution's own flags may set a higher level.
     $<$<NOT:$<CONFIG:Debug>>:$<$<NOT:$<BOOL:${fortified}>>:-D_FORTIFY_SOURCE=2>>)
 endif()
-
-# quarry_cleared_registers: functions clear the registers that they used, because a caller or the
-# system may save registers in memory and one of them may hold part of a secret. For the code that
-# handles keys and passwords.
-include(CheckCXXCompilerFlag)
-add_library(quarry_cleared_registers INTERFACE)
-check_cxx_compiler_flag(-fzero-call-used-regs=all QUARRY_CAN_CLEAR_REGISTERS)
-if(QUARRY_CAN_CLEAR_REGISTERS)
-  target_compile_options(quarry_cleared_registers INTERFACE -fzero-call-used-regs=all)
-endif()

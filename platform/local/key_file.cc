@@ -36,6 +36,7 @@ DecryptResult DecodeKey(const char* text, unsigned char* key) {
 
 SealingKey::SealingKey() : bytes_(kKeyBytes) {}
 
+QUARRY_CLEARS_REGISTERS
 DecryptResult SealingKey::Set(const unsigned char* bytes) {
   if (bytes_.data() == nullptr) return kDecryptNoCrypto;
   std::memcpy(bytes_.data(), bytes, kKeyBytes);
@@ -48,6 +49,7 @@ DecryptResult SealingKey::Randomise() {
   return kDecryptDone;
 }
 
+QUARRY_CLEARS_REGISTERS
 DecryptResult SealingKey::Load(const char* key_file) {
   // One byte more than a key file has, to detect a longer file.
   SecretBytes text(kKeyFileBytes + 1);
@@ -70,6 +72,7 @@ DecryptResult SealingKey::Load(const char* key_file) {
   return size == kKeyFileBytes ? DecodeKey(text.text(), bytes_.data()) : kDecryptNotAKeyFile;
 }
 
+QUARRY_CLEARS_REGISTERS
 void EncodeKey(const SealingKey& key, SecretBytes* text) {
   std::memcpy(text->data(), kPrefix.data(), kPrefix.size());
   sodium_bin2base64(text->text() + kPrefix.size(), kEncodedBytes + 1, key.bytes(), kKeyBytes,

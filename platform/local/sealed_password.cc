@@ -94,6 +94,7 @@ std::string Encode(const SealedBytes& sealed) {
 
 }  // namespace
 
+QUARRY_CLEARS_REGISTERS
 DecryptResult SealPasswordWithNonce(const SealingKey& key, const unsigned char* nonce,
                                     std::string_view password, std::string* stored) {
   const bool allowed =
@@ -128,6 +129,7 @@ DecryptResult SealPassword(const SealingKey& key, std::string_view password, std
   return SealPasswordWithNonce(key, nonce.data(), password, stored);
 }
 
+QUARRY_CLEARS_REGISTERS
 DecryptResult OpenPasswordWithKey(const SealingKey& key, const char* stored, char* out,
                                   std::size_t capacity) {
   SealedBytes sealed;
@@ -148,6 +150,7 @@ DecryptResult OpenPasswordWithKey(const SealingKey& key, const char* stored, cha
   return kDecryptDone;
 }
 
+QUARRY_CLEARS_REGISTERS
 DecryptResult OpenPassword(const char* key_file, const char* stored, char* out,
                            std::size_t capacity) {
   const bool given = key_file != nullptr && stored != nullptr && out != nullptr;

@@ -4,6 +4,15 @@
 
 #include <cstddef>
 
+// A function that handles a key clears all registers when it returns, because a caller or the
+// system may save them in memory, as the dynamic linker does at the first call of a function. In
+// front of such a function's definition; compilers that cannot do it ignore it.
+#if __has_attribute(zero_call_used_regs)
+#define QUARRY_CLEARS_REGISTERS __attribute__((zero_call_used_regs("all")))
+#else
+#define QUARRY_CLEARS_REGISTERS
+#endif
+
 namespace quarry::platform {
 
 // A buffer from sodium_malloc: between guard pages, locked against swapping where the system allows
