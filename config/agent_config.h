@@ -84,14 +84,14 @@ class QUARRY_EXPORT AgentCfg {
            const boost::filesystem::path& config_path);
   ~AgentCfg();
 
-  // Each copy has a password of its own, in memory of its own. std::bad_alloc passes through; the
-  // object assigned to is unchanged then.
+  // Each copy has a password of its own, in memory of its own. std::bad_alloc passes through.
   AgentCfg(const AgentCfg& other);
+  // Wipes the password that it replaces. On std::bad_alloc the object is unchanged.
   AgentCfg& operator=(const AgentCfg& other);
-
-  // Leave no password in `other`, whose other values are unspecified; it may be assigned to and
+  // Leaves no password in `other`, whose other values are unspecified; it may be assigned to and
   // destroyed.
   AgentCfg(AgentCfg&& other) noexcept;
+  // Wipes the password that it replaces, and leaves `other` as a move construction does.
   AgentCfg& operator=(AgentCfg&& other) noexcept;
 
   // `[Ledger] url`.
