@@ -94,7 +94,7 @@ void PathWalk::OpenFolder(platform::FileDescriptor* folder) const {
 }
 
 void PathWalk::EnterStart() {
-  folder_.Reset(open(rest_.front() == '/' ? "/" : ".", kLook | O_DIRECTORY));
+  folder_.Reset(openat(AT_FDCWD, rest_.front() == '/' ? "/" : ".", kLook | O_DIRECTORY));
   if (folder_.get() == -1) Fail(errno);
 }
 

@@ -15,7 +15,7 @@ int Reopen(int found, int folder, const std::string& entry, int access,
   // O_NONBLOCK and O_NOCTTY are for what may have taken the name.
   const int flags = access | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
   const std::string itself = "/proc/self/fd/" + std::to_string(found);
-  file->Reset(open(itself.c_str(), flags));
+  file->Reset(openat(AT_FDCWD, itself.c_str(), flags));
   if (file->get() == -1 && errno == ENOENT) {
     file->Reset(openat(folder, entry.c_str(), flags | O_NOFOLLOW));
   }
