@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/local/sealed_password.h"
+#include "settings/line_scanner.h"
 #include "tools/check/password_line.h"
 #include "tools/terminal/redactor.h"
 
@@ -10,21 +11,21 @@ namespace quarry::tool {
 
 namespace {
 
-// Whether the text is nothing but a sealed password, whole or damaged, and blanks after it.
+// Whether the text is nothing but a sealed password, whole or damaged.
 bool IsSealedForm(std::string_view text) {
   constexpr std::string_view kBase64Characters =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
   if (text.substr(0, platform::kSealedPrefix.size()) != platform::kSealedPrefix) return false;
   text.remove_prefix(platform::kSealedPrefix.size());
-  text.remove_prefix(std::min(text.find_first_not_of(kBase64Characters), text.size()));
-  return text.find_first_not_of(" \t\r") == std::string_view::npos;
+  return text.find_first_not_of(kBase64Characters) == std::string_view::npos;
 }
 
 // The offset of a password in the line that is not sealed; npos when there is none.
 std::size_t FindPlainPassword(std::string_view line) {
-  const std::size_t password = FindPassword(line);
-  const bool plain = password != std::string_view::npos && !IsSealedForm(line.substr(password));
-  return plain ? password : std::string_view::npos;
+  const std::size_t offset = FindPassword(line);
+  if (offset == std::string_view::npos) return offset;
+  const std::string_view password = settings::WithoutTrailingBlanks(line.substr(offset));
+  return password.empty() || IsSealedForm(password) ? std::string_view::npos : offset;
 }
 
 std::string RedactedLine(std::string_view line) {
