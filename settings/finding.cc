@@ -6,16 +6,21 @@
 
 namespace quarry::settings {
 
+Finding FindingWithoutLine(const Rule& rule, std::string message, std::string hint) {
+  Finding finding;
+  finding.rule = &rule;
+  finding.message = std::move(message);
+  finding.hint = std::move(hint);
+  return finding;
+}
+
 Finding FindingAt(const Rule& rule, const ScannedLine& line, std::string_view part,
                   std::string message, std::string hint) {
   const auto offset = static_cast<std::size_t>(part.data() - line.raw.data());
-  Finding finding;
-  finding.rule = &rule;
+  Finding finding = FindingWithoutLine(rule, std::move(message), std::move(hint));
   finding.line = line.number;
   finding.column = offset + 1;
   finding.length = part.size();
-  finding.message = std::move(message);
-  finding.hint = std::move(hint);
   finding.line_text = line.raw;
   return finding;
 }

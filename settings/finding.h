@@ -30,6 +30,9 @@ struct Finding {
 Finding FindingAt(const Rule& rule, const ScannedLine& line, std::string_view part,
                   std::string message, std::string hint);
 
+// A finding about the text as a whole.
+Finding FindingWithoutLine(const Rule& rule, std::string message, std::string hint);
+
 bool HasErrors(const std::vector<Finding>& findings);
 
 // By lines, then by columns.

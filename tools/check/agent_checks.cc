@@ -22,14 +22,6 @@ using settings::ScannedLine;
 
 namespace {
 
-Finding FindingWithoutLine(const settings::Rule& rule, const Advice& advice) {
-  Finding finding;
-  finding.rule = &rule;
-  finding.message = advice.message;
-  finding.hint = advice.hint;
-  return finding;
-}
-
 class AgentChecker {
  public:
   // Borrows the text.
@@ -138,7 +130,8 @@ void AgentChecker::CheckPassword() {
 
 void AgentChecker::CheckRoutingTables() {
   for (const Advice& advice : AdviceForRoutingTargets()) {
-    findings_.push_back(FindingWithoutLine(rules::kRoutingTable, advice));
+    findings_.push_back(
+        settings::FindingWithoutLine(rules::kRoutingTable, advice.message, advice.hint));
   }
 }
 

@@ -46,11 +46,7 @@ Finding FindingForAbsent(const settings::Rule& rule, const OriginMap& origins,
     const settings::ScannedLine& header = origin->second.header;
     return FindingAt(rule, header, header.header.name, message, hint);
   }
-  Finding finding;
-  finding.rule = &rule;
-  finding.message = message;
-  finding.hint = hint;
-  return finding;
+  return settings::FindingWithoutLine(rule, message, hint);
 }
 
 std::vector<Finding> FindUnknownOptions(const OriginMap& origins, const std::string& section,
