@@ -117,6 +117,7 @@ std::string ZshWord(const Word& word, int number) {
   std::string spec;
   if (IsOption(word)) {
     if (!word.excludes.empty()) spec += '(' + word.excludes + ')';
+    if (word.repeated) spec += '*';
     spec += word.name + (IsFlag(word) ? "" : word.name.size() > 2 ? "=" : "");
     spec += '[' + Escaped(word.help, "[]:") + ']';
   } else {
@@ -156,6 +157,7 @@ std::string ManSynopsis(const Command& command) {
   std::string line = '*' + std::string(command.name) + '*';
   for (const Word& word : WordsOf(command)) {
     line += ' ' + (word.required ? ManWord(word) : '[' + ManWord(word) + ']');
+    if (IsOption(word) && word.repeated) line += "...";
   }
   return line + '\n';
 }

@@ -52,6 +52,14 @@ Word Option(const std::string& name, const std::string& placeholder, ValueKind k
   return word;
 }
 
+Word RepeatedOption(const std::string& name, const std::string& placeholder, ValueKind kind,
+                    std::vector<std::string>* values, const std::string& help) {
+  Word word = RepeatedArgument(placeholder, kind, values, help);
+  word.name = name;
+  word.required = false;
+  return word;
+}
+
 Word ProgramOption(Program* program) {
   return ChoiceOption<Program>("--as", "PROGRAM", program,
                                {{"agent", Program::kAgent}, {"client", Program::kClient}},

@@ -29,6 +29,7 @@ struct Word {
   bool repeated = false;
   std::vector<std::string> choices;                     // of kChoice
   std::string excludes;                                 // an option that may not be given as well
+  std::string needs;                                    // an option that must be given as well
   std::function<void(const std::string& value)> store;  // called for every value, and for a flag
 };
 
@@ -42,6 +43,8 @@ Word RepeatedArgument(const std::string& placeholder, ValueKind kind,
 Word Flag(const std::string& name, bool* given, const std::string& help);
 Word Option(const std::string& name, const std::string& placeholder, ValueKind kind,
             std::optional<std::string>* value, const std::string& help);
+Word RepeatedOption(const std::string& name, const std::string& placeholder, ValueKind kind,
+                    std::vector<std::string>* values, const std::string& help);
 
 // An option whose value is one of a few words.
 template <typename Choice>

@@ -149,8 +149,9 @@ CommandLine::CommandLine(const Command& command, std::vector<std::string> words)
   app_.footer((command.reads_input ? kInput : "") + std::string(kStatuses));
   for (const Word& word : declaration_.words) options_.push_back(Add(word));
   for (std::size_t i = 0; i < options_.size(); ++i) {
-    const std::string& excludes = declaration_.words[i].excludes;
-    if (!excludes.empty()) options_[i]->excludes(app_.get_option(excludes));
+    const Word& word = declaration_.words[i];
+    if (!word.excludes.empty()) options_[i]->excludes(app_.get_option(word.excludes));
+    if (!word.needs.empty()) options_[i]->needs(app_.get_option(word.needs));
   }
 }
 
@@ -159,8 +160,10 @@ CLI::Option* CommandLine::Add(const Word& word) {
   const bool is_argument = word.name.empty();
   CLI::Option* const option = app_.add_option(is_argument ? word.placeholder : word.name);
   option->description(Wrapped(word.help))->required(word.required);
-  if (!is_argument) option->type_name(word.placeholder)->take_last();
-  if (word.repeated) option->expected(1, -1)->allow_extra_args();
+  if (!is_argument) option->type_name(word.placeholder);
+  if (word.repeated && is_argument) option->expected(1, -1)->allow_extra_args();
+  if (!is_argument && word.repeated) option->take_all();
+  if (!is_argument && !word.repeated) option->take_last();
   if (!word.choices.empty()) option->check(CLI::IsMember(word.choices));
   return option;
 }
