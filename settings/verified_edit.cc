@@ -6,6 +6,8 @@
 
 #include "dmconfig/config.h"
 #include "settings/error.h"
+#include "settings/removals.h"
+#include "settings/set_options.h"
 
 namespace quarry::settings {
 

@@ -9,6 +9,7 @@
 
 #include "settings/document.h"
 #include "settings/line_edits.h"
+#include "settings/setting.h"
 
 namespace quarry::settings {
 
