@@ -1,12 +1,17 @@
 #include "settings/verified_edit.h"
 
 #include <algorithm>
+#include <functional>
 #include <list>
+#include <new>
+#include <optional>
 #include <utility>
 
 #include "dmconfig/config.h"
 #include "settings/error.h"
+#include "settings/line_scanner.h"
 #include "settings/removals.h"
+#include "settings/renames.h"
 #include "settings/set_options.h"
 
 namespace quarry::settings {
@@ -15,13 +20,28 @@ using storage::dmconfig::SectionOptionMap;
 
 namespace {
 
+bool EndsIn(const std::string& text, const std::string& end) {
+  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+bool IsSameComment(const std::string& left, const std::string& right, Comments comments) {
+  switch (comments) {
+    case Comments::kCompared:
+      return left == right;
+    case Comments::kExtended:
+      return EndsIn(right, left);
+    case Comments::kIgnored:
+      break;
+  }
+  return true;
+}
+
 bool IsSameRecord(const SectionOptionMap& left, const SectionOptionMap& right, Comments comments) {
-  return std::equal(
-      left.option_map.begin(), left.option_map.end(), right.option_map.begin(),
-      right.option_map.end(), [comments](const auto& one, const auto& other) {
-        return one.first == other.first && one.second.value == other.second.value &&
-               (comments == Comments::kIgnored || one.second.comment == other.second.comment);
-      });
+  return std::equal(left.option_map.begin(), left.option_map.end(), right.option_map.begin(),
+                    right.option_map.end(), [comments](const auto& one, const auto& other) {
+                      return one.first == other.first && one.second.value == other.second.value &&
+                             IsSameComment(one.second.comment, other.second.comment, comments);
+                    });
 }
 
 // The last check before a text is written: refuses an edit that does not read back as intended.
@@ -35,6 +55,37 @@ void RequireReadBack(Document* wanted, const std::string& edited, Comments comme
       "this is a fault of quarry-config; please report it");
 }
 
+EditedText ReadBack(Document* wanted, TextEdit edit, Comments comments) {
+  std::string edited = ApplyEdit(wanted->text(), edit);
+  RequireReadBack(wanted, edited, comments, wanted->Sections().size());
+  return {std::move(edit), std::move(edited)};
+}
+
+// Gives each section of the model the name that `name_for` returns for it, and removes those for
+// which it returns none.
+void ReviseSections(const std::function<std::optional<std::string>(const std::string&)>& name_for,
+                    Document* document) {
+  storage::dmconfig::DMConfig* const model = document->model();
+  std::vector<std::pair<std::string, SectionOptionMap>> revised;
+  for (const std::string& name : document->Sections()) {
+    const std::optional<std::string> new_name = name_for(name);
+    if (new_name) revised.emplace_back(*new_name, std::move(*model->GetOptionMap(name)));
+  }
+  model->Reset();
+  for (auto& [name, record] : revised) {
+    SectionOptionMap* const created = model->GetOptionMap(name);
+    if (created == nullptr) throw std::bad_alloc();
+    *created = std::move(record);
+  }
+}
+
+[[noreturn]] void RefuseName(const std::string& file, const std::string& what,
+                             const ScannedLine& line) {
+  throw Error(ErrorKind::kRefused, file,
+              file + " has " + what + " already, in line " + std::to_string(line.number),
+              "give another name, or unset one of the two", line.number);
+}
+
 }  // namespace
 
 bool IsSameModel(Document* left, Document* right, Comments comments, std::size_t old_sections) {
@@ -45,7 +96,7 @@ bool IsSameModel(Document* left, Document* right, Comments comments, std::size_t
     const SectionOptionMap& one = left->Record(name);
     const SectionOptionMap& other = right->Record(name);
     const bool same_comment =
-        comments == Comments::kIgnored || ++number > old_sections || one.comment == other.comment;
+        ++number > old_sections || IsSameComment(one.comment, other.comment, comments);
     return same_comment && IsSameRecord(one, other, comments);
   });
 }
@@ -64,11 +115,50 @@ EditedText WithSettings(Document* document, const std::vector<Setting>& settings
 
 EditedText WithoutOption(Document* document, const std::string& section, const std::string& option,
                          bool with_comment) {
-  TextEdit edit = UnsetOption(document->text(), section, option, with_comment);
-  std::string edited = ApplyEdit(document->text(), edit);
   document->model()->DelOption(section, option);
-  RequireReadBack(document, edited, Comments::kIgnored, 0);
-  return {std::move(edit), std::move(edited)};
+  return ReadBack(document, UnsetOption(document->text(), section, option, with_comment),
+                  Comments::kIgnored);
+}
+
+EditedText WithoutSection(Document* document, const std::string& section, bool with_comment) {
+  ReviseSections(
+      [&](const std::string& name) {
+        return SameName(name, section) ? std::nullopt : std::optional(name);
+      },
+      document);
+  return ReadBack(document, UnsetSection(document->text(), section, with_comment),
+                  Comments::kExtended);
+}
+
+EditedText WithSectionRenamed(Document* document, const std::string& section,
+                              const std::string& new_name) {
+  RequireSectionName(new_name);
+  if (!SameName(section, new_name) && document->HasSection(new_name)) {
+    RefuseName(document->file(), "a section " + Quoted(new_name),
+               FindOrigins(document->text()).at(new_name).header);
+  }
+  ReviseSections(
+      [&](const std::string& name) {
+        return std::optional(SameName(name, section) ? new_name : name);
+      },
+      document);
+  return ReadBack(document, RenameSection(document->text(), section, new_name),
+                  Comments::kCompared);
+}
+
+EditedText WithOptionRenamed(Document* document, const std::string& section,
+                             const std::string& option, const std::string& new_name) {
+  RequireOptionName(new_name);
+  if (!SameName(option, new_name) && document->Has(section, new_name)) {
+    RefuseName(document->file(), "an option " + Quoted(new_name) + " in section " + Quoted(section),
+               FindOrigins(document->text()).at(section).options.at(new_name));
+  }
+  auto& options = document->model()->GetOptionMap(section)->option_map;
+  auto renamed = options.extract(option);
+  renamed.key() = new_name;
+  options.insert(std::move(renamed));
+  return ReadBack(document, RenameOption(document->text(), section, option, new_name),
+                  Comments::kCompared);
 }
 
 }  // namespace quarry::settings

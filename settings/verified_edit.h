@@ -13,7 +13,8 @@
 
 namespace quarry::settings {
 
-enum class Comments { kCompared, kIgnored };
+// kExtended: a comment of the right document may have more lines above those of the left one.
+enum class Comments { kCompared, kExtended, kIgnored };
 
 // Whether two documents have the same sections, in the same order, and the same options and values,
 // and the same comments if these are compared. The comments of sections after the first
@@ -25,7 +26,7 @@ struct EditedText {
   std::string text;  // after the edit
 };
 
-// Both change the document's model to the one that the edited text must give, and throw Error
+// Each changes the document's model to the one that the edited text must give, and throws Error
 // (kFailed) when it gives another one, which is a fault of this library.
 
 // The settings must be readable (RequireRoundTrip); no two set the same option.
@@ -34,6 +35,16 @@ EditedText WithSettings(Document* document, const std::vector<Setting>& settings
 // The option must exist.
 EditedText WithoutOption(Document* document, const std::string& section, const std::string& option,
                          bool with_comment);
+
+// The section must exist.
+EditedText WithoutSection(Document* document, const std::string& section, bool with_comment);
+
+// What is renamed must exist. Throws Error (kRefused) when the new name would not be read back, or
+// is that of another section or option of the section.
+EditedText WithSectionRenamed(Document* document, const std::string& section,
+                              const std::string& new_name);
+EditedText WithOptionRenamed(Document* document, const std::string& section,
+                             const std::string& option, const std::string& new_name);
 
 }  // namespace quarry::settings
 
