@@ -43,7 +43,7 @@ expect() { # SHELL LINE WANTED
 }
 
 cases=( # the line, what it becomes
-  'set f.conf --'                       'set f.conf --create --dry-run --from --help --show-secrets'
+  'set f.conf --'                       'set f.conf --as --create --dry-run --exit-code --from --help --report --show-secrets'
   'set f'                               'set f.conf folder/'
   'seal '                               'seal folder/'
   'check --as '                         'check --as agent client'
@@ -51,6 +51,8 @@ cases=( # the line, what it becomes
   'get --default z -- f.conf l'         'get --default z -- f.conf Log'
   'get --default = f.conf l'            'get --default = f.conf Log'
   'list ~/f.conf '                      'list ~/f.conf Other a:b=c'
+  'seal --into f'                       'seal --into f.conf folder/'
+  'rename f.conf log l'                 'rename f.conf log Lines level'
   'get f.conf LOG l'                    'get f.conf LOG Lines level'
   'unset f.conf Volume\ a\ b '          'unset f.conf Volume\ a\ b size'
   'get ~/f.conf a:b=c '                 'get ~/f.conf a:b=c y'

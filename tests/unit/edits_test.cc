@@ -20,6 +20,11 @@ std::string Unset(const std::string& text, bool with_comment) {
   return WithoutOption(&document, "a", "o", with_comment).text;
 }
 
+std::string UnsetSection(const std::string& text, bool with_comment) {
+  Document document("f", std::string(text));
+  return WithoutSection(&document, "a", with_comment).text;
+}
+
 TEST(LineEdits, SetsAndLeavesTheRest) {
   // A text, the settings, and the text afterwards.
   const std::tuple<const char*, std::vector<Setting>, const char*> cases[] = {
@@ -75,6 +80,28 @@ TEST(LineEdits, RemovesEveryLineOfAnOption) {
     SCOPED_TRACE(text);
     EXPECT_EQ(Unset(text, false), without);
     EXPECT_EQ(Unset(text, true), without_comment == "=" ? without : without_comment);
+  }
+}
+
+TEST(LineEdits, RemovesEveryPartOfASection) {
+  // A text, without the section, and without its comments too; "=" when that is the same.
+  const std::tuple<const char*, std::string, std::string> cases[] = {
+      // Comments inside, above and after; an empty part.
+      {"#b\n[b]\nx=1\n#a\n[a]\n\n#o\no=1\n#c\n[c]\n#a2\n[A]\n#end\n",
+       "#b\n[b]\nx=1\n#a\n#c\n[c]\n#a2\n#end\n", "#b\n[b]\nx=1\n#c\n[c]\n#end\n"},
+      // One of the blank lines around it, of several parts in a row too.
+      {"[b]\n\n[a]\no=1\n\n[a]\n\n[a]\n\n[c]\n", "[b]\n\n[c]\n", "="},
+      {"[b]\n\n\n[a]\n\n\n[c]\n", "[b]\n\n\n\n[c]\n", "="},
+      // At the begin and at the end.
+      {"[a]\n[a]\n\n[b]\nx=1\n\n[a]\n\n[a]\no=1", "[b]\nx=1", "="},
+      // Nothing else.
+      {"\n#c\n[a]\no=1", "\n#c", ""},
+      {"\n[a]\no=1\n\n", "\n", "="},
+  };
+  for (const auto& [text, without, without_comment] : cases) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(UnsetSection(text, false), without);
+    EXPECT_EQ(UnsetSection(text, true), without_comment == "=" ? without : without_comment);
   }
 }
 

@@ -164,7 +164,8 @@ Advice AdviceForPassword(int result, Document* document) {
 Advice AdviceForResult(int result, Document* document) {
   const std::string file = Quoted(KeyFile(document));
   const std::string seal =
-      "seal the password and set it again: " + CommandOn("seal", KeyFolder(document));
+      "seal the password again: quarry-config seal --into " +
+      (document->file() == "-" ? "FILE" : ShellQuotedFile(document->file()));
   switch (result) {
     case kDecryptNoKeyFile:
       return AdviceForNoKeyFile(document);

@@ -96,19 +96,20 @@ Word JsonFlag(ReportFormat* format) {
 
 Declaration DeclareCheck() {
   const auto request = std::make_shared<CheckRequest>();
-  return {{
-              RepeatedArgument("FILE", ValueKind::kFile, &request->files, "Files to check"),
-              Flag("--strict", &request->strict, "Let warnings count as errors"),
-              ChoiceOption<ReportFormat>("--format", "FORMAT", &request->format,
-                                         {{"text", ReportFormat::kText},
-                                          {"json", ReportFormat::kJson},
-                                          {"sarif", ReportFormat::kSarif},
-                                          {"github", ReportFormat::kGithub}},
-                                         "How findings are shown: text, json, sarif or github"),
-              JsonFlag(&request->format),
-              ProgramOption(&request->program),
-          },
-          BindRequest(request, RunCheck)};
+  return {
+      {
+          RepeatedArgument("FILE", ValueKind::kFile, &request->files, "Files to check"),
+          Flag("--strict", &request->strict, "Let warnings count as errors"),
+          ChoiceOption<ReportFormat>("--format", "FORMAT", &request->format,
+                                     {{"text", ReportFormat::kText},
+                                      {"json", ReportFormat::kJson},
+                                      {"sarif", ReportFormat::kSarif},
+                                      {"github", ReportFormat::kGithub}},
+                                     "How findings are shown: text, json, sarif or github"),
+          JsonFlag(&request->format),
+          ProgramOption(&request->program, "Check also what this program needs: agent or client"),
+      },
+      BindRequest(request, RunCheck)};
 }
 
 }  // namespace quarry::tool

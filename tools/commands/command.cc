@@ -60,14 +60,9 @@ Word RepeatedOption(const std::string& name, const std::string& placeholder, Val
   return word;
 }
 
-Word ProgramOption(Program* program) {
+Word ProgramOption(Program* program, const std::string& help) {
   return ChoiceOption<Program>("--as", "PROGRAM", program,
-                               {{"agent", Program::kAgent}, {"client", Program::kClient}},
-                               "Check also what this program needs: agent or client");
-}
-
-Word DryRunFlag(bool* dry_run) {
-  return Flag("--dry-run", dry_run, "Show the edit as a unified diff, do not make it");
+                               {{"agent", Program::kAgent}, {"client", Program::kClient}}, help);
 }
 
 Word ShowSecretsFlag(bool* show_secrets) {

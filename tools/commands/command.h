@@ -66,8 +66,7 @@ Word ChoiceOption(const std::string& name, const std::string& placeholder, Choic
 }
 
 // Options that several commands have.
-Word ProgramOption(Program* program);
-Word DryRunFlag(bool* dry_run);
+Word ProgramOption(Program* program, const std::string& help);
 Word ShowSecretsFlag(bool* show_secrets);
 
 // Carries out a command whose words have been stored. Throws settings::Error.

@@ -4,6 +4,7 @@
 //   ProtectBrackets        CLI11 splits a word in brackets where an argument may be repeated
 //   ThrowTooMany           CLI11 lists these arguments in reverse
 //   RequireKnownOptions    CLI11 reports a missing argument rather than an unknown option
+//   FillRequired           CLI11 gives an optional argument its word before a required one after it
 //   Wrapped                CLI11 writes a description in one line, however long
 //   UsageMessage           some messages of CLI11 are not meant for users
 #include "tools/commands/command_line.h"
@@ -124,7 +125,10 @@ class CommandLine {
 
  private:
   CLI::Option* Add(const Word& word);
-  static void Store(const Word& word, const CLI::Option& option);
+  bool FollowsOptional(std::size_t index) const;
+  void FillRequired(std::vector<std::vector<std::string>>* values) const;
+  void StoreAll() const;
+  std::string HelpText();
   [[noreturn]] void ThrowTooMany() const;
   void RequireKnownOptions() const;
   [[noreturn]] void ThrowUnknownOption(const std::string& name) const;
@@ -150,6 +154,7 @@ CommandLine::CommandLine(const Command& command, std::vector<std::string> words)
   for (const Word& word : declaration_.words) options_.push_back(Add(word));
   for (std::size_t i = 0; i < options_.size(); ++i) {
     const Word& word = declaration_.words[i];
+    if (FollowsOptional(i)) options_[i]->required(false);
     if (!word.excludes.empty()) options_[i]->excludes(app_.get_option(word.excludes));
     if (!word.needs.empty()) options_[i]->needs(app_.get_option(word.needs));
   }
@@ -176,7 +181,7 @@ ExitStatus CommandLine::Run() {
   try {
     app_.parse(words_);
   } catch (const CLI::CallForHelp&) {
-    WriteStandardOutput(app_.help());
+    WriteStandardOutput(HelpText());
     return kExitDone;
   } catch (const CLI::ExtrasError&) {
     ThrowTooMany();
@@ -185,12 +190,40 @@ ExitStatus CommandLine::Run() {
   } catch (const CLI::ParseError& error) {
     throw ToolError(kExitUsage, UsageMessage(error), UsageHint());
   }
-  for (std::size_t i = 0; i < options_.size(); ++i) Store(declaration_.words[i], *options_[i]);
+  StoreAll();
   return declaration_.action();
 }
 
-void CommandLine::Store(const Word& word, const CLI::Option& option) {
-  for (const std::string& value : option.results()) word.store(Unprotected(value));
+void CommandLine::StoreAll() const {
+  std::vector<std::vector<std::string>> values;
+  for (const CLI::Option* const option : options_) values.push_back(option->results());
+  FillRequired(&values);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    for (const std::string& value : values[i]) declaration_.words[i].store(Unprotected(value));
+  }
+}
+
+bool CommandLine::FollowsOptional(std::size_t index) const {
+  if (index == 0 || !declaration_.words[index].required) return false;
+  const Word& before = declaration_.words[index - 1];
+  return before.name.empty() && !before.required;
+}
+
+void CommandLine::FillRequired(std::vector<std::vector<std::string>>* values) const {
+  for (std::size_t i = 0; i < values->size(); ++i) {
+    if (!FollowsOptional(i) || !(*values)[i].empty()) continue;
+    (*values)[i].swap((*values)[i - 1]);
+    if (!(*values)[i].empty()) continue;
+    throw ToolError(kExitUsage, declaration_.words[i].placeholder + " is required",
+                    HintForTooFew());
+  }
+}
+
+std::string CommandLine::HelpText() {
+  for (std::size_t i = 0; i < options_.size(); ++i) {
+    options_[i]->required(declaration_.words[i].required);
+  }
+  return app_.help();
 }
 
 void CommandLine::ThrowTooMany() const {

@@ -8,6 +8,7 @@ Declaration DeclareList();
 Declaration DeclareGet();
 Declaration DeclareSet();
 Declaration DeclareUnset();
+Declaration DeclareRename();
 Declaration DeclareEdit();
 Declaration DeclareDump();
 Declaration DeclareDiff();
@@ -22,7 +23,9 @@ const std::vector<Command>& Commands() {
       {"list", "Show the sections, or the options of one section", true, DeclareList},
       {"get", "Show the value of one option", true, DeclareGet},
       {"set", "Set options, leaving other lines as they are", true, DeclareSet},
-      {"unset", "Remove an option, leaving other lines as they are", true, DeclareUnset},
+      {"unset", "Remove an option or a section, leaving other lines as they are", true,
+       DeclareUnset},
+      {"rename", "Rename a section or an option at every line where it is", true, DeclareRename},
       {"edit", "Edit a file with $VISUAL or $EDITOR and check it before it is saved", false,
        DeclareEdit},
       {"dump", "Show a file as a program would save it", true, DeclareDump},

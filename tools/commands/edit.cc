@@ -106,11 +106,12 @@ ExitStatus RunEdit(const EditRequest& request) {
 
 Declaration DeclareEdit() {
   const auto request = std::make_shared<EditRequest>();
-  return {{
-              Argument("FILE", ValueKind::kFile, &request->file, "File to edit"),
-              ProgramOption(&request->program),
-          },
-          BindRequest(request, RunEdit)};
+  return {
+      {
+          Argument("FILE", ValueKind::kFile, &request->file, "File to edit"),
+          ProgramOption(&request->program, "Check also what this program needs: agent or client"),
+      },
+      BindRequest(request, RunEdit)};
 }
 
 }  // namespace quarry::tool

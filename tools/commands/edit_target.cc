@@ -4,7 +4,10 @@
 #include <utility>
 
 #include "settings/unified_diff.h"
+#include "tools/check/finding_text.h"
+#include "tools/check/new_findings.h"
 #include "tools/check/plain_password.h"
+#include "tools/commands/edit_report.h"
 #include "tools/terminal/errors.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal_text.h"
@@ -17,19 +20,51 @@ using settings::FileReplacement;
 
 namespace {
 
-std::string DiffFor(const EditTarget& target, const std::string& before,
-                    const settings::TextEdit& edit) {
-  const std::string name = EscapeForTerminal(InputName(target.file));
+// What is shown of an edit on standard output.
+std::string ShownEdit(const EditTarget& target, const std::string& before,
+                      const EditedText& edited) {
+  const std::string name = InputName(target.file);
+  if (target.report) return EditReport(name, before, edited, target.show_secrets);
+  const std::string shown_name = EscapeForTerminal(name);
   return target.show_secrets
-             ? settings::UnifiedDiff(name, before, edit)
-             : settings::UnifiedDiff(name, RedactedText(before), RedactedEdit(edit));
+             ? settings::UnifiedDiff(shown_name, before, edited.edit)
+             : settings::UnifiedDiff(shown_name, RedactedText(before), RedactedEdit(edited.edit));
+}
+
+void RequireNoNewErrors(const EditTarget& target, const std::string& before,
+                        const EditedText& edited) {
+  if (target.program == Program::kNone || edited.edit.empty()) return;
+  const auto findings = NewFindings(before, edited.text, target.file, target.program);
+  auto diagnostics = DiagnosticsOf(findings, target.file);
+  if (!settings::HasErrors(findings)) {
+    WriteDiagnostics(diagnostics);
+    return;
+  }
+  diagnostics.push_back(
+      Message(InputName(target.file) + " was not edited: the edit would bring " + "an error",
+              "correct it, or make the edits that belong together in one: set --from"));
+  throw ToolError(kExitNo, diagnostics);
 }
 
 EditedText EditStandardInput(const EditTarget& target, const EditFunction& edit) {
+  if (target.report && !target.dry_run) {
+    throw ToolError(kExitUsage, "standard output is the edited text, not a report",
+                    "give a file's name, or --dry-run");
+  }
   const std::string text = ReadInput(target.file);
   EditedText edited = edit(text);
-  WriteStandardOutput(target.dry_run ? DiffFor(target, text, edited.edit) : edited.text);
+  RequireNoNewErrors(target, text, edited);
+  WriteStandardOutput(target.dry_run ? ShownEdit(target, text, edited) : edited.text);
   return edited;
+}
+
+void ReportEdit(const EditTarget& target, const std::string& before, const EditedText& edited) {
+  try {
+    WriteStandardOutput(ShownEdit(target, before, edited));
+  } catch (settings::Error& error) {
+    error.hint = "the edit of " + target.file + " is in place";
+    throw;
+  }
 }
 
 // What a user of this program can do beyond what the error says.
@@ -46,6 +81,24 @@ std::string HintFor(ErrorKind kind) {
 
 }  // namespace
 
+void AddEditWords(EditTarget* target, std::vector<Word>* words, const std::string& needs) {
+  Word exit_code =
+      Flag("--exit-code", &target->exit_code, "End with 1 when the edit would change something");
+  exit_code.needs = "--dry-run";
+  const Word own[] = {
+      ProgramOption(&target->program,
+                    "Refuse an edit that brings an error for this program: agent or client"),
+      Flag("--report", &target->report, "Show what was changed, one line a change"),
+      Flag("--dry-run", &target->dry_run, "Show the edit as a unified diff, do not make it"),
+      exit_code,
+      ShowSecretsFlag(&target->show_secrets),
+  };
+  for (const Word& word : own) {
+    words->push_back(word);
+    if (word.needs.empty()) words->back().needs = needs;
+  }
+}
+
 EditedText MakeEdit(const EditTarget& target, const EditFunction& edit) {
   if (target.file == "-") return EditStandardInput(target, edit);
   FileReplacement::Options options;
@@ -53,12 +106,18 @@ EditedText MakeEdit(const EditTarget& target, const EditFunction& edit) {
   options.read_only = target.dry_run;
   FileReplacement file = OpenForEdit(target.file, std::move(options));
   EditedText edited = edit(file.text());
+  RequireNoNewErrors(target, file.text(), edited);
   if (target.dry_run) {
-    WriteStandardOutput(DiffFor(target, file.text(), edited.edit));
+    WriteStandardOutput(ShownEdit(target, file.text(), edited));
   } else {
     file.Replace(edited.text);
+    if (target.report) ReportEdit(target, file.text(), edited);
   }
   return edited;
+}
+
+ExitStatus EditStatus(const EditTarget& target, const EditedText& edited) {
+  return target.exit_code && !edited.edit.empty() ? kExitNo : kExitDone;
 }
 
 FileReplacement OpenForEdit(const std::string& file, FileReplacement::Options options) {

@@ -65,11 +65,12 @@ Document OpenDocument(const std::string& file, std::string text) {
   }
 }
 
-void RequireSection(const std::string& section, Document* document) {
+void RequireSection(const std::string& section, Document* document, const std::string& hint) {
   if (document->HasSection(section)) return;
   const std::string& file = document->file();
-  throw ToolError(kExitNo, InputName(file) + ": no section " + Quoted(section),
-                  SuggestionHint(section, document->Sections(), ListCommand(file)));
+  throw ToolError(
+      kExitNo, InputName(file) + ": no section " + Quoted(section),
+      hint.empty() ? SuggestionHint(section, document->Sections(), ListCommand(file)) : hint);
 }
 
 const std::string& RequireOption(const std::string& section, const std::string& option,

@@ -15,8 +15,10 @@ settings::Document OpenDocument(const std::string& file);
 // The same for a text that has been read already.
 settings::Document OpenDocument(const std::string& file, std::string text);
 
-// Throws ToolError (kExitNo), which suggests names, when there is no such section.
-void RequireSection(const std::string& section, settings::Document* document);
+// Throws ToolError (kExitNo) when there is no such section, with the hint, or one that suggests
+// names.
+void RequireSection(const std::string& section, settings::Document* document,
+                    const std::string& hint = "");
 
 // Returns the option's value. Throws ToolError (kExitNo), which suggests names, when there is no
 // such option.

@@ -23,6 +23,7 @@ constexpr OtherWord kOtherCommands[] = {
     {"remove", "unset"},
     {"delete", "unset"},
     {"del", "unset"},
+    {"mv", "rename"},
     {"ls", "list"},
     {"show", "list, get or dump"},
     {"print", "list, get or dump"},

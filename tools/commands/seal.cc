@@ -1,13 +1,18 @@
 // quarry-config seal
 
 #include <cerrno>
+#include <filesystem>
 #include <new>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include "platform/local/sealed_password.h"
 #include "tools/check/agent_advice.h"
 #include "tools/commands/command.h"
+#include "tools/commands/edit_target.h"
 #include "tools/commands/key_folder.h"
+#include "tools/commands/open_document.h"
 #include "tools/terminal/password_prompt.h"
 #include "tools/terminal/redactor.h"
 #include "tools/terminal/standard_streams.h"
@@ -15,13 +20,39 @@
 
 namespace quarry::tool {
 
+using settings::Document;
+using settings::EditedText;
 using settings::Quoted;
+using settings::Setting;
 
 namespace {
 
 struct SealRequest {
-  std::string folder;
+  std::optional<std::string> folder;
+  std::optional<std::string> file;  // to seal into
+  EditTarget target;                // without its file
 };
+
+// The folder that the file names.
+const std::string& KeyFolderIn(Document* document) {
+  if (!Has(AgentSetting::kKeyDir, document)) {
+    const std::string& file = document->file();
+    throw ToolError(
+        kExitNo, file + " does not say which key to seal with",
+        "name the folder of the key: quarry-config seal --into " + ShellQuotedFile(file) + " DIR");
+  }
+  return ValueOf(AgentSetting::kKeyDir, document);
+}
+
+std::string FolderFor(const SealRequest& request) {
+  if (request.folder) return *request.folder;
+  if (!request.file) {
+    throw ToolError(kExitUsage, "give DIR, or a file with --into",
+                    "see: quarry-config seal --help");
+  }
+  Document document = OpenDocument(*request.file);
+  return KeyFolderIn(&document);
+}
 
 void LoadKey(const std::string& folder, platform::SealingKey* key) {
   RequireName(folder);
@@ -62,19 +93,82 @@ void WarnOfEnds(std::string_view password) {
   }
 }
 
+std::string Sealed(const platform::SealingKey& key, std::string_view password) {
+  std::string stored;
+  if (platform::SealPassword(key, password, &stored) != kDecryptDone) throw std::bad_alloc();
+  return stored;
+}
+
+// Whether the key opens `stored` to this password.
+bool OpensTo(const std::string& stored, const platform::SealingKey& key,
+             std::string_view password) {
+  platform::SecretBytes opened(platform::kLongestPassword + 1);
+  if (opened.data() == nullptr) throw std::bad_alloc();
+  return platform::OpenPasswordWithKey(key, stored.c_str(), opened.text(), opened.size()) ==
+             kDecryptDone &&
+         opened.text() == password;
+}
+
+bool IsSameFolder(const std::string& one, const std::string& other) {
+  std::error_code ignored;
+  return one == other || std::filesystem::equivalent(one, other, ignored);
+}
+
+Setting SettingOf(AgentSetting setting, const std::string& value) {
+  return {RowOf(setting).section_name(), RowOf(setting).option_name(), value};
+}
+
+// What the text lacks for an agent to read this password with the key of this folder.
+std::vector<Setting> MissingSettings(const SealRequest& request, const std::string& folder,
+                                     const platform::SealingKey& key, std::string_view password,
+                                     Document* document) {
+  std::vector<Setting> settings;
+  if (!Has(AgentSetting::kPassword, document) ||
+      !OpensTo(ValueOf(AgentSetting::kPassword, document), key, password)) {
+    settings.push_back(SettingOf(AgentSetting::kPassword, Sealed(key, password)));
+  }
+  if (Has(AgentSetting::kKeyDir, document) &&
+      IsSameFolder(ValueOf(AgentSetting::kKeyDir, document), folder)) {
+    return settings;
+  }
+  if (!request.folder) {
+    throw settings::Error(settings::ErrorKind::kFailed, document->file(),
+                          "another edit has changed the key folder of " + document->file(),
+                          "try again");
+  }
+  // An agent may start in another folder than this program.
+  settings.push_back(SettingOf(AgentSetting::kKeyDir, std::filesystem::absolute(folder)));
+  settings::RequireRoundTrip(settings.back());
+  return settings;
+}
+
+ExitStatus SealInto(const SealRequest& request, const std::string& folder,
+                    const platform::SealingKey& key, std::string_view password) {
+  EditTarget target = request.target;
+  target.file = *request.file;
+  const EditedText edited = MakeEdit(target, [&](const std::string& text) {
+    Document document = OpenDocument(target.file, text);
+    return settings::WithSettings(&document,
+                                  MissingSettings(request, folder, key, password, &document));
+  });
+  return EditStatus(target, edited);
+}
+
 ExitStatus RunSeal(const SealRequest& request) {
   DisableCoreDumps();
-  platform::SealingKey key;
-  LoadKey(request.folder, &key);
-  RequireSafeKeyFolder(request.folder, "seal", kExitNo);
-  PasswordInput input;
-  input.Read("to seal for " + KeyFileIn(request.folder));
-  WarnOfEnds(input.password());
-  std::string stored;
-  if (platform::SealPassword(key, input.password(), &stored) != kDecryptDone) {
-    throw std::bad_alloc();
+  if (request.file == "-") {
+    throw ToolError(kExitUsage, "standard input is the password, not the file",
+                    "give the file's name");
   }
-  WriteStandardOutput(stored + '\n');
+  const std::string folder = FolderFor(request);
+  platform::SealingKey key;
+  LoadKey(folder, &key);
+  RequireSafeKeyFolder(folder, "seal", kExitNo);
+  PasswordInput input;
+  input.Read("to seal for " + KeyFileIn(folder));
+  WarnOfEnds(input.password());
+  if (request.file) return SealInto(request, folder, key, input.password());
+  WriteStandardOutput(Sealed(key, input.password()) + '\n');
   return kExitDone;
 }
 
@@ -82,11 +176,14 @@ ExitStatus RunSeal(const SealRequest& request) {
 
 Declaration DeclareSeal() {
   const auto request = std::make_shared<SealRequest>();
-  return {{
-              Argument("DIR", ValueKind::kFolder, &request->folder,
-                       "Folder with the key file auth.key"),
-          },
-          BindRequest(request, RunSeal)};
+  std::vector<Word> words = {
+      OptionalArgument("DIR", ValueKind::kFolder, &request->folder,
+                       "Folder with the key file auth.key; with --into the one that FILE names"),
+      Option("--into", "FILE", ValueKind::kFile, &request->file,
+             "Set the agent's password in this file, and the folder of its key"),
+  };
+  AddEditWords(&request->target, &words, "--into");
+  return {std::move(words), BindRequest(request, RunSeal)};
 }
 
 }  // namespace quarry::tool

@@ -29,12 +29,9 @@ namespace {
 
 // An option and its value, or the name of a file whose options are set.
 struct SetRequest {
-  std::string file;
+  EditTarget target;
   std::optional<std::string> section, option, value;
   std::optional<std::string> changes;
-  bool create = false;
-  bool dry_run = false;
-  bool show_secrets = false;
 };
 
 bool EndsInCarriageReturn(std::string_view value) { return !value.empty() && value.back() == '\r'; }
@@ -64,16 +61,30 @@ void WarnOfCarriageReturns(const std::string& file, const EditedText& edited,
       "remove all of them: sed -i 's/\\r$//' " + (file == "-" ? "FILE" : ShellQuotedFile(file)))});
 }
 
+bool IsAgentPassword(const Setting& setting) {
+  const AgentSettingRow& password = RowOf(AgentSetting::kPassword);
+  return SameName(setting.section, password.section_name()) &&
+         SameName(setting.option, password.option_name());
+}
+
+constexpr char kSealInstead[] = "seal it into the file: quarry-config seal --into FILE";
+
+// The output of a command that failed is empty.
+void RequirePassword(const std::vector<Setting>& settings) {
+  const auto is_empty = [](const Setting& setting) {
+    return IsAgentPassword(setting) && setting.value.empty();
+  };
+  if (std::none_of(settings.begin(), settings.end(), is_empty)) return;
+  throw ToolError(kExitNo, "the value for the agent's password is empty", kSealInstead);
+}
+
 void WarnOfPlainPassword(const std::vector<Setting>& settings) {
   const auto is_plain = [](const Setting& setting) {
-    const AgentSettingRow& password = RowOf(AgentSetting::kPassword);
-    return SameName(setting.section, password.section_name()) &&
-           SameName(setting.option, password.option_name()) &&
+    return IsAgentPassword(setting) &&
            setting.value.substr(0, platform::kSealedPrefix.size()) != platform::kSealedPrefix;
   };
   if (std::none_of(settings.begin(), settings.end(), is_plain)) return;
-  WriteDiagnostics({Warning("the value for the agent's password is not sealed",
-                            "set the output of: quarry-config seal DIR")});
+  WriteDiagnostics({Warning("the value for the agent's password is not sealed", kSealInstead)});
 }
 
 // The options that the text sets, in its order, each once and with its last value.
@@ -93,7 +104,7 @@ std::vector<Setting> SettingsOf(settings::Document* changes) {
 }
 
 std::vector<Setting> ReadChanges(const SetRequest& request) {
-  if (*request.changes == "-" && request.file == "-") {
+  if (*request.changes == "-" && request.target.file == "-") {
     throw ToolError(kExitUsage, "standard input cannot be both the file and the changes",
                     "give the name of one of them");
   }
@@ -104,7 +115,7 @@ std::vector<Setting> ReadChanges(const SetRequest& request) {
 }
 
 std::string HintForTooFew(const SetRequest& request) {
-  std::vector<std::string> given = {request.file};
+  std::vector<std::string> given = {request.target.file};
   for (const auto* word : {&request.section, &request.option}) {
     if (*word) given.push_back(**word);
   }
@@ -125,34 +136,32 @@ std::vector<Setting> SettingsFor(const SetRequest& request) {
 
 ExitStatus RunSet(const SetRequest& request) {
   const std::vector<Setting> settings = SettingsFor(request);
-  const EditTarget target = {request.file, request.create, request.dry_run, request.show_secrets};
-  const EditedText edited = MakeEdit(target, [&](const std::string& text) {
+  RequirePassword(settings);
+  const EditedText edited = MakeEdit(request.target, [&](const std::string& text) {
     for (const Setting& setting : settings) settings::RequireRoundTrip(setting);
-    settings::Document document = OpenDocument(request.file, text);
+    settings::Document document = OpenDocument(request.target.file, text);
     return settings::WithSettings(&document, settings);
   });
-  WarnOfCarriageReturns(request.file, edited, settings);
+  WarnOfCarriageReturns(request.target.file, edited, settings);
   WarnOfPlainPassword(settings);
-  return kExitDone;
+  return EditStatus(request.target, edited);
 }
 
 }  // namespace
 
 Declaration DeclareSet() {
   const auto request = std::make_shared<SetRequest>();
-  return {
-      {
-          Argument("FILE", ValueKind::kFile, &request->file, "File to edit"),
-          OptionalArgument("SECTION", ValueKind::kSection, &request->section, "The section"),
-          OptionalArgument("OPTION", ValueKind::kOption, &request->option, "Its option"),
-          OptionalArgument("VALUE", ValueKind::kText, &request->value, "The option's new value"),
-          Option("--from", "CHANGES", ValueKind::kFile, &request->changes,
-                 "Set all options of this file, or none"),
-          Flag("--create", &request->create, "Make a new file when there is none"),
-          DryRunFlag(&request->dry_run),
-          ShowSecretsFlag(&request->show_secrets),
-      },
-      BindRequest(request, RunSet)};
+  std::vector<Word> words = {
+      Argument("FILE", ValueKind::kFile, &request->target.file, "File to edit"),
+      OptionalArgument("SECTION", ValueKind::kSection, &request->section, "The section"),
+      OptionalArgument("OPTION", ValueKind::kOption, &request->option, "Its option"),
+      OptionalArgument("VALUE", ValueKind::kText, &request->value, "The option's new value"),
+      Option("--from", "CHANGES", ValueKind::kFile, &request->changes,
+             "Set all options of this file, or none"),
+      Flag("--create", &request->target.create, "Make a new file when there is none"),
+  };
+  AddEditWords(&request->target, &words);
+  return {std::move(words), BindRequest(request, RunSet)};
 }
 
 }  // namespace quarry::tool

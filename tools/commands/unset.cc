@@ -1,47 +1,68 @@
 // quarry-config unset
 
+#include <optional>
+#include <utility>
+
 #include "tools/commands/command.h"
 #include "tools/commands/edit_target.h"
 #include "tools/commands/open_document.h"
+#include "tools/commands/other_words.h"
 
 namespace quarry::tool {
 
+using settings::Document;
+using settings::EditedText;
+
 namespace {
 
+// An option, or a whole section.
 struct UnsetRequest {
-  std::string file;
+  EditTarget target;
   std::string section;
-  std::string option;
+  std::optional<std::string> option;
   bool with_comment = false;
-  bool dry_run = false;
-  bool show_secrets = false;
+  bool if_present = false;
 };
 
+bool IsPresent(const UnsetRequest& request, Document* document) {
+  return request.option ? document->Has(request.section, *request.option)
+                        : document->HasSection(request.section);
+}
+
+EditedText Unset(const UnsetRequest& request, Document* document) {
+  if (request.if_present && !IsPresent(request, document)) return {{}, document->text()};
+  if (!request.option) {
+    RequireSection(request.section, document,
+                   HintForJoinedNames("unset", {request.target.file, request.section}, 3));
+    return settings::WithoutSection(document, request.section, request.with_comment);
+  }
+  RequireOption(request.section, *request.option, document);
+  return settings::WithoutOption(document, request.section, *request.option, request.with_comment);
+}
+
 ExitStatus RunUnset(const UnsetRequest& request) {
-  const EditTarget target = {request.file, false, request.dry_run, request.show_secrets};
-  MakeEdit(target, [&](const std::string& text) {
-    settings::Document document = OpenDocument(request.file, text);
-    RequireOption(request.section, request.option, &document);
-    return settings::WithoutOption(&document, request.section, request.option,
-                                   request.with_comment);
+  const EditedText edited = MakeEdit(request.target, [&](const std::string& text) {
+    Document document = OpenDocument(request.target.file, text);
+    return Unset(request, &document);
   });
-  return kExitDone;
+  return EditStatus(request.target, edited);
 }
 
 }  // namespace
 
 Declaration DeclareUnset() {
   const auto request = std::make_shared<UnsetRequest>();
-  return {{
-              Argument("FILE", ValueKind::kFile, &request->file, "File to edit"),
-              Argument("SECTION", ValueKind::kSection, &request->section, "Its section"),
-              Argument("OPTION", ValueKind::kOption, &request->option, "The option"),
-              Flag("--with-comment", &request->with_comment,
-                   "Remove also the comment lines directly above it"),
-              DryRunFlag(&request->dry_run),
-              ShowSecretsFlag(&request->show_secrets),
-          },
-          BindRequest(request, RunUnset)};
+  std::vector<Word> words = {
+      Argument("FILE", ValueKind::kFile, &request->target.file, "File to edit"),
+      Argument("SECTION", ValueKind::kSection, &request->section, "The section"),
+      OptionalArgument("OPTION", ValueKind::kOption, &request->option,
+                       "Its option; without one the whole section is removed"),
+      Flag("--with-comment", &request->with_comment,
+           "Remove also the comment lines directly above it"),
+      Flag("--if-present", &request->if_present, "Leave a file as it is that does not have it"),
+  };
+  AddEditWords(&request->target, &words);
+  return {std::move(words), BindRequest(request, RunUnset)};
 }
 
 }  // namespace quarry::tool

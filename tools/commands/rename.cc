@@ -1,0 +1,57 @@
+// quarry-config rename
+
+#include <optional>
+#include <utility>
+
+#include "tools/commands/command.h"
+#include "tools/commands/edit_target.h"
+#include "tools/commands/open_document.h"
+
+namespace quarry::tool {
+
+using settings::Document;
+using settings::EditedText;
+
+namespace {
+
+// An option, or a section.
+struct RenameRequest {
+  EditTarget target;
+  std::string section;
+  std::optional<std::string> option;
+  std::string new_name;
+};
+
+EditedText Rename(const RenameRequest& request, Document* document) {
+  if (!request.option) {
+    RequireSection(request.section, document);
+    return settings::WithSectionRenamed(document, request.section, request.new_name);
+  }
+  RequireOption(request.section, *request.option, document);
+  return settings::WithOptionRenamed(document, request.section, *request.option, request.new_name);
+}
+
+ExitStatus RunRename(const RenameRequest& request) {
+  const EditedText edited = MakeEdit(request.target, [&](const std::string& text) {
+    Document document = OpenDocument(request.target.file, text);
+    return Rename(request, &document);
+  });
+  return EditStatus(request.target, edited);
+}
+
+}  // namespace
+
+Declaration DeclareRename() {
+  const auto request = std::make_shared<RenameRequest>();
+  std::vector<Word> words = {
+      Argument("FILE", ValueKind::kFile, &request->target.file, "File to edit"),
+      Argument("SECTION", ValueKind::kSection, &request->section, "The section"),
+      OptionalArgument("OPTION", ValueKind::kOption, &request->option,
+                       "Its option; without one the section is renamed"),
+      Argument("NEW", ValueKind::kText, &request->new_name, "The new name"),
+  };
+  AddEditWords(&request->target, &words);
+  return {std::move(words), BindRequest(request, RunRename)};
+}
+
+}  // namespace quarry::tool
