@@ -21,7 +21,7 @@ using storage::dmconfig::SectionOptionMap;
 namespace {
 
 bool EndsIn(const std::string& text, const std::string& end) {
-  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+  return text.size() >= end.size() && std::equal(end.rbegin(), end.rend(), text.rbegin());
 }
 
 bool IsSameComment(const std::string& left, const std::string& right, Comments comments) {

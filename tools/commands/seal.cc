@@ -1,5 +1,7 @@
 // quarry-config seal
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <filesystem>
 #include <new>
@@ -8,6 +10,7 @@
 #include <utility>
 
 #include "platform/local/sealed_password.h"
+#include "settings/regular_file.h"
 #include "tools/check/agent_advice.h"
 #include "tools/commands/command.h"
 #include "tools/commands/edit_target.h"
@@ -110,8 +113,17 @@ bool OpensTo(const std::string& stored, const platform::SealingKey& key,
 }
 
 bool IsSameFolder(const std::string& one, const std::string& other) {
-  std::error_code ignored;
-  return one == other || std::filesystem::equivalent(one, other, ignored);
+  struct stat left {
+  }, right{};
+  return one == other || (stat(one.c_str(), &left) == 0 && stat(other.c_str(), &right) == 0 &&
+                          settings::IsSameFile(left, right));
+}
+
+std::string AbsolutePath(const std::string& folder) {
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::absolute(folder, error);
+  if (error) throw settings::SystemError("find the folder " + folder, folder, error.value());
+  return path;
 }
 
 Setting SettingOf(AgentSetting setting, const std::string& value) {
@@ -137,7 +149,7 @@ std::vector<Setting> MissingSettings(const SealRequest& request, const std::stri
                           "try again");
   }
   // An agent may start in another folder than this program.
-  settings.push_back(SettingOf(AgentSetting::kKeyDir, std::filesystem::absolute(folder)));
+  settings.push_back(SettingOf(AgentSetting::kKeyDir, AbsolutePath(folder)));
   settings::RequireRoundTrip(settings.back());
   return settings;
 }
