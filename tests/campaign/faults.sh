@@ -242,7 +242,7 @@ start_sweep() { # SWEEP...
   [ "$sweeps" -le "$(nproc)" ] || wait -n
   (cd "sweep-$sweeps" && "$@") &
 }
-for edit in 'set here/f s x 2' 'set here/f new x 2' 'unset here/f s x' 'set here/f --from changes' 'dump changes -o here/f'; do
+for edit in 'set here/f s x 2' 'set here/f new x 2' 'unset here/f s x' 'unset here/f s' 'set here/f --from changes' 'dump changes -o here/f'; do
   # shellcheck disable=SC2086 # these are words
   start_sweep sweep text here/f $edit
 done

@@ -65,6 +65,11 @@ run "$secret" 1 diff agent.conf changed.conf
 run "$secret" 0 edit changed.conf
 run "$secret" 0 unset changed.conf CR password
 run "$secret" 0 set changed.conf CR password "$(cat sealed)"
+run "$secret" 0 seal --into changed.conf --report < <(seal '')
+run "$secret" 0 seal --into changed.conf other --report --as agent < <(seal '')
+run "$secret" 3 seal --into changed.conf missing --report < <(seal '')
+run "$secret" 0 seal --into changed.conf keys --dry-run < <(seal '')
+run "$secret" 0 rename changed.conf CR PW --report
 run "$secret" 0 dump agent.conf -o copy.conf
 
 # Starts that fail, in each way.
@@ -103,6 +108,10 @@ done
 run "$stored_plain" 0 list --origin plain/agent.conf
 run "$stored_plain" 0 set --dry-run plain/agent.conf CR login you
 run "$stored_plain" 0 unset --dry-run plain/agent.conf CR password
+run "$stored_plain" 0 unset --dry-run --report plain/agent.conf CR
+run "$stored_plain" 0 seal --into plain/agent.conf keys --dry-run --report < <(seal '')
+run "$stored_plain" 0 set --as agent plain/agent.conf CR login '' --dry-run --report
+run "$stored_plain" 1 unset --as agent plain/agent.conf SSL
 run "$stored_plain" 1 diff plain/agent.conf agent.conf
 run "$stored_plain" 1 diff --json plain/agent.conf agent.conf
 run "$stored_plain" 1 get plain/agent.conf CR pasword
