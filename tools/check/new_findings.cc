@@ -50,17 +50,14 @@ std::string Identities::Of(const Finding& finding) const {
 
 std::vector<Finding> NewFindings(const std::string& before, const std::string& after,
                                  const std::string& file, Program program) {
-  std::multiset<std::string> old;
+  std::set<std::string> old;
   const Identities old_identities(before), new_identities(after);
   for (const Finding& finding : CheckForProgram(before, file, program)) {
     old.insert(old_identities.Of(finding));
   }
   std::vector<Finding> findings = CheckForProgram(after, file, program);
   const auto is_old = [&](const Finding& finding) {
-    const auto found = old.find(new_identities.Of(finding));
-    if (found == old.end()) return false;
-    old.erase(found);
-    return true;
+    return old.count(new_identities.Of(finding)) > 0;
   };
   findings.erase(std::remove_if(findings.begin(), findings.end(), is_old), findings.end());
   return findings;

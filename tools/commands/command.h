@@ -24,9 +24,9 @@ struct Word {
   std::string name;         // of an option, with its dashes; empty for an argument
   std::string placeholder;  // of an argument, or of an option's value; empty for a flag
   ValueKind kind = ValueKind::kText;
-  std::string help;
   bool required = false;
   bool repeated = false;
+  std::string help;
   std::vector<std::string> choices;                     // of kChoice
   std::string excludes;                                 // an option that may not be given as well
   std::string needs;                                    // an option that must be given as well

@@ -1,7 +1,6 @@
 #include "tools/commands/edit_report.h"
 
 #include <algorithm>
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -13,7 +12,6 @@
 namespace quarry::tool {
 
 using settings::LineEdit;
-using settings::SameName;
 using settings::ScannedLine;
 using storage::dmconfig::LineKind;
 
