@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "settings/differences.h"
 #include "tools/check/plain_password.h"
 #include "tools/commands/command.h"
 #include "tools/commands/open_document.h"
@@ -11,6 +12,7 @@
 
 namespace quarry::tool {
 
+using settings::Difference;
 using settings::Document;
 
 namespace {
@@ -20,70 +22,6 @@ struct DiffRequest {
   bool json = false;
   bool show_secrets = false;
 };
-
-// A section (without an option) or an option that is on one side only, or an
-// option with another value. A side that lacks it has no value.
-struct Difference {
-  std::string section;
-  std::optional<std::string> option;
-  std::optional<std::string> left, right;
-};
-
-using OptionMap = decltype(storage::dmconfig::SectionOptionMap::option_map);
-
-const OptionMap& OptionsOf(const std::string& section, Document* model) {
-  static const OptionMap kNone;
-  return model->HasSection(section) ? model->Record(section).option_map : kNone;
-}
-
-std::optional<std::string> ValueIn(const OptionMap& options, const std::string& name) {
-  const auto found = options.find(name);
-  if (found == options.end()) return std::nullopt;
-  return found->second.value;
-}
-
-class Comparison {
- public:
-  Comparison(Document* left, Document* right) : left_(left), right_(right) {}
-
-  std::vector<Difference> Compare();
-
- private:
-  void CompareSection(const std::string& section);
-  void CompareOption(const std::string& section, const std::string& option);
-
-  Document* const left_;
-  Document* const right_;
-  std::vector<Difference> differences_;
-};
-
-std::vector<Difference> Comparison::Compare() {
-  for (const std::string& name : left_->Sections()) CompareSection(name);
-  for (const std::string& name : right_->Sections()) {
-    if (!left_->HasSection(name)) CompareSection(name);
-  }
-  return std::move(differences_);
-}
-
-void Comparison::CompareSection(const std::string& section) {
-  const auto side = [&section](Document* model) {
-    return model->HasSection(section) ? std::optional<std::string>("") : std::nullopt;
-  };
-  const auto left = side(left_);
-  const auto right = side(right_);
-  if (left != right) differences_.push_back({section, {}, left, right});
-  const OptionMap& left_options = OptionsOf(section, left_);
-  for (const auto& [name, stored] : left_options) CompareOption(section, name);
-  for (const auto& [name, stored] : OptionsOf(section, right_)) {
-    if (left_options.count(name) == 0) CompareOption(section, name);
-  }
-}
-
-void Comparison::CompareOption(const std::string& section, const std::string& option) {
-  const auto left = ValueIn(OptionsOf(section, left_), option);
-  const auto right = ValueIn(OptionsOf(section, right_), option);
-  if (left != right) differences_.push_back({section, option, left, right});
-}
 
 void HidePasswords(std::vector<Difference>* differences) {
   for (Difference& one : *differences) {
@@ -145,7 +83,7 @@ ExitStatus RunDiff(const DiffRequest& request) {
   }
   Document left = OpenDocument(request.left);
   Document right = OpenDocument(request.right);
-  std::vector<Difference> differences = Comparison(&left, &right).Compare();
+  std::vector<Difference> differences = settings::FindDifferences(&left, &right);
   if (!request.show_secrets) HidePasswords(&differences);
   WriteStandardOutput(request.json ? DifferencesJson(request, differences)
                                    : DifferencesText(differences));

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "settings/differences.h"
 #include "settings/file_reading.h"
 #include "tools/commands/command.h"
 #include "tools/commands/document_json.h"
@@ -20,12 +21,14 @@ namespace {
 struct DumpRequest {
   std::string file;
   bool json = false;
+  bool canonical = false;
   std::optional<std::string> output;  // standard output when there is none
 };
 
 std::string DumpOf(const DumpRequest& request, std::string text) {
   settings::Document document = OpenDocument(request.file, std::move(text));
-  return request.json ? DocumentJson(document.Sections(), false, &document) : document.DumpText();
+  if (request.json) return DocumentJson(document.Sections(), false, &document);
+  return request.canonical ? settings::CanonicalText(&document) : document.DumpText();
 }
 
 mode_t Umask() {
@@ -73,6 +76,12 @@ ExitStatus RunDump(const DumpRequest& request) {
   return kExitDone;
 }
 
+Word CanonicalFlag(bool* canonical) {
+  Word word = Flag("--canonical", canonical, "Print what counts for programs, always the same way");
+  word.excludes = "--json";
+  return word;
+}
+
 }  // namespace
 
 Declaration DeclareDump() {
@@ -80,6 +89,7 @@ Declaration DeclareDump() {
   return {{
               Argument("FILE", ValueKind::kFile, &request->file, "File to read"),
               Flag("--json", &request->json, "Print it as JSON"),
+              CanonicalFlag(&request->canonical),
               Option("-o", "OUT", ValueKind::kFile, &request->output, "Write it to this file"),
           },
           BindRequest(request, RunDump)};
