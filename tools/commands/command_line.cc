@@ -234,8 +234,12 @@ void CommandLine::ThrowTooMany() const {
   for (const std::string& extra : extras) {
     list += (list.empty() ? "" : ", ") + Quoted(Unprotected(extra));
   }
-  throw ToolError(kExitUsage, "too many arguments: " + list,
-                  UsageHint() + "; put quotes around a name or value that contains blanks");
+  Diagnostic diagnostic =
+      Message("too many arguments: " + list,
+              UsageHint() + "; put quotes around a name or value that contains blanks");
+  const std::string hint = HintForTooMany(command_);
+  if (!hint.empty()) diagnostic.hints.push_back(hint);
+  throw ToolError(kExitUsage, {diagnostic});
 }
 
 void CommandLine::RequireKnownOptions() const {
@@ -280,6 +284,7 @@ void CommandLine::ProtectBrackets() {
 }
 
 std::string CommandLine::HintForTooFew() const {
+  if (declaration_.words.front().kind != ValueKind::kFile) return UsageHint();
   std::vector<std::string> given;
   std::size_t wanted = 0;
   for (std::size_t i = 0; i < options_.size(); ++i) {

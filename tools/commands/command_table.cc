@@ -6,6 +6,7 @@ namespace quarry::tool {
 Declaration DeclareCheck();
 Declaration DeclareList();
 Declaration DeclareGet();
+Declaration DeclareSurvey();
 Declaration DeclareSet();
 Declaration DeclareUnset();
 Declaration DeclareRename();
@@ -22,6 +23,7 @@ const std::vector<Command>& Commands() {
       {"check", "Show every error and warning in files", true, DeclareCheck},
       {"list", "Show the sections, or the options of one section", true, DeclareList},
       {"get", "Show the value of one option", true, DeclareGet},
+      {"survey", "Show the value of one option in many files", true, DeclareSurvey},
       {"set", "Set options, leaving other lines as they are", true, DeclareSet},
       {"unset", "Remove an option or a section, leaving other lines as they are", true,
        DeclareUnset},

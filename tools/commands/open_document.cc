@@ -19,13 +19,6 @@ using settings::Quoted;
 
 namespace {
 
-[[noreturn]] void ThrowErrorsIn(const std::string& text, const std::string& file) {
-  std::vector<settings::Finding> findings = CheckForProgram(text, file, Program::kNone);
-  const auto is_warning = [](const settings::Finding& finding) { return !finding.IsError(); };
-  findings.erase(std::remove_if(findings.begin(), findings.end(), is_warning), findings.end());
-  throw ToolError(kExitFailed, DiagnosticsOf(findings, file));
-}
-
 // "did you mean "a", "b"?", or where to see all names when none is near.
 std::string SuggestionHint(const std::string& wanted, const std::list<std::string>& names,
                            const std::string& list_command) {
@@ -63,6 +56,13 @@ Document OpenDocument(const std::string& file, std::string text) {
     if (error.kind != settings::ErrorKind::kInvalidText) throw;
     ThrowErrorsIn(text, file);  // which was not moved from
   }
+}
+
+void ThrowErrorsIn(const std::string& text, const std::string& file) {
+  std::vector<settings::Finding> findings = CheckForProgram(text, file, Program::kNone);
+  const auto is_warning = [](const settings::Finding& finding) { return !finding.IsError(); };
+  findings.erase(std::remove_if(findings.begin(), findings.end(), is_warning), findings.end());
+  throw ToolError(kExitFailed, DiagnosticsOf(findings, file));
 }
 
 void RequireSection(const std::string& section, Document* document, const std::string& hint) {

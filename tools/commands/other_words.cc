@@ -28,6 +28,7 @@ constexpr OtherWord kOtherCommands[] = {
     {"show", "list, get or dump"},
     {"print", "list, get or dump"},
     {"cat", "dump"},
+    {"grep", "survey"},
     {"fmt", "dump"},
     {"lint", "check"},
     {"validate", "check"},
@@ -134,6 +135,10 @@ std::string HintForJoinedNames(const std::string& command, const std::vector<std
   if (words.size() != wanted) return "";
   if (wanted == kWithValue) words[3] = RedactedValue(words[2], words[3]);
   return "did you mean: " + CommandText(command, words);
+}
+
+std::string HintForTooMany(const std::string& command) {
+  return command == "get" ? "for many files: quarry-config survey SECTION OPTION FILE..." : "";
 }
 
 }  // namespace quarry::tool

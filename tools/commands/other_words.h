@@ -21,6 +21,9 @@ std::string HintForUnknownOption(const std::string& option, const std::list<std:
 std::string HintForJoinedNames(const std::string& command, const std::vector<std::string>& given,
                                std::size_t wanted);
 
+// For arguments too many, where several may be files.
+std::string HintForTooMany(const std::string& command);
+
 }  // namespace quarry::tool
 
 #endif  // QUARRY_TOOLS_COMMANDS_OTHER_WORDS_H_
