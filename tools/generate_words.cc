@@ -110,7 +110,10 @@ std::string ZshCommands() {
 
 std::string ZshAction(const Word& word) {
   if (word.kind == ValueKind::kChoice) return '(' + Joined(word.choices) + ')';
-  return word.kind == ValueKind::kText ? " " : "_quarry_config_" + KindName(word);
+  if (word.kind == ValueKind::kText) return " ";
+  std::string action = "_quarry_config_" + KindName(word);
+  if (IsOption(word) || word.needs.empty()) return action;
+  return "{ (( $words[(I)" + word.needs + "] )) && " + action + " }";
 }
 
 std::string ZshWord(const Word& word, int number) {

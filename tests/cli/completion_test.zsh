@@ -53,6 +53,7 @@ cases=( # the line, what it becomes
   'list ~/f.conf '                      'list ~/f.conf Other a:b=c'
   'seal --into f'                       'seal --into f.conf folder/'
   'rename f.conf log l'                 'rename f.conf log Lines level'
+  'list --origin f.conf f.conf f'        'list --origin f.conf f.conf f.conf folder/'
   'get f.conf LOG l'                    'get f.conf LOG Lines level'
   'unset f.conf Volume\ a\ b '          'unset f.conf Volume\ a\ b size'
   'get ~/f.conf a:b=c '                 'get ~/f.conf a:b=c y'

@@ -27,9 +27,10 @@ struct Word {
   bool required = false;
   bool repeated = false;
   std::string help;
-  std::vector<std::string> choices;                     // of kChoice
-  std::string excludes;                                 // an option that may not be given as well
-  std::string needs;                                    // an option that must be given as well
+  std::vector<std::string> choices;  // of kChoice
+  std::string excludes;              // an option that may not be given as well
+  // An option that must be given as well; an argument is one too many without it.
+  std::string needs;
   std::function<void(const std::string& value)> store;  // called for every value, and for a flag
 };
 

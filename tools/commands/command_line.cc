@@ -2,7 +2,7 @@
 // longer than to read an ordinary file. Workarounds for CLI11 2.1, which has no settings for these:
 //   SplitEmptyValues       CLI11 looks for the value of "--default=" in the next word
 //   ProtectBrackets        CLI11 splits a word in brackets where an argument may be repeated
-//   ThrowTooMany           CLI11 lists these arguments in reverse
+//   Extras                 CLI11 lists these arguments in reverse
 //   RequireKnownOptions    CLI11 reports a missing argument rather than an unknown option
 //   FillRequired           CLI11 gives an optional argument its word before a required one after it
 //   Wrapped                CLI11 writes a description in one line, however long
@@ -129,7 +129,9 @@ class CommandLine {
   void FillRequired(std::vector<std::vector<std::string>>* values) const;
   void StoreAll() const;
   std::string HelpText();
-  [[noreturn]] void ThrowTooMany() const;
+  std::vector<std::string> Extras() const;
+  [[noreturn]] void ThrowTooMany(const std::vector<std::string>& extras) const;
+  void RequireOptionsOfArguments() const;
   void RequireKnownOptions() const;
   [[noreturn]] void ThrowUnknownOption(const std::string& name) const;
   void SplitEmptyValues();
@@ -156,7 +158,7 @@ CommandLine::CommandLine(const Command& command, std::vector<std::string> words)
     const Word& word = declaration_.words[i];
     if (FollowsOptional(i)) options_[i]->required(false);
     if (!word.excludes.empty()) options_[i]->excludes(app_.get_option(word.excludes));
-    if (!word.needs.empty()) options_[i]->needs(app_.get_option(word.needs));
+    if (!word.needs.empty() && !word.name.empty()) options_[i]->needs(app_.get_option(word.needs));
   }
 }
 
@@ -184,12 +186,13 @@ ExitStatus CommandLine::Run() {
     WriteStandardOutput(HelpText());
     return kExitDone;
   } catch (const CLI::ExtrasError&) {
-    ThrowTooMany();
+    ThrowTooMany(Extras());
   } catch (const CLI::RequiredError& error) {
     throw ToolError(kExitUsage, UsageMessage(error), HintForTooFew());
   } catch (const CLI::ParseError& error) {
     throw ToolError(kExitUsage, UsageMessage(error), UsageHint());
   }
+  RequireOptionsOfArguments();
   StoreAll();
   return declaration_.action();
 }
@@ -226,10 +229,14 @@ std::string CommandLine::HelpText() {
   return app_.help();
 }
 
-void CommandLine::ThrowTooMany() const {
+std::vector<std::string> CommandLine::Extras() const {
   std::vector<std::string> extras = app_.remaining();
   const auto mark = std::find(extras.begin(), extras.end(), "--");
   if (mark != extras.end()) extras.erase(mark);
+  return extras;
+}
+
+void CommandLine::ThrowTooMany(const std::vector<std::string>& extras) const {
   std::string list;
   for (const std::string& extra : extras) {
     list += (list.empty() ? "" : ", ") + Quoted(Unprotected(extra));
@@ -240,6 +247,14 @@ void CommandLine::ThrowTooMany() const {
   const std::string hint = HintForTooMany(command_);
   if (!hint.empty()) diagnostic.hints.push_back(hint);
   throw ToolError(kExitUsage, {diagnostic});
+}
+
+void CommandLine::RequireOptionsOfArguments() const {
+  for (std::size_t i = 0; i < options_.size(); ++i) {
+    const Word& word = declaration_.words[i];
+    if (!word.name.empty() || word.needs.empty() || options_[i]->count() == 0) continue;
+    if (app_.get_option(word.needs)->count() == 0) ThrowTooMany(options_[i]->results());
+  }
 }
 
 void CommandLine::RequireKnownOptions() const {

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "settings/line_scanner.h"
-#include "tools/terminal/json.h"
 
 namespace quarry::tool {
 
@@ -31,18 +30,24 @@ nlohmann::ordered_json SectionJson(const std::string& name, const settings::Sect
 
 }  // namespace
 
-std::string DocumentJson(const std::list<std::string>& sections, bool with_lines,
-                         settings::Document* document) {
+nlohmann::ordered_json DocumentEntry(const std::list<std::string>& sections, bool with_lines,
+                                     settings::Document* document) {
   settings::OriginMap origins;
   if (with_lines) origins = settings::FindOrigins(document->text());
   nlohmann::ordered_json json;
-  json["schema"] = 1;
   AddText(&json, "file", document->file());
   json["sections"] = nlohmann::ordered_json::array();
   for (const std::string& name : sections) {
     const settings::SectionOrigin* origin = with_lines ? &origins.at(name) : nullptr;
     json["sections"].push_back(SectionJson(name, origin, document));
   }
+  return json;
+}
+
+std::string DocumentJson(const std::list<std::string>& sections, bool with_lines,
+                         settings::Document* document) {
+  nlohmann::ordered_json json = {{"schema", 1}};
+  json.update(DocumentEntry(sections, with_lines, document));
   return JsonText(json);
 }
 

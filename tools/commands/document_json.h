@@ -5,6 +5,7 @@
 #include <string>
 
 #include "settings/document.h"
+#include "tools/terminal/json.h"
 
 namespace quarry::tool {
 
@@ -12,6 +13,10 @@ namespace quarry::tool {
 // every option, the number of the line that counts.
 std::string DocumentJson(const std::list<std::string>& sections, bool with_lines,
                          settings::Document* document);
+
+// The same as one of several documents: without the number of the schema.
+nlohmann::ordered_json DocumentEntry(const std::list<std::string>& sections, bool with_lines,
+                                     settings::Document* document);
 
 }  // namespace quarry::tool
 

@@ -1,12 +1,17 @@
 // quarry-config list
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <list>
 #include <optional>
+#include <utility>
 
 #include "settings/line_scanner.h"
 #include "tools/check/plain_password.h"
 #include "tools/commands/command.h"
 #include "tools/commands/document_json.h"
+#include "tools/commands/many_files.h"
 #include "tools/commands/open_document.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal_text.h"
@@ -19,7 +24,8 @@ namespace {
 
 struct ListRequest {
   std::string file;
-  std::optional<std::string> section;
+  std::optional<std::string> section;  // or the second file
+  std::vector<std::string> more_files;
   bool origin = false;
   bool json = false;
   bool show_secrets = false;
@@ -49,8 +55,7 @@ std::string OriginText(const std::list<std::string>& sections, bool show_secrets
   return text;
 }
 
-ExitStatus RunList(const ListRequest& request) {
-  Document document = OpenDocument(request.file);
+ExitStatus ListFile(const ListRequest& request, Document document) {
   if (request.section) RequireSection(*request.section, &document);
   const std::list<std::string> sections =
       request.section ? std::list<std::string>{document.StoredName(*request.section)}
@@ -65,6 +70,73 @@ ExitStatus RunList(const ListRequest& request) {
   return kExitDone;
 }
 
+// `first_text` is that of the first file if it has been read.
+ExitStatus ListFiles(const ListRequest& request, std::optional<std::string> first_text) {
+  std::vector<std::string> files = {request.file, *request.section};
+  files.insert(files.end(), request.more_files.begin(), request.more_files.end());
+  RequireOneStandardInput(files);
+  std::string text;
+  nlohmann::ordered_json json = {{"schema", 1}, {"files", nlohmann::ordered_json::array()}};
+  Progress progress("files read", files.size());
+  const std::size_t failed = ForEachFile(
+      files, &progress,
+      [&](const std::string& file) {
+        const auto read_before = std::exchange(first_text, std::nullopt);
+        Document document = OpenDocument(file, read_before ? *read_before : ReadInput(file));
+        if (request.json) {
+          json["files"].push_back(DocumentEntry(document.Sections(), true, &document));
+        } else {
+          text += OriginText(document.Sections(), request.show_secrets, &document);
+        }
+      },
+      [&](const std::string& file, const settings::Error& error) {
+        if (request.json) json["files"].push_back(FailedFileJson(file, error));
+      });
+  WriteStandardOutput(request.json ? JsonText(json) : text);
+  return failed > 0 ? kExitFailed : kExitDone;
+}
+
+bool HasHeader(const std::string& text, const std::string& section) {
+  settings::LineScanner scanner(text);
+  for (settings::ScannedLine line; scanner.Next(&line);) {
+    if (line.kind == storage::dmconfig::LineKind::kHeader &&
+        settings::SameName(std::string(line.header.name), section)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// Whether the second word names a file, and no section of the first. The text of the first is kept,
+// for a pipe can be read only once.
+bool IsSecondFile(const ListRequest& request, std::optional<std::string>* first_text) {
+  const std::string& word = *request.section;
+  if (word != "-" && access(word.c_str(), F_OK) != 0) return false;
+  try {
+    *first_text = ReadInput(request.file);
+  } catch (const settings::Error&) {
+    return true;  // the failure is reported when the file's turn comes
+  }
+  return !HasHeader(**first_text, word);
+}
+
+ExitStatus RunList(const ListRequest& request) {
+  std::optional<std::string> text;
+  const bool has_second_word = request.origin && request.section;
+  if (!request.more_files.empty() || (has_second_word && IsSecondFile(request, &text))) {
+    return ListFiles(request, std::move(text));
+  }
+  return ListFile(request, OpenDocument(request.file, text ? *text : ReadInput(request.file)));
+}
+
+Word MoreFiles(std::vector<std::string>* files) {
+  Word word = RepeatedArgument("FILES", ValueKind::kFile, files,
+                               "More files, with --origin; SECTION may be one then");
+  word.required = false;
+  word.needs = "--origin";
+  return word;
+}
+
 }  // namespace
 
 Declaration DeclareList() {
@@ -74,6 +146,7 @@ Declaration DeclareList() {
           Argument("FILE", ValueKind::kFile, &request->file, "File to read"),
           OptionalArgument("SECTION", ValueKind::kSection, &request->section,
                            "Show this section only"),
+          MoreFiles(&request->more_files),
           Flag("--origin", &request->origin, "Show every option with its value and line"),
           Flag("--json", &request->json, "Print sections, options, values and comments as JSON"),
           ShowSecretsFlag(&request->show_secrets),

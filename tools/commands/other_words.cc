@@ -138,7 +138,8 @@ std::string HintForJoinedNames(const std::string& command, const std::vector<std
 }
 
 std::string HintForTooMany(const std::string& command) {
-  return command == "get" ? "for many files: quarry-config survey SECTION OPTION FILE..." : "";
+  if (command == "get") return "for many files: quarry-config survey SECTION OPTION FILE...";
+  return command == "list" ? "for many files: quarry-config list --origin FILE FILE..." : "";
 }
 
 }  // namespace quarry::tool
