@@ -114,6 +114,7 @@ run "$stored_plain" 0 set --as agent plain/agent.conf CR login '' --dry-run --re
 run "$stored_plain" 1 unset --as agent plain/agent.conf SSL
 run "$stored_plain" 1 diff plain/agent.conf agent.conf
 run "$stored_plain" 0 survey CR login plain/agent.conf
+run "$stored_plain" 1 diff --base plain/agent.conf agent.conf
 run "$stored_plain" 1 diff --json plain/agent.conf agent.conf
 run "$stored_plain" 1 get plain/agent.conf CR pasword
 run "$stored_plain" 1 list plain/agent.conf CRR

@@ -31,7 +31,7 @@ const std::vector<Command>& Commands() {
       {"edit", "Edit a file with $VISUAL or $EDITOR and check it before it is saved", false,
        DeclareEdit},
       {"dump", "Show a file as a program would save it", true, DeclareDump},
-      {"diff", "Show what differs between two files for programs", true, DeclareDiff},
+      {"diff", "Show what differs between files for programs", true, DeclareDiff},
       {"client", "Show what a client reads from a file", true, DeclareClient},
       {"agent", "Start an agent for a trial and show its settings", false, DeclareAgent},
       {"keygen", "Make a key file to seal passwords with", false, DeclareKeygen},
