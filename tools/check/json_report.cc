@@ -21,21 +21,17 @@ class JsonReport : public Report {
                        {"message", EscapeForTerminal(finding.message)},
                        {"hint", EscapeForTerminal(finding.hint)}});
     }
-    Add(file, "findings", std::move(array));
+    nlohmann::ordered_json entry;
+    AddText(&entry, "file", file);
+    entry["findings"] = std::move(array);
+    files_.push_back(std::move(entry));
   }
   void AddUnreadable(const std::string& file, const settings::Error& error) override {
-    Add(file, "error", EscapeForTerminal(error.message));
+    files_.push_back(FailedFileJson(file, error));
   }
   void Finish() override { WriteStandardOutput(JsonText({{"schema", 1}, {"files", files_}})); }
 
  private:
-  void Add(const std::string& file, const char* key, nlohmann::ordered_json value) {
-    nlohmann::ordered_json entry;
-    AddText(&entry, "file", file);
-    entry[key] = std::move(value);
-    files_.push_back(std::move(entry));
-  }
-
   nlohmann::ordered_json files_ = nlohmann::ordered_json::array();
 };
 

@@ -5,7 +5,7 @@
 
 #include "tools/check/report.h"
 #include "tools/commands/command.h"
-#include "tools/terminal/progress.h"
+#include "tools/commands/many_files.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal.h"
 
@@ -59,23 +59,17 @@ ExitStatus RunCheck(const CheckRequest& request) {
   Totals totals;
   Progress progress("files checked", request.files.size());
   const auto report = MakeReport(request.format);
-  for (const std::string& file : request.files) {
-    try {
-      const std::string text = ReadInput(file);
-      const auto findings = CheckForProgram(text, file, request.program, request.strict);
-      totals.Count(findings);
-      if (!findings.empty()) progress.Clear();
-      report->AddFile(file, findings);
-    } catch (const settings::Error& error) {
-      // The other files are checked all the same.
-      progress.Clear();
-      WriteDiagnostics(DiagnosticsOf(error));
-      report->AddUnreadable(file, error);
-      ++totals.unreadable;
-    }
-    progress.Step();
-  }
-  progress.Clear();
+  const auto check_file = [&](const std::string& file) {
+    const std::string text = ReadInput(file);
+    const auto findings = CheckForProgram(text, file, request.program, request.strict);
+    totals.Count(findings);
+    if (!findings.empty()) progress.Clear();
+    report->AddFile(file, findings);
+  };
+  totals.unreadable = ForEachFile(request.files, &progress, check_file,
+                                  [&](const std::string& file, const settings::Error& error) {
+                                    report->AddUnreadable(file, error);
+                                  });
   report->Finish();
   if (request.format == ReportFormat::kText && IsStandardOutputTerminal()) {
     WriteStandardOutput(Summary(totals));

@@ -13,6 +13,7 @@
 #include "tools/commands/document_json.h"
 #include "tools/commands/many_files.h"
 #include "tools/commands/open_document.h"
+#include "tools/terminal/json.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal_text.h"
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "tools/terminal/errors.h"
-#include "tools/terminal/terminal_text.h"
 
 namespace quarry::tool {
 
@@ -30,15 +29,6 @@ std::size_t ForEachFile(
   }
   progress->Clear();
   return failed;
-}
-
-nlohmann::ordered_json FailedFileJson(const std::string& file, const settings::Error& error) {
-  const Diagnostic first = DiagnosticsOf(error).front();
-  nlohmann::ordered_json entry;
-  AddText(&entry, "file", file);
-  entry["error"] =
-      EscapeForTerminal(first.place.empty() ? first.message : first.place + ": " + first.message);
-  return entry;
 }
 
 }  // namespace quarry::tool

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "settings/error.h"
-#include "tools/terminal/json.h"
 #include "tools/terminal/progress.h"
 
 namespace quarry::tool {
@@ -23,9 +22,6 @@ std::size_t ForEachFile(
     const std::vector<std::string>& files, Progress* progress,
     const std::function<void(const std::string& file)>& handle,
     const std::function<void(const std::string& file, const settings::Error& error)>& add_failure);
-
-// {"file":..,"error":..}: a file that failed, among those of a command's JSON.
-nlohmann::ordered_json FailedFileJson(const std::string& file, const settings::Error& error);
 
 }  // namespace quarry::tool
 

@@ -2,6 +2,8 @@
 
 #include <sodium.h>
 
+#include "tools/terminal/errors.h"
+#include "tools/terminal/terminal_text.h"
 #include "tools/terminal/utf8.h"
 
 namespace quarry::tool {
@@ -22,6 +24,15 @@ std::string Base64(const std::string& bytes) {
 void AddText(nlohmann::ordered_json* object, const std::string& key, const std::string& text) {
   (*object)[key] = text;
   if (!IsUtf8(text)) (*object)[key + "_base64"] = Base64(text);
+}
+
+nlohmann::ordered_json FailedFileJson(const std::string& file, const settings::Error& error) {
+  const Diagnostic first = DiagnosticsOf(error).front();
+  nlohmann::ordered_json entry;
+  AddText(&entry, "file", file);
+  entry["error"] =
+      EscapeForTerminal(first.place.empty() ? first.message : first.place + ": " + first.message);
+  return entry;
 }
 
 std::string JsonText(const nlohmann::ordered_json& document) {
