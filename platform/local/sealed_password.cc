@@ -129,6 +129,11 @@ DecryptResult SealPassword(const SealingKey& key, std::string_view password, std
   return SealPasswordWithNonce(key, nonce.data(), password, stored);
 }
 
+DecryptResult ValidateSealedForm(std::string_view stored) {
+  SealedBytes sealed;
+  return Decode(stored, &sealed);
+}
+
 QUARRY_CLEARS_REGISTERS
 DecryptResult OpenPasswordWithKey(const SealingKey& key, const char* stored, char* out,
                                   std::size_t capacity) {

@@ -40,6 +40,10 @@ DecryptResult SealPassword(const SealingKey& key, std::string_view password, std
 DecryptResult SealPasswordWithNonce(const SealingKey& key, const unsigned char* nonce,
                                     std::string_view password, std::string* stored);
 
+// Whether the stored password could be opened with some key, as far as its form tells: returns
+// kDecryptDone, kDecryptNotSealed or kDecryptDamaged.
+DecryptResult ValidateSealedForm(std::string_view stored);
+
 // Implements DecryptPasswdWithKey (platform/cr_runtime.h).
 DecryptResult OpenPassword(const char* key_file, const char* stored, char* out,
                            std::size_t capacity);

@@ -119,6 +119,11 @@ Advice AdviceForAbsent(AgentSetting setting, Document* document) {
 
 int TryPassword(Document* document) { return TryWith(DecryptPasswdWithKey, document); }
 
+DecryptResult TryPasswordForm(Document* document) {
+  // A start reads the value up to the first NUL.
+  return platform::ValidateSealedForm(ValueOf(AgentSetting::kPassword, document).c_str());
+}
+
 DecryptResult TryKey(Document* document) {
   return platform::SealingKey().Load(KeyFile(document).c_str());
 }
@@ -162,23 +167,23 @@ Advice AdviceForPassword(int result, Document* document) {
 }
 
 Advice AdviceForResult(int result, Document* document) {
-  const std::string file = Quoted(KeyFile(document));
-  const std::string seal =
-      "seal the password again: quarry-config seal --into " +
-      (document->file() == "-" ? "FILE" : ShellQuotedFile(document->file()));
+  // The text may name no key folder when only the password's form was checked.
+  const auto file = [&] { return Quoted(KeyFile(document)); };
+  const std::string seal = "seal the password again: quarry-config seal --into " +
+                           (document->file() == "-" ? "FILE" : ShellQuotedFile(document->file()));
   switch (result) {
     case kDecryptNoKeyFile:
       return AdviceForNoKeyFile(document);
     case kDecryptKeyTooOpen:
-      return {"key file " + file + " is open to others", OpenKeyHint(KeyFile(document))};
+      return {"key file " + file() + " is open to others", OpenKeyHint(KeyFile(document))};
     case kDecryptNotAKeyFile:
-      return {file + " is not a key file",
+      return {file() + " is not a key file",
               "bring back the right one, or make a key in another folder: "
               "quarry-config keygen FOLDER"};
     case kDecryptNotSealed:
       return {"the password is not sealed in a known form", seal};
     case kDecryptOtherKey:
-      return {"the password is sealed with another key than " + file, seal};
+      return {"the password is sealed with another key than " + file(), seal};
     case kDecryptDamaged:
       return {"the sealed password is damaged", seal};
     case kDecryptTooLong:

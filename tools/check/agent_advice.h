@@ -38,6 +38,9 @@ Advice AdviceForAbsent(AgentSetting setting, settings::Document* document);
 // DecryptPasswdWithKey. The settings must be there.
 int TryPassword(settings::Document* document);
 
+// Whether the form of the text's password is right; knows only that of our own code. Needs no key.
+DecryptResult TryPasswordForm(settings::Document* document);
+
 // Whether the text's key file can be used.
 DecryptResult TryKey(settings::Document* document);
 

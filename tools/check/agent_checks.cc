@@ -25,8 +25,10 @@ namespace {
 class AgentChecker {
  public:
   // Borrows the text.
-  AgentChecker(const std::string& text, const std::string& file)
-      : document_(file, std::string(text)), origins_(settings::FindOrigins(text)) {}
+  AgentChecker(const std::string& text, const std::string& file, bool no_key)
+      : document_(file, std::string(text)),
+        origins_(settings::FindOrigins(text)),
+        no_key_(no_key) {}
 
   std::vector<Finding> Check();
 
@@ -35,6 +37,7 @@ class AgentChecker {
   void CheckEmptiness(AgentSetting setting);
   void CheckUnknownOptions(const std::string& section);
   void CheckNumber();
+  void CheckPasswordForm();
   void CheckKeyFolder();
   void CheckPassword();
   void CheckRoutingTables();
@@ -47,6 +50,7 @@ class AgentChecker {
 
   settings::Document document_;
   const settings::OriginMap origins_;
+  const bool no_key_;
   std::vector<Finding> findings_;
 };
 
@@ -58,8 +62,12 @@ std::vector<Finding> AgentChecker::Check() {
   }
   CheckNumber();
   CheckRoutingTables();
-  if (Has(AgentSetting::kKeyDir)) CheckKeyFolder();
-  if (Has(AgentSetting::kPassword) && Has(AgentSetting::kKeyDir)) CheckPassword();
+  if (no_key_) {
+    if (Has(AgentSetting::kPassword)) CheckPasswordForm();
+  } else if (Has(AgentSetting::kKeyDir)) {
+    CheckKeyFolder();
+    if (Has(AgentSetting::kPassword)) CheckPassword();
+  }
   return std::move(findings_);
 }
 
@@ -108,6 +116,11 @@ void AgentChecker::CheckNumber() {
                                 "write a number from -2147483648 to 2147483647"));
 }
 
+void AgentChecker::CheckPasswordForm() {
+  const DecryptResult result = TryPasswordForm(&document_);
+  if (result != kDecryptDone) AddPassword(AdviceForResult(result, &document_));
+}
+
 void AgentChecker::CheckKeyFolder() {
   const auto advice = AdviceForKeyFolder(&document_);
   if (advice) AddAboutKey(rules::kKeyFolder, *advice);
@@ -148,8 +161,8 @@ void AgentChecker::AddAboutKey(const settings::Rule& rule, const Advice& advice)
 
 }  // namespace
 
-std::vector<Finding> CheckForAgent(const std::string& text, const std::string& file) {
-  return AgentChecker(text, file).Check();
+std::vector<Finding> CheckForAgent(const std::string& text, const std::string& file, bool no_key) {
+  return AgentChecker(text, file, no_key).Check();
 }
 
 }  // namespace quarry::tool

@@ -9,8 +9,10 @@
 namespace quarry::tool {
 
 // Findings about settings of a valid text that an agent's start rejects, or parses differently than
-// they are written. In no order.
-std::vector<settings::Finding> CheckForAgent(const std::string& text, const std::string& file);
+// they are written. In no order. With `no_key`, checks only the form of the password and leaves the
+// key's folder and file alone.
+std::vector<settings::Finding> CheckForAgent(const std::string& text, const std::string& file,
+                                             bool no_key);
 
 }  // namespace quarry::tool
 

@@ -16,12 +16,12 @@ using settings::Finding;
 namespace {
 
 std::vector<Finding> CheckForReader(const std::string& text, const std::string& file,
-                                    Program program, bool mention_absent) {
+                                    Program program, const ProgramCheckOptions& options) {
   switch (program) {
     case Program::kAgent:
-      return CheckForAgent(text, file);
+      return CheckForAgent(text, file, options.no_key);
     case Program::kClient:
-      return CheckForClient(text, mention_absent);
+      return CheckForClient(text, options.mention_absent);
     case Program::kNone:
       break;
   }
@@ -40,16 +40,16 @@ void HideSecret(Finding* finding, std::size_t secret) {
 }  // namespace
 
 std::vector<Finding> CheckForProgram(const std::string& text, const std::string& file,
-                                     Program program, bool mention_absent) {
+                                     Program program, const ProgramCheckOptions& options) {
   const SecretLines secrets(text);
-  settings::CheckOptions options;
-  options.file_in_commands = file == "-" ? "FILE" : ShellQuotedFile(file);
-  options.holds_secret = [&secrets](const settings::ScannedLine& line) {
+  settings::CheckOptions text_options;
+  text_options.file_in_commands = file == "-" ? "FILE" : ShellQuotedFile(file);
+  text_options.holds_secret = [&secrets](const settings::ScannedLine& line) {
     return secrets.Find(line.number, line.raw) != std::string_view::npos;
   };
-  std::vector<Finding> findings = settings::CheckText(text, options);
+  std::vector<Finding> findings = settings::CheckText(text, text_options);
   if (!settings::HasErrors(findings)) {
-    const std::vector<Finding> more = CheckForReader(text, file, program, mention_absent);
+    const std::vector<Finding> more = CheckForReader(text, file, program, options);
     findings.insert(findings.end(), more.begin(), more.end());
   }
   for (Finding& finding : findings) {

@@ -12,13 +12,18 @@ namespace quarry::tool {
 // The program whose requirements are checked as well.
 enum class Program { kNone, kAgent, kClient };
 
+struct ProgramCheckOptions {
+  bool mention_absent = false;  // settings that a client may do without
+  bool no_key = false;          // leave an agent's key alone; see CheckForAgent
+};
+
 // Returns the findings about the text and, when none of them is an error, those about what the
-// program reads from it; in order of lines. `file` is its name for hints;
-// settings that may be absent are mentioned when `mention_absent`. No field but
+// program reads from it; in order of lines. `file` is its name for hints. No field but
 // line_text reveals a secret's text or length; RedactedLine (tools/check/finding_text.h) returns
 // the line without it.
 std::vector<settings::Finding> CheckForProgram(const std::string& text, const std::string& file,
-                                               Program program, bool mention_absent = false);
+                                               Program program,
+                                               const ProgramCheckOptions& options = {});
 
 }  // namespace quarry::tool
 

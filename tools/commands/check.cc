@@ -18,6 +18,7 @@ struct CheckRequest {
   bool strict = false;  // warnings count as errors
   ReportFormat format = ReportFormat::kText;
   Program program = Program::kNone;
+  bool no_key = false;
 };
 
 struct Totals {
@@ -56,12 +57,18 @@ ExitStatus ExitStatusFor(const Totals& totals, bool strict) {
 }
 
 ExitStatus RunCheck(const CheckRequest& request) {
+  if (request.no_key && request.program != Program::kAgent) {
+    throw ToolError(kExitUsage, "--no-key requires --as agent", "a client has no key");
+  }
+  ProgramCheckOptions options;
+  options.mention_absent = request.strict;
+  options.no_key = request.no_key;
   Totals totals;
   Progress progress("files checked", request.files.size());
   const auto report = MakeReport(request.format);
   const auto check_file = [&](const std::string& file) {
     const std::string text = ReadInput(file);
-    const auto findings = CheckForProgram(text, file, request.program, request.strict);
+    const auto findings = CheckForProgram(text, file, request.program, options);
     totals.Count(findings);
     if (!findings.empty()) progress.Clear();
     report->AddFile(file, findings);
@@ -102,6 +109,8 @@ Declaration DeclareCheck() {
                                      "How findings are shown: text, json, sarif or github"),
           JsonFlag(&request->format),
           ProgramOption(&request->program, "Check also what this program needs: agent or client"),
+          Flag("--no-key", &request->no_key,
+               "With --as agent, check without the agent's key: of the password only its form"),
       },
       BindRequest(request, RunCheck)};
 }
