@@ -1,5 +1,10 @@
 #include "tools/commands/command.h"
 
+#include <algorithm>
+#include <list>
+
+#include "settings/suggestions.h"
+
 namespace quarry::tool {
 
 namespace {
@@ -58,6 +63,17 @@ Word RepeatedOption(const std::string& name, const std::string& placeholder, Val
   word.name = name;
   word.required = false;
   return word;
+}
+
+void RequireChoice(const std::string& option, const std::string& value,
+                   const std::vector<std::string>& choices) {
+  const std::list<std::string> known(choices.begin(), choices.end());
+  if (std::find(known.begin(), known.end(), value) != known.end()) return;
+  const auto near = settings::SuggestNames(value, known);
+  std::string hint;
+  for (const std::string& choice : choices) hint += (hint.empty() ? "give " : " or ") + choice;
+  if (!near.empty()) hint = "did you mean " + settings::Quoted(near.front()) + '?';
+  throw ToolError(kExitUsage, "unknown value " + settings::Quoted(value) + " for " + option, hint);
 }
 
 Word ProgramOption(Program* program, const std::string& help) {

@@ -27,7 +27,7 @@ struct Word {
   bool required = false;
   bool repeated = false;
   std::string help;
-  std::vector<std::string> choices;  // of kChoice
+  std::vector<std::string> choices;  // of kChoice; `store` refuses others
   std::string excludes;              // an option that may not be given as well
   // An option that must be given as well; an argument is one too many without it.
   std::string needs;
@@ -47,6 +47,10 @@ Word Option(const std::string& name, const std::string& placeholder, ValueKind k
 Word RepeatedOption(const std::string& name, const std::string& placeholder, ValueKind kind,
                     std::vector<std::string>* values, const std::string& help);
 
+// Throws ToolError unless the option's value is one of its choices.
+void RequireChoice(const std::string& option, const std::string& value,
+                   const std::vector<std::string>& choices);
+
 // An option whose value is one of a few words.
 template <typename Choice>
 Word ChoiceOption(const std::string& name, const std::string& placeholder, Choice* chosen,
@@ -58,7 +62,8 @@ Word ChoiceOption(const std::string& name, const std::string& placeholder, Choic
   word.kind = ValueKind::kChoice;
   word.help = help;
   for (const auto& [text, choice] : choices) word.choices.push_back(text);
-  word.store = [chosen, choices](const std::string& value) {
+  word.store = [name, chosen, choices, words = word.choices](const std::string& value) {
+    RequireChoice(name, value, words);
     for (const auto& [text, choice] : choices) {
       if (text == value) *chosen = choice;
     }

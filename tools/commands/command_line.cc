@@ -171,7 +171,6 @@ CLI::Option* CommandLine::Add(const Word& word) {
   if (word.repeated && is_argument) option->expected(1, -1)->allow_extra_args();
   if (!is_argument && word.repeated) option->take_all();
   if (!is_argument && !word.repeated) option->take_last();
-  if (!word.choices.empty()) option->check(CLI::IsMember(word.choices));
   return option;
 }
 
