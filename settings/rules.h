@@ -58,6 +58,14 @@ inline constexpr Rule kCarriageReturn =
 inline constexpr Rule kCommentAtEnd = WarningRule(
     "comment-at-end", "comment after the last option is dropped when a program saves this file");
 
+// All of the above.
+inline constexpr const Rule* kTextRules[] = {
+    &kHeaderNotClosed,     &kSectionNameEmpty, &kTextAfterHeader, &kByteOrderMark,
+    &kWideCharacters,      &kNoSection,        &kNoEquals,        &kOptionNameEmpty,
+    &kBlanksInSectionName, &kColonInName,      &kNoContinuation,  &kRepeatedSection,
+    &kRepeatedOption,      &kBlankValue,       &kQuotesInValue,   &kCommentInValue,
+    &kCarriageReturn,      &kCommentAtEnd};
+
 }  // namespace rules
 
 }  // namespace quarry::settings

@@ -47,6 +47,7 @@ cases=( # the line, what it becomes
   'set f'                               'set f.conf folder/'
   'seal '                               'seal folder/'
   'check --as '                         'check --as agent client'
+  'check --strict --allow un'           'check --strict --allow unknown-section unknown-setting'
   'check --format=s'                    'check --format=sarif'
   'get --default z -- f.conf l'         'get --default z -- f.conf Log'
   'get --default = f.conf l'            'get --default = f.conf Log'

@@ -30,6 +30,12 @@ inline constexpr settings::Rule kSettingOmitted = settings::WarningRule(
 inline constexpr settings::Rule kIngestMode = settings::WarningRule(
     "ingest-mode", "value is neither \"on\" nor \"off\": a client reads it as off");
 
+// All of the above.
+inline constexpr const settings::Rule* kProgramRules[] = {
+    &kSettingAbsent,  &kPassword,       &kKeyFile,      &kKeyFolder,
+    &kRoutingTable,   &kUnknownSetting, &kSettingEmpty, &kNumber,
+    &kUnknownSection, &kSettingOmitted, &kIngestMode};
+
 }  // namespace quarry::tool::rules
 
 #endif  // QUARRY_TOOLS_CHECK_PROGRAM_RULES_H_

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
 
+#include "tools/check/program_rules.h"
 #include "tools/check/report.h"
 #include "tools/commands/command.h"
 #include "tools/commands/many_files.h"
@@ -15,25 +17,27 @@ namespace {
 
 struct CheckRequest {
   std::vector<std::string> files;
-  bool strict = false;  // warnings count as errors
+  bool strict = false;            // warnings count as errors
+  std::set<std::string> allowed;  // rules whose warnings do not
   ReportFormat format = ReportFormat::kText;
   Program program = Program::kNone;
   bool no_key = false;
 };
 
 struct Totals {
-  void Count(const std::vector<settings::Finding>& findings) {
-    const auto count = static_cast<std::size_t>(
-        std::count_if(findings.begin(), findings.end(),
-                      [](const settings::Finding& finding) { return finding.IsError(); }));
+  void Count(const std::vector<settings::Finding>& findings,
+             const std::set<std::string>& allowed_rules) {
     ++files;
-    errors += count;
-    warnings += findings.size() - count;
+    for (const settings::Finding& finding : findings) {
+      ++(finding.IsError() ? errors : warnings);
+      allowed += allowed_rules.count(finding.rule->name);
+    }
   }
 
   std::size_t files = 0;
   std::size_t errors = 0;
   std::size_t warnings = 0;
+  std::size_t allowed = 0;     // of the warnings
   std::size_t unreadable = 0;  // not among the files
 };
 
@@ -47,12 +51,13 @@ std::string Summary(const Totals& totals) {
                      (totals.errors == 0 ? "no errors" : Counted(totals.errors, "error"));
   if (totals.unreadable > 0) text += ", " + std::to_string(totals.unreadable) + " not read";
   if (totals.warnings > 0) text += ", " + Counted(totals.warnings, "warning");
+  if (totals.allowed > 0) text += " (" + std::to_string(totals.allowed) + " allowed)";
   return text + '\n';
 }
 
 ExitStatus ExitStatusFor(const Totals& totals, bool strict) {
   if (totals.unreadable > 0) return kExitFailed;
-  const bool refused = totals.errors > 0 || (strict && totals.warnings > 0);
+  const bool refused = totals.errors > 0 || (strict && totals.warnings > totals.allowed);
   return refused ? kExitNo : kExitDone;
 }
 
@@ -69,7 +74,7 @@ ExitStatus RunCheck(const CheckRequest& request) {
   const auto check_file = [&](const std::string& file) {
     const std::string text = ReadInput(file);
     const auto findings = CheckForProgram(text, file, request.program, options);
-    totals.Count(findings);
+    totals.Count(findings, request.allowed);
     if (!findings.empty()) progress.Clear();
     report->AddFile(file, findings);
   };
@@ -82,6 +87,42 @@ ExitStatus RunCheck(const CheckRequest& request) {
     WriteStandardOutput(Summary(totals));
   }
   return ExitStatusFor(totals, request.strict);
+}
+
+std::vector<std::string> RulesOf(settings::Severity severity) {
+  std::vector<std::string> names;
+  const auto add = [&](const settings::Rule* rule) {
+    if (rule->severity == severity) names.emplace_back(rule->name);
+  };
+  std::for_each(std::begin(settings::rules::kTextRules), std::end(settings::rules::kTextRules),
+                add);
+  std::for_each(std::begin(rules::kProgramRules), std::end(rules::kProgramRules), add);
+  return names;
+}
+
+void RequireWarning(const std::string& rule, const std::vector<std::string>& warnings) {
+  const auto errors = RulesOf(settings::Severity::kError);
+  if (std::find(errors.begin(), errors.end(), rule) != errors.end()) {
+    throw ToolError(kExitUsage, rule + " is an error, which always counts",
+                    "--allow is for rules that give warnings");
+  }
+  RequireChoice("--allow", rule, warnings);
+}
+
+Word AllowOption(std::set<std::string>* allowed) {
+  Word word;
+  word.name = "--allow";
+  word.placeholder = "RULE";
+  word.kind = ValueKind::kChoice;
+  word.help = "With --strict, do not count warnings by this rule";
+  word.repeated = true;
+  word.choices = RulesOf(settings::Severity::kWarning);
+  word.needs = "--strict";
+  word.store = [allowed, warnings = word.choices](const std::string& rule) {
+    RequireWarning(rule, warnings);
+    allowed->insert(rule);
+  };
+  return word;
 }
 
 Word JsonFlag(ReportFormat* format) {
@@ -101,6 +142,7 @@ Declaration DeclareCheck() {
       {
           RepeatedArgument("FILE", ValueKind::kFile, &request->files, "Files to check"),
           Flag("--strict", &request->strict, "Let warnings count as errors"),
+          AllowOption(&request->allowed),
           ChoiceOption<ReportFormat>("--format", "FORMAT", &request->format,
                                      {{"text", ReportFormat::kText},
                                       {"json", ReportFormat::kJson},
