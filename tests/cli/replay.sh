@@ -14,14 +14,21 @@
 #   ? COMMAND                     fails when what FILE needs is not there
 #   ## REMARK
 #
-# A block ```cpp is the file example.cc, ```ini example.conf, ```sh example.sh. In a page, commands
-# are in blocks ```console, ```text and ```diff. QUARRY_RUN runs the program, such as valgrind.
+# Only in a page:
+#
+#   <!-- needs PROGRAM... -->     the next block is printed as it is, and not run, when one of these
+#                                 programs is not there
+#
+# A block ```cpp is the file example.cc, ```ini example.conf, ```sh example.sh, ```systemd
+# example.service, ```vim example.vim, ```yaml example.yml. In a page, commands are in blocks
+# ```console, ```text and ```diff. QUARRY_RUN runs the program, such as valgrind.
 set -uo pipefail
 file=$(realpath "$1") build=$(realpath "$2") mode=${3:-}
 root=$(realpath "$(dirname "$0")/../..")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export PATH=$work/bin:$build:$PATH LD_LIBRARY_PATH=$build BUILD=$build ROOT=$root LC_ALL=C.UTF-8
+export HOME=$work # where other programs find no settings
 unset NO_COLOR
 
 add_program() { # NAME COMMAND
@@ -63,17 +70,30 @@ run_command() { # LINE
   commands=$((commands + 1))
 }
 
-declare -A names=([cpp]=example.cc [ini]=example.conf [sh]=example.sh)
+has_all() { # PROGRAM...
+  local program
+  for program; do command -v "$program" >../out || return; done
+}
+
+declare -A names=([cpp]=example.cc [ini]=example.conf [sh]=example.sh [systemd]=example.service
+  [vim]=example.vim [yaml]=example.yml)
 outside=transcript # any block
 [[ $file != *.md ]] || outside=page
 replay() {
-  local line block=$outside
+  local line block=$outside missing="" programs
   while IFS= read -r line <&3; do
     case $block,$line in
       *,'```'?*)
         block=${line#'```'}
         printf '%s\n' "$line"
         [ -z "${names[$block]:-}" ] || : >"${names[$block]}"
+        [ -z "$missing" ] || block=skipped
+        missing=
+        ;;
+      page,'<!-- needs '*' -->')
+        printf '%s\n' "$line"
+        read -ra programs <<<"${line:11:-4}"
+        has_all "${programs[@]}" || missing=1
         ;;
       *,'```')
         block=$outside
