@@ -3,61 +3,52 @@
 #include <algorithm>
 #include <set>
 
-#include "settings/line_scanner.h"
+#include "dmconfig/line.h"
 
 namespace quarry::tool {
 
 using settings::Finding;
+using settings::LineEdit;
+using storage::dmconfig::KindOf;
 using storage::dmconfig::LineKind;
+using storage::dmconfig::WithoutLeadingBlanks;
 
 namespace {
 
-constexpr char kBetween = '\n';  // which no name holds
+constexpr std::size_t kNewLine = static_cast<std::size_t>(-1);
 
-// What tells the findings about a text apart.
-class Identities {
- public:
-  explicit Identities(const std::string& text);
-
-  std::string Of(const Finding& finding) const;
-
- private:
-  struct Place {
-    std::string section;
-    std::string option;  // empty in a line that is no option
-  };
-  std::vector<Place> places_;  // by line numbers
-};
-
-Identities::Identities(const std::string& text) : places_(1) {
-  std::string section;
-  settings::LineScanner scanner(text);
-  for (settings::ScannedLine line; scanner.Next(&line);) {
-    if (line.kind == LineKind::kHeader) section = settings::Folded(line.header.name);
-    const bool is_option = line.kind == LineKind::kOption;
-    places_.push_back({section, is_option ? settings::Folded(line.option.name) : ""});
+// The number before the edit of the line that has this number after it; 0 stays 0.
+std::size_t OldNumber(std::size_t number, const settings::TextEdit& edit) {
+  std::size_t added = 0, removed = 0;  // lines above
+  for (const LineEdit& one : edit) {
+    const std::size_t begin = one.line + added - removed;
+    if (number < begin) break;
+    const std::size_t index = number - begin;
+    if (index < one.added.size()) return index < one.removed ? one.line + index : kNewLine;
+    added += one.added.size();
+    removed += one.removed;
   }
+  return number + removed - added;
 }
 
-std::string Identities::Of(const Finding& finding) const {
-  const Place& place = places_[finding.line];
-  const std::string rule = std::string(finding.rule->name) + kBetween;
-  if (!place.option.empty()) return rule + place.section + kBetween + place.option;
-  return rule + (finding.IsError() ? finding.message : place.section);
+// What tells a finding from others about the same text; `line` is its line's number.
+std::string IdentityOf(const Finding& finding, std::size_t line) {
+  const bool is_about_option = KindOf(WithoutLeadingBlanks(finding.line_text)) == LineKind::kOption;
+  return std::string(finding.rule->name) + ' ' +
+         (is_about_option || !finding.IsError() ? std::to_string(line) : finding.message);
 }
 
 }  // namespace
 
-std::vector<Finding> NewFindings(const std::string& before, const std::string& after,
+std::vector<Finding> NewFindings(const std::string& before, const settings::EditedText& edited,
                                  const std::string& file, Program program) {
   std::set<std::string> old;
-  const Identities old_identities(before), new_identities(after);
   for (const Finding& finding : CheckForProgram(before, file, program)) {
-    old.insert(old_identities.Of(finding));
+    old.insert(IdentityOf(finding, finding.line));
   }
-  std::vector<Finding> findings = CheckForProgram(after, file, program);
+  std::vector<Finding> findings = CheckForProgram(edited.text, file, program);
   const auto is_old = [&](const Finding& finding) {
-    return old.count(new_identities.Of(finding)) > 0;
+    return old.count(IdentityOf(finding, OldNumber(finding.line, edited.edit))) > 0;
   };
   findings.erase(std::remove_if(findings.begin(), findings.end(), is_old), findings.end());
   return findings;

@@ -34,7 +34,7 @@ std::string ShownEdit(const EditTarget& target, const std::string& before,
 void RequireNoNewErrors(const EditTarget& target, const std::string& before,
                         const EditedText& edited) {
   if (target.program == Program::kNone || edited.edit.empty()) return;
-  const auto findings = NewFindings(before, edited.text, target.file, target.program);
+  const auto findings = NewFindings(before, edited, target.file, target.program);
   auto diagnostics = DiagnosticsOf(findings, target.file);
   if (!settings::HasErrors(findings)) {
     WriteDiagnostics(diagnostics);
