@@ -25,7 +25,7 @@ bool Agree(const std::string& one, const std::string& other) {
   return agree;
 }
 
-// Another byte or letter case, and a line less.
+// Another byte or letter case, a line less, and the last section first.
 void TryVariations(const std::string& text) {
   if (text.empty()) return;
   const std::size_t middle = text.size() / 2;
@@ -33,7 +33,9 @@ void TryVariations(const std::string& text) {
   other_byte[middle] = static_cast<char>(other_byte[middle] ^ 0x20);
   const std::size_t begin = text.rfind('\n', middle) + 1;
   line_less.erase(begin, text.find('\n', middle) + 1 - begin);
-  for (const std::string& variation : {other_byte, line_less}) {
+  const std::size_t last = text.rfind("\n[") + 1;
+  const std::string moved = text.substr(last) + '\n' + text.substr(0, last);
+  for (const std::string& variation : {other_byte, line_less, moved}) {
     if (ReadText(variation).status != 0) continue;
     Saw(Agree(text, variation) ? "variation agrees" : "variation differs");
   }

@@ -44,11 +44,11 @@ std::vector<Difference> WithoutIgnored(const std::vector<Difference>& difference
   std::string section_after;
   for (auto one = differences.rbegin(); one != differences.rend(); ++one) {
     const bool had_options = std::exchange(section_after, one->section) == one->section;
-    const bool has_options = !kept.empty() && kept.back().section == one->section;
+    const bool keeps_options = !kept.empty() && kept.back().section == one->section;
     const bool is_ignored =
         std::any_of(ignored.begin(), ignored.end(),
                     [&](const std::string& name) { return HasName(*one, name); });
-    if (is_ignored || (!one->option && had_options && !has_options)) continue;
+    if (is_ignored || (!one->option && had_options && !keeps_options)) continue;
     kept.push_back(*one);
   }
   std::reverse(kept.begin(), kept.end());
