@@ -98,6 +98,7 @@ sed 's|^\[Log\]|&]|' plain/agent.conf >plain/broken.conf
 sed "s|^password = .*|password $stored_plain|" agent.conf >plain/no-equals.conf
 for file in agent broken no-equals; do
   run "$stored_plain" 1 check --as agent plain/$file.conf
+  run "$stored_plain" 1 check --as agent --no-key plain/$file.conf
   for format in json sarif github; do run "$stored_plain" 1 check --format=$format --as agent plain/$file.conf; done
   run "$stored_plain" 1 agent plain/$file.conf
 done
