@@ -40,9 +40,9 @@ class AgentChecker {
   void CheckPasswordForm();
   void CheckKeyFolder();
   void CheckPassword();
+  void CheckKey();
   void CheckRoutingTables();
   void AddPassword(const Advice& advice);
-  void AddKeyFile(const Advice& advice) { AddAboutKey(rules::kKeyFile, advice); }
   void AddAboutKey(const settings::Rule& rule, const Advice& advice);
 
   bool Has(AgentSetting setting) { return tool::Has(setting, &document_); }
@@ -62,11 +62,14 @@ std::vector<Finding> AgentChecker::Check() {
   }
   CheckNumber();
   CheckRoutingTables();
-  if (no_key_) {
-    if (Has(AgentSetting::kPassword)) CheckPasswordForm();
-  } else if (Has(AgentSetting::kKeyDir)) {
-    CheckKeyFolder();
-    if (Has(AgentSetting::kPassword)) CheckPassword();
+  const bool has_key = !no_key_ && Has(AgentSetting::kKeyDir);
+  if (has_key) CheckKeyFolder();
+  if (!Has(AgentSetting::kPassword)) {
+    if (has_key) CheckKey();
+  } else if (has_key) {
+    CheckPassword();
+  } else {
+    CheckPasswordForm();
   }
   return std::move(findings_);
 }
@@ -132,13 +135,18 @@ void AgentChecker::CheckPassword() {
   const bool about_key =
       result == kDecryptNoKeyFile || result == kDecryptKeyTooOpen || result == kDecryptNotAKeyFile;
   const Advice advice = AdviceForPassword(result, &document_);
-  if (about_key) return AddKeyFile(advice);
+  if (about_key) {
+    AddAboutKey(rules::kKeyFile, advice);
+    return CheckPasswordForm();
+  }
   AddPassword(advice);
   // A password in another form is found before the key is looked at.
-  const DecryptResult key = TryKey(&document_);
-  if (result == kDecryptNotSealed && key != kDecryptDone) {
-    AddKeyFile(AdviceForResult(key, &document_));
-  }
+  if (result == kDecryptNotSealed) CheckKey();
+}
+
+void AgentChecker::CheckKey() {
+  const DecryptResult result = TryKey(&document_);
+  if (result != kDecryptDone) AddAboutKey(rules::kKeyFile, AdviceForResult(result, &document_));
 }
 
 void AgentChecker::CheckRoutingTables() {
