@@ -28,7 +28,8 @@ std::vector<Finding> CheckForReader(const std::string& text, const std::string& 
   return {};
 }
 
-// Lets a finding that reaches into a secret end where the mask of the secret does.
+}  // namespace
+
 void HideSecret(Finding* finding, std::size_t secret) {
   finding->secret_offset = secret;
   const std::size_t begin = finding->column - 1;
@@ -36,8 +37,6 @@ void HideSecret(Finding* finding, std::size_t secret) {
   finding->column = std::min(begin, secret) + 1;
   finding->length = secret + sizeof kMask - finding->column;
 }
-
-}  // namespace
 
 std::vector<Finding> CheckForProgram(const std::string& text, const std::string& file,
                                      Program program, const ProgramCheckOptions& options) {

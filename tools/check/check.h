@@ -2,6 +2,7 @@
 #ifndef QUARRY_TOOLS_CHECK_CHECK_H_
 #define QUARRY_TOOLS_CHECK_CHECK_H_
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,10 @@ struct ProgramCheckOptions {
 std::vector<settings::Finding> CheckForProgram(const std::string& text, const std::string& file,
                                                Program program,
                                                const ProgramCheckOptions& options = {});
+
+// Hides the finding's line from the offset `secret` on. A finding that reaches into the secret then
+// ends where its mask does.
+void HideSecret(settings::Finding* finding, std::size_t secret);
 
 }  // namespace quarry::tool
 

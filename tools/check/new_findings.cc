@@ -1,9 +1,13 @@
 #include "tools/check/new_findings.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
+#include <string_view>
 
 #include "dmconfig/line.h"
+#include "settings/line_scanner.h"
+#include "tools/check/password_line.h"
 
 namespace quarry::tool {
 
@@ -38,6 +42,24 @@ std::string IdentityOf(const Finding& finding, std::size_t line) {
          (is_about_option || !finding.IsError() ? std::to_string(line) : finding.message);
 }
 
+// An option that is renamed has the same value, which the finding's line must not show when the old
+// name is one of a secret.
+void HideRenamedSecrets(const std::string& before, const settings::TextEdit& edit,
+                        std::vector<Finding>* findings) {
+  std::map<std::size_t, std::string_view> secrets;  // by old line numbers
+  settings::LineScanner scanner(before);
+  for (settings::ScannedLine line; scanner.Next(&line);) {
+    const std::size_t secret = FindSecret(line.raw);
+    if (secret < line.raw.size()) secrets[line.number] = line.raw.substr(secret);
+  }
+  for (Finding& finding : *findings) {
+    const auto secret = secrets.find(OldNumber(finding.line, edit));
+    if (secret == secrets.end() || finding.secret_offset != std::string_view::npos) continue;
+    HideSecret(&finding, FindEnd(finding.line_text, secret->second));
+    if (finding.hint.find(secret->second) != std::string::npos) finding.hint.clear();
+  }
+}
+
 }  // namespace
 
 std::vector<Finding> NewFindings(const std::string& before, const settings::EditedText& edited,
@@ -51,6 +73,7 @@ std::vector<Finding> NewFindings(const std::string& before, const settings::Edit
     return old.count(IdentityOf(finding, OldNumber(finding.line, edited.edit))) > 0;
   };
   findings.erase(std::remove_if(findings.begin(), findings.end(), is_old), findings.end());
+  HideRenamedSecrets(before, edited.edit, &findings);
   return findings;
 }
 

@@ -119,6 +119,11 @@ std::size_t FindSecret(std::string_view line) {
   return AfterName(line, std::min(EndOfPassword(folded), EndOfName(folded, is_usual)));
 }
 
+std::size_t FindEnd(std::string_view line, std::string_view end) {
+  const std::size_t offset = line.size() - std::min(line.size(), end.size());
+  return line.substr(offset) == end ? offset : std::string_view::npos;
+}
+
 SecretLines::SecretLines(std::string_view text) {
   settings::LineScanner scanner(text);
   settings::ContinuationFinder continuations;

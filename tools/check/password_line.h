@@ -17,6 +17,9 @@ std::size_t FindPassword(std::string_view line);
 // "rootpwd".
 std::size_t FindSecret(std::string_view line);
 
+// The offset of `end` in a line that ends in it; npos for other lines.
+std::size_t FindEnd(std::string_view line, std::string_view end);
+
 // The secrets of a text, with those that have a line of their own: a secret whose option line is
 // empty, or ends in a backslash, is continued by the next lines that are no options or headers of
 // their own.

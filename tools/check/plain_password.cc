@@ -1,6 +1,8 @@
 #include "tools/check/plain_password.h"
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 #include "platform/local/sealed_password.h"
 #include "settings/line_scanner.h"
@@ -28,30 +30,50 @@ std::size_t FindPlainPassword(std::string_view line) {
   return password.empty() || IsSealedForm(password) ? std::string_view::npos : offset;
 }
 
-std::string RedactedLine(std::string_view line) {
-  const std::size_t password = FindPlainPassword(line);
+std::string Redacted(std::string_view line, std::size_t password) {
   if (password == std::string_view::npos) return std::string(line);
   return std::string(line.substr(0, password)) + kMask;
 }
 
+std::string RedactedLine(std::string_view line) { return Redacted(line, FindPlainPassword(line)); }
+
+// The line with the password masked that it or `other` names. An option that is renamed has the
+// same value in both.
+std::string RedactedLine(std::string_view line, std::string_view other) {
+  const std::size_t own = FindPlainPassword(line);
+  const std::size_t others = FindPlainPassword(other);
+  return Redacted(line, own == std::string_view::npos && others != own
+                            ? FindEnd(line, other.substr(others))
+                            : own);
+}
+
 }  // namespace
 
-std::string RedactedText(std::string_view text) {
+RedactedChange RedactChange(std::string_view text, settings::TextEdit edit) {
+  std::map<std::size_t, std::string*> replacements;  // of single lines, by their numbers
+  for (settings::LineEdit& one : edit) {
+    if (one.removed == 1 && one.added.size() == 1) {
+      replacements[one.line] = &one.added.front();
+    } else {
+      for (std::string& line : one.added) line = RedactedLine(line);
+    }
+  }
   std::string redacted;
-  for (;;) {
+  for (std::size_t number = 1;; ++number) {
     const std::size_t end = text.find('\n');
-    redacted += RedactedLine(text.substr(0, end));
-    if (end == std::string_view::npos) return redacted;
+    const std::string_view line = text.substr(0, end);
+    const auto replacement = replacements.find(number);
+    if (replacement == replacements.end()) {
+      redacted += RedactedLine(line);
+    } else {
+      std::string& added = *replacement->second;
+      redacted += RedactedLine(line, added);
+      added = RedactedLine(added, line);
+    }
+    if (end == std::string_view::npos) return {std::move(redacted), std::move(edit)};
     redacted += '\n';
     text.remove_prefix(end + 1);
   }
-}
-
-settings::TextEdit RedactedEdit(settings::TextEdit edit) {
-  for (settings::LineEdit& one : edit) {
-    for (std::string& line : one.added) line = RedactedLine(line);
-  }
-  return edit;
 }
 
 std::string RedactedValue(const std::string& option, const std::string& value) {

@@ -10,12 +10,15 @@
 
 namespace quarry::tool {
 
-// The text with the rest of every line masked from a plain password on; comments are no exception.
-// It has as many lines as before.
-std::string RedactedText(std::string_view text);
+struct RedactedChange {
+  std::string text;
+  settings::TextEdit edit;
+};
 
-// The edit with the same done to the lines that it adds.
-settings::TextEdit RedactedEdit(settings::TextEdit edit);
+// A text and an edit of it, with the rest of every line masked from a plain password on; comments
+// are no exception. The text has as many lines as before. The value of an option that is renamed is
+// a password when either name says so.
+RedactedChange RedactChange(std::string_view text, settings::TextEdit edit);
 
 // The option's value, masked from a plain password on.
 std::string RedactedValue(const std::string& option, const std::string& value);

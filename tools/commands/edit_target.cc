@@ -26,9 +26,9 @@ std::string ShownEdit(const EditTarget& target, const std::string& before,
   const std::string name = InputName(target.file);
   if (target.report) return EditReport(name, before, edited, target.show_secrets);
   const std::string shown_name = EscapeForTerminal(name);
-  return target.show_secrets
-             ? settings::UnifiedDiff(shown_name, before, edited.edit)
-             : settings::UnifiedDiff(shown_name, RedactedText(before), RedactedEdit(edited.edit));
+  if (target.show_secrets) return settings::UnifiedDiff(shown_name, before, edited.edit);
+  const RedactedChange shown = RedactChange(before, edited.edit);
+  return settings::UnifiedDiff(shown_name, shown.text, shown.edit);
 }
 
 void RequireNoNewErrors(const EditTarget& target, const std::string& before,
@@ -41,7 +41,7 @@ void RequireNoNewErrors(const EditTarget& target, const std::string& before,
     return;
   }
   diagnostics.push_back(
-      Message(InputName(target.file) + " was not edited: the edit would bring " + "an error",
+      Message(InputName(target.file) + " was not edited: the edit would bring an error",
               "correct it, or make the edits that belong together in one: set --from"));
   throw ToolError(kExitNo, diagnostics);
 }
