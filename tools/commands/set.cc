@@ -69,10 +69,10 @@ bool IsAgentPassword(const Setting& setting) {
 
 constexpr char kSealInstead[] = "seal it into the file: quarry-config seal --into FILE";
 
-// The output of a command that failed is empty.
+// The output of a command that failed is empty; "password = " in a text of changes is then blank.
 void RequirePassword(const std::vector<Setting>& settings) {
   const auto is_empty = [](const Setting& setting) {
-    return IsAgentPassword(setting) && setting.value.empty();
+    return IsAgentPassword(setting) && settings::WithoutTrailingBlanks(setting.value).empty();
   };
   if (std::none_of(settings.begin(), settings.end(), is_empty)) return;
   throw ToolError(kExitNo, "the value for the agent's password is empty", kSealInstead);
