@@ -62,7 +62,7 @@ void ReportEdit(const EditTarget& target, const std::string& before, const Edite
   try {
     WriteStandardOutput(ShownEdit(target, before, edited));
   } catch (settings::Error& error) {
-    error.hint = "the edit of " + target.file + " is in place";
+    if (!edited.edit.empty()) error.hint = "the edit of " + target.file + " is in place";
     throw;
   }
 }
