@@ -109,6 +109,8 @@ done
 run "$stored_plain" 0 list --origin plain/agent.conf
 run "$stored_plain" 0 set --dry-run plain/agent.conf CR login you
 run "$stored_plain" 0 unset --dry-run plain/agent.conf CR password
+run "$stored_plain" 0 rename --dry-run plain/agent.conf CR password x
+run "$stored_plain" 1 rename --as agent plain/agent.conf CR password x
 run "$stored_plain" 0 unset --dry-run --report plain/agent.conf CR
 run "$stored_plain" 0 seal --into plain/agent.conf keys --dry-run --report < <(seal '')
 run "$stored_plain" 0 set --as agent plain/agent.conf CR login '' --dry-run --report
