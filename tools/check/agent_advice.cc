@@ -183,7 +183,8 @@ Advice AdviceForResult(int result, Document* document) {
     case kDecryptNotSealed:
       return {"the password is not sealed in a known form", seal};
     case kDecryptOtherKey:
-      return {"the password is sealed with another key than " + file(), seal};
+      return {"the password is sealed with another key than " + file(),
+              seal + ' ' + ShellQuotedFile(KeyFolder(document))};
     case kDecryptDamaged:
       return {"the sealed password is damaged", seal};
     case kDecryptTooLong:

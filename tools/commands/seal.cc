@@ -47,14 +47,14 @@ const std::string& KeyFolderIn(Document* document) {
   return ValueOf(AgentSetting::kKeyDir, document);
 }
 
+// A file that cannot be edited is found before the password is asked for.
 std::string FolderFor(const SealRequest& request) {
-  if (request.folder) return *request.folder;
-  if (!request.file) {
-    throw ToolError(kExitUsage, "give DIR, or a file with --into",
-                    "see: quarry-config seal --help");
+  if (request.file) {
+    Document document = OpenDocument(*request.file);
+    return request.folder ? *request.folder : KeyFolderIn(&document);
   }
-  Document document = OpenDocument(*request.file);
-  return KeyFolderIn(&document);
+  if (request.folder) return *request.folder;
+  throw ToolError(kExitUsage, "give DIR, or a file with --into", "see: quarry-config seal --help");
 }
 
 void LoadKey(const std::string& folder, platform::SealingKey* key) {
@@ -79,9 +79,12 @@ void LoadKey(const std::string& folder, platform::SealingKey* key) {
   }
 }
 
-// Any byte may be meant, so these are sealed all the same.
-void WarnOfEnds(std::string_view password) {
-  if (password.empty()) return;
+// Any password may be meant, so these are sealed all the same.
+void WarnOfPassword(std::string_view password) {
+  if (password.empty()) {
+    WriteDiagnostics({Warning("the password is empty", "if that is not meant, seal it again")});
+    return;
+  }
   constexpr std::string_view kBlanks = " \t";
   const auto is_blank = [&](char byte) { return kBlanks.find(byte) != std::string_view::npos; };
   if (password.back() == '\r') {
@@ -178,7 +181,7 @@ ExitStatus RunSeal(const SealRequest& request) {
   RequireSafeKeyFolder(folder, "seal", kExitNo);
   PasswordInput input;
   input.Read("to seal for " + KeyFileIn(folder));
-  WarnOfEnds(input.password());
+  WarnOfPassword(input.password());
   if (request.file) return SealInto(request, folder, key, input.password());
   WriteStandardOutput(Sealed(key, input.password()) + '\n');
   return kExitDone;
