@@ -30,10 +30,12 @@ struct DiffRequest {
   bool show_secrets = false;
 };
 
-// Names may contain blanks, so the name given is not split.
+// Names may contain blanks, so the name given is not split. That of a section ends before its first
+// NUL.
 bool HasName(const Difference& one, const std::string& name) {
-  return settings::SameName(name, one.section) ||
-         (one.option && settings::SameName(name, one.section + ' ' + *one.option));
+  const std::string section = one.section.substr(0, one.section.find('\0'));
+  return settings::SameName(name, section) ||
+         (one.option && settings::SameName(name, section + ' ' + *one.option));
 }
 
 // A section that is on one side only comes right before its options. It goes with them when all of
