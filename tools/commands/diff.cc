@@ -145,7 +145,7 @@ class BaseComparison {
   }
 
   std::string Report() const;
-  // "198 of 200 files agree with base.conf, 1 not read".
+  // "198 of 200 files agree with base.conf, 1 not compared".
   std::string Summary(std::size_t failed) const;
   bool agrees() const { return differing_ == 0; }
 
@@ -183,7 +183,7 @@ std::string BaseComparison::Summary(std::size_t failed) const {
   const std::size_t all = request_.files.size();
   return std::to_string(all - differing_ - failed) + " of " + std::to_string(all) +
          " files agree with " + InputName(base_.file()) +
-         (failed > 0 ? ", " + std::to_string(failed) + " not read" : "");
+         (failed > 0 ? ", " + std::to_string(failed) + " not compared" : "");
 }
 
 ExitStatus CompareWithBase(const DiffRequest& request) {
