@@ -1,5 +1,7 @@
 #include "settings/line_scanner.h"
 
+#include <algorithm>
+
 namespace quarry::settings {
 
 using storage::dmconfig::KindOf;
@@ -8,6 +10,14 @@ using storage::dmconfig::LineKind;
 using storage::dmconfig::ParseHeader;
 using storage::dmconfig::ParseOption;
 using storage::dmconfig::WithoutLeadingBlanks;
+
+namespace {
+
+char FoldedByte(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+std::string_view BeforeNul(std::string_view name) { return name.substr(0, name.find('\0')); }
+
+}  // namespace
 
 bool IsHeaderAfterBom(std::string_view text) {
   return text.substr(0, kByteOrderMark.size()) == kByteOrderMark &&
@@ -20,15 +30,16 @@ std::string_view WithoutTrailingBlanks(std::string_view text) {
 
 std::string Folded(std::string_view text) {
   std::string folded(text);
-  for (char& c : folded) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
+  for (char& c : folded) c = FoldedByte(c);
   return folded;
 }
 
-bool SameName(const std::string& one, const std::string& other) {
-  const storage::dmconfig::StringCaseCmp before;
-  return !before(one, other) && !before(other, one);
+bool SameName(std::string_view one, std::string_view other) noexcept {
+  if (one == other) return true;
+  one = BeforeNul(one);
+  other = BeforeNul(other);
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                    [](char left, char right) { return FoldedByte(left) == FoldedByte(right); });
 }
 
 LineFault ScannedLine::fault() const {

@@ -26,7 +26,7 @@ std::string_view WithoutTrailingBlanks(std::string_view text);
 std::string Folded(std::string_view text);
 
 // Whether the two names are the same section or option.
-bool SameName(const std::string& one, const std::string& other);
+bool SameName(std::string_view one, std::string_view other) noexcept;
 
 // All views are into the text.
 struct ScannedLine {

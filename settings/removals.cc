@@ -59,7 +59,7 @@ SectionRemoval::SectionRemoval(std::string_view text, const std::string& section
     is_blank_.push_back(line.kind == LineKind::kBlank);
     const std::size_t begin = comments.BeginAbove(line);
     if (line.kind == LineKind::kHeader) {
-      in_section = SameName(section, std::string(line.header.name));
+      in_section = SameName(section, line.header.name);
       if (in_section) parts_.push_back({with_comment ? begin : line.number, line.number});
     }
     if (line.kind == LineKind::kOption && in_section) parts_.back().end = line.number;
@@ -106,10 +106,10 @@ TextEdit UnsetOption(std::string_view text, const std::string& section, const st
   for (ScannedLine line; scanner.Next(&line);) {
     const std::size_t comment = comments.BeginAbove(line);
     if (line.kind == LineKind::kHeader) {
-      in_section = SameName(section, std::string(line.header.name));
+      in_section = SameName(section, line.header.name);
     }
     if (line.kind == LineKind::kOption && in_section &&
-        SameName(option, std::string(line.option.name))) {
+        SameName(option, line.option.name)) {
       const std::size_t begin = with_comment ? comment : line.number;
       edit.push_back({begin, line.number - begin + 1, {}});
     }

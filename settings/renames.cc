@@ -28,7 +28,7 @@ TextEdit RenameSection(std::string_view text, const std::string& section,
   LineScanner scanner(text);
   for (ScannedLine line; scanner.Next(&line);) {
     if (line.kind != LineKind::kHeader) continue;
-    if (SameName(section, std::string(line.header.name))) {
+    if (SameName(section, line.header.name)) {
       AddRename(line, line.header.name, new_name, &edit);
     }
   }
@@ -42,10 +42,10 @@ TextEdit RenameOption(std::string_view text, const std::string& section, const s
   LineScanner scanner(text);
   for (ScannedLine line; scanner.Next(&line);) {
     if (line.kind == LineKind::kHeader) {
-      in_section = SameName(section, std::string(line.header.name));
+      in_section = SameName(section, line.header.name);
     }
     if (line.kind == LineKind::kOption && in_section &&
-        SameName(option, std::string(line.option.name))) {
+        SameName(option, line.option.name)) {
       AddRename(line, line.option.name, new_name, &edit);
     }
   }

@@ -101,7 +101,7 @@ bool HasHeader(const std::string& text, const std::string& section) {
   settings::LineScanner scanner(text);
   for (settings::ScannedLine line; scanner.Next(&line);) {
     if (line.kind == storage::dmconfig::LineKind::kHeader &&
-        settings::SameName(std::string(line.header.name), section)) {
+        settings::SameName(line.header.name, section)) {
       return true;
     }
   }

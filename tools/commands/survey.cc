@@ -40,9 +40,9 @@ ScannedLine FindLine(const SurveyRequest& request, const std::string& text,
   for (ScannedLine line; scanner.Next(&line);) {
     if (line.fault() != LineFault::kNone) ThrowErrorsIn(text, file);
     if (line.kind == LineKind::kHeader) {
-      in_section = SameName(std::string(line.header.name), request.section);
+      in_section = SameName(line.header.name, request.section);
     } else if (line.kind == LineKind::kOption && in_section &&
-               SameName(std::string(line.option.name), request.option)) {
+               SameName(line.option.name, request.option)) {
       found = line;
     }
   }
