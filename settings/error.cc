@@ -16,8 +16,10 @@ Error::Error(ErrorKind error_kind, std::string error_file, std::string error_mes
 
 Error SystemError(const std::string& action, const std::string& file, int error_number,
                   const std::string& hint) {
-  return {ErrorKind::kFailed, file,
-          "cannot " + action + ": " + std::generic_category().message(error_number), hint};
+  Error error(ErrorKind::kFailed, file,
+              "cannot " + action + ": " + std::generic_category().message(error_number), hint);
+  error.error_number = error_number;
+  return error;
 }
 
 std::string HintForLackOf(const std::string& feature, int error_number) {

@@ -25,10 +25,11 @@ struct Error : std::exception {
   const char* what() const noexcept override { return message.c_str(); }
 
   ErrorKind kind;
-  std::string file;     // the name that the caller gave; may be empty
-  std::size_t line;     // from 1; 0 when it is not about a line
-  std::string message;  // one sentence, which names the file
-  std::string hint;     // the remedy; may be empty
+  std::string file;      // the name that the caller gave; may be empty
+  std::size_t line;      // from 1; 0 when it is not about a line
+  std::string message;   // one sentence, which names the file
+  std::string hint;      // the remedy; may be empty
+  int error_number = 0;  // errno of a failed system call
 };
 
 // A failed system call: "cannot ACTION: " and the system's text for `error_number`.

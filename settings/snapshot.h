@@ -1,0 +1,92 @@
+// An immutable text with its settings, for programs that read them from any thread.
+#ifndef QUARRY_SETTINGS_SNAPSHOT_H_
+#define QUARRY_SETTINGS_SNAPSHOT_H_
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "settings/problem.h"
+
+namespace quarry::settings {
+
+// An option of a snapshot. The views live as long as any copy of the snapshot.
+struct Option {
+  std::string_view name;   // as the text first spells it
+  std::string_view value;  // the last one that the text sets
+  // The comment lines above, without their indentation, separated by line feeds. As with a load, a
+  // line that sets the option again without a comment leaves the comment as it was.
+  std::string_view comment;
+  std::size_t line = 0;  // from 1: the one that sets the value
+};
+
+// Consecutive elements, which live as long as any copy of the snapshot.
+template <typename Element>
+class Range {
+ public:
+  Range(const Element* begin, const Element* end) : begin_(begin), end_(end) {}
+
+  const Element* begin() const { return begin_; }
+  const Element* end() const { return end_; }
+  std::size_t size() const { return static_cast<std::size_t>(end_ - begin_); }
+  bool empty() const { return begin_ == end_; }
+
+ private:
+  const Element* begin_;
+  const Element* end_;
+};
+
+// A section of a snapshot. The views live as long as any copy of the snapshot.
+struct Section {
+  std::string_view name;     // as the text first spells it
+  std::string_view comment;  // above its last header, in the form of an option's
+  std::size_t line = 0;      // of its first header, from 1
+  std::size_t first_option = 0, option_count = 0;  // the snapshot's own; see Snapshot::options
+};
+
+// Copies share the text and its settings. Any number of threads may read a snapshot, and copies of
+// it, at once; none of the operations below changes it. Names of sections and options are compared
+// without regard to the case of the letters A to Z, and end before their first NUL byte.
+class Snapshot {
+ public:
+  // Whether what is valid but probably not meant is reported, too.
+  enum class Warnings { kOmitted, kReported };
+
+  // Reads a whole file, or the text that it is given; `name` is that of the text in problems. A
+  // text is valid exactly when DMConfigFile::LoadConfig loads it, and says the same then. Returns
+  // nothing for a file that cannot be read and for a text that is not valid. Adds every error of
+  // the text to `*problems`, and on request every warning, in order of lines. No problem quotes the
+  // text, which may hold secrets. Throws std::bad_alloc.
+  static std::optional<Snapshot> Load(const std::string& path, std::vector<Problem>* problems,
+                                      Warnings warnings = Warnings::kOmitted);
+  static std::optional<Snapshot> Parse(std::string name, std::string text,
+                                       std::vector<Problem>* problems,
+                                       Warnings warnings = Warnings::kOmitted);
+
+  // The name that was given, and the text, byte by byte.
+  const std::string& name() const;
+  const std::string& text() const;
+
+  // All sections, in the order of their first headers.
+  Range<Section> sections() const;
+  // The options of one of them, in the order of the lines that first set them.
+  Range<Option> options(const Section& section) const;
+
+  // Null when there is no such section or option. Allocates nothing and throws nothing.
+  const Section* FindSection(std::string_view section) const noexcept;
+  const Option* Find(std::string_view section, std::string_view option) const noexcept;
+
+  struct Data;
+
+ private:
+  explicit Snapshot(std::shared_ptr<const Data> data);
+
+  std::shared_ptr<const Data> data_;
+};
+
+}  // namespace quarry::settings
+
+#endif  // QUARRY_SETTINGS_SNAPSHOT_H_
