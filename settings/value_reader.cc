@@ -1,0 +1,296 @@
+#include "settings/value_reader.h"
+
+#include <algorithm>
+#include <charconv>
+#include <list>
+#include <system_error>
+#include <utility>
+
+#include "dmconfig/line.h"
+#include "settings/error.h"
+#include "settings/line_scanner.h"
+#include "settings/suggestions.h"
+
+namespace quarry::settings {
+
+using storage::dmconfig::Trimmed;
+
+namespace {
+
+// Why a value is wrong, and what would be right. No text: it is not.
+struct Fault {
+  std::string text;
+  std::string hint;
+};
+
+struct Unit {
+  const char* name;
+  std::uint64_t size;
+};
+
+constexpr std::uint64_t kKilo = 1000, kKibi = 1024;
+constexpr Unit kByteUnits[] = {
+    {"", 1},
+    {"B", 1},
+    {"kB", kKilo},
+    {"MB", kKilo* kKilo},
+    {"GB", kKilo* kKilo* kKilo},
+    {"TB", kKilo* kKilo* kKilo* kKilo},
+    {"PB", kKilo* kKilo* kKilo* kKilo* kKilo},
+    {"EB", kKilo* kKilo* kKilo* kKilo* kKilo* kKilo},
+    {"KiB", kKibi},
+    {"MiB", kKibi* kKibi},
+    {"GiB", kKibi* kKibi* kKibi},
+    {"TiB", kKibi* kKibi* kKibi* kKibi},
+    {"PiB", kKibi* kKibi* kKibi* kKibi* kKibi},
+    {"EiB", kKibi* kKibi* kKibi* kKibi* kKibi* kKibi},
+};
+
+constexpr std::uint64_t kSecond = 1000000000, kMinute = 60 * kSecond, kHour = 60 * kMinute;
+constexpr Unit kTimeUnits[] = {
+    {"ns", 1},        {"us", kKilo}, {"ms", kKilo* kKilo}, {"s", kSecond},
+    {"min", kMinute}, {"h", kHour},  {"d", 24 * kHour},
+};
+
+struct BooleanWord {
+  const char* word;
+  bool value;
+};
+constexpr BooleanWord kBooleanWords[] = {{"true", true}, {"false", false}, {"yes", true},
+                                         {"no", false},  {"on", true},     {"off", false},
+                                         {"1", true},    {"0", false}};
+
+Fault ParseBoolean(std::string_view value, bool* result) {
+  for (const BooleanWord& one : kBooleanWords) {
+    if (!SameName(value, one.word)) continue;
+    *result = one.value;
+    return {};
+  }
+  return {"the value is not a boolean", "write true or false, yes or no, on or off, 1 or 0"};
+}
+
+// Reads the whole number at the begin of `*text` and removes it from there.
+template <typename Number>
+std::errc TakeNumber(std::string_view* text, Number* number) {
+  const char* const end = text->data() + text->size();
+  const auto [rest, error] = std::from_chars(text->data(), end, *number);
+  text->remove_prefix(static_cast<std::size_t>(rest - text->data()));
+  return error;
+}
+
+Fault ParseInteger(std::string_view value, Bounds bounds, std::int64_t* result) {
+  const std::string hint =
+      "write a number from " + std::to_string(bounds.min) + " to " + std::to_string(bounds.max);
+  const std::errc error = TakeNumber(&value, result);
+  if (error == std::errc::invalid_argument || !value.empty()) {
+    return {"the value is not a whole number", hint};
+  }
+  if (error != std::errc() || *result < bounds.min || *result > bounds.max) {
+    return {"the number is out of range", hint};
+  }
+  return {};
+}
+
+// A number without a sign and one of the units; 0 needs none.
+template <std::size_t count>
+Fault ParseQuantity(std::string_view value, const Unit (&units)[count], std::uint64_t max,
+                    const Fault& malformed, const std::string& too_large, std::uint64_t* result) {
+  std::uint64_t number = 0;
+  const std::errc error = TakeNumber(&value, &number);
+  if (error == std::errc::invalid_argument) return malformed;
+  const std::string_view name = Trimmed(value);
+  const auto* const unit = std::find_if(std::begin(units), std::end(units),
+                                        [&](const Unit& one) { return SameName(name, one.name); });
+  const bool is_zero = error == std::errc() && number == 0 && name.empty();
+  if (unit == std::end(units) && !is_zero) return malformed;
+  if (is_zero) {
+    *result = 0;
+    return {};
+  }
+  if (error != std::errc() || number > max / unit->size) return {too_large, malformed.hint};
+  *result = number * unit->size;
+  return {};
+}
+
+Fault ParseBytes(std::string_view value, std::uint64_t* result) {
+  return ParseQuantity(value, kByteUnits, std::numeric_limits<std::uint64_t>::max(),
+                       {"the value is not a number of bytes",
+                        "write a whole number, with a unit such as kB, MB, GB, KiB, MiB or GiB if "
+                        "it is not of bytes"},
+                       "the number of bytes is too large", result);
+}
+
+Fault ParseDuration(std::string_view value, std::chrono::nanoseconds* result) {
+  std::uint64_t nanoseconds = 0;
+  Fault fault = ParseQuantity(
+      value, kTimeUnits, static_cast<std::uint64_t>(std::chrono::nanoseconds::max().count()),
+      {"the value is not a duration", "write a whole number and one of ns, us, ms, s, min, h, d"},
+      "the duration is too long", &nanoseconds);
+  *result = std::chrono::nanoseconds(nanoseconds);
+  return fault;
+}
+
+std::string_view WithoutBlanks(std::string_view text) {
+  const std::string_view trimmed = Trimmed(text);
+  return trimmed.find_first_not_of(" \t") == std::string_view::npos ? trimmed.substr(0, 0)
+                                                                    : trimmed;
+}
+
+Fault ParseList(std::string_view value, std::vector<std::string_view>* result) {
+  if (WithoutBlanks(value).empty()) return {};
+  for (;;) {
+    const std::size_t comma = value.find(',');
+    const std::string_view part = WithoutBlanks(value.substr(0, comma));
+    if (part.empty()) return {"a part of the list is empty", "write one comma between two parts"};
+    result->push_back(part);
+    if (comma == std::string_view::npos) return {};
+    value.remove_prefix(comma + 1);
+  }
+}
+
+constexpr char kRuleValue[] = "value";
+constexpr char kRuleAbsent[] = "setting-absent";
+constexpr char kRuleUnknown[] = "unknown-setting";
+
+std::string NameOf(std::string_view section, std::string_view option) {
+  return "option " + Quoted(option) + " in section " + Quoted(section);
+}
+
+// "did you mean "a"?", or nothing.
+std::string HintFor(std::string_view wanted, const std::list<std::string>& names) {
+  const auto near = SuggestNames(std::string(wanted), names);
+  return near.empty() ? "" : "did you mean " + Quoted(near.front()) + "?";
+}
+
+}  // namespace
+
+template <typename Value, typename Parse>
+Value ValueReader::Read(std::string_view section, std::string_view option,
+                        std::optional<Value> fallback, Parse parse) {
+  const Option* const found = Find(section, option, !fallback.has_value());
+  Value value{};
+  if (found != nullptr) {
+    const Fault fault = parse(found->value, &value);
+    if (fault.text.empty()) return value;
+    AddWrong(*found, fault.text, fault.hint);
+  }
+  return fallback ? *std::move(fallback) : Value{};
+}
+
+std::string_view ValueReader::Text(std::string_view section, std::string_view option,
+                                   std::optional<std::string_view> fallback) {
+  const Option* const found = Find(section, option, !fallback.has_value());
+  return found != nullptr ? found->value : fallback.value_or(std::string_view());
+}
+
+bool ValueReader::Boolean(std::string_view section, std::string_view option,
+                          std::optional<bool> fallback) {
+  return Read(section, option, fallback, ParseBoolean);
+}
+
+std::int64_t ValueReader::Integer(std::string_view section, std::string_view option,
+                                  std::optional<std::int64_t> fallback, Bounds bounds) {
+  return Read(section, option, fallback, [bounds](std::string_view value, std::int64_t* result) {
+    return ParseInteger(value, bounds, result);
+  });
+}
+
+std::uint64_t ValueReader::Bytes(std::string_view section, std::string_view option,
+                                 std::optional<std::uint64_t> fallback) {
+  return Read(section, option, fallback, ParseBytes);
+}
+
+std::chrono::nanoseconds ValueReader::Duration(std::string_view section, std::string_view option,
+                                               std::optional<std::chrono::nanoseconds> fallback) {
+  return Read(section, option, fallback, ParseDuration);
+}
+
+std::vector<std::string_view> ValueReader::List(
+    std::string_view section, std::string_view option,
+    std::optional<std::vector<std::string_view>> fallback) {
+  return Read(section, option, std::move(fallback), ParseList);
+}
+
+void ValueReader::Refuse(std::string_view section, std::string_view option, std::string text,
+                         std::string hint) {
+  const Option* const found = Find(section, option, false);
+  if (found != nullptr) return AddWrong(*found, std::move(text), std::move(hint));
+  Problem problem = ProblemAt(snapshot_.FindSection(section));
+  problem.rule = kRuleValue;
+  problem.text = std::move(text);
+  problem.hint = std::move(hint);
+  problems_.push_back(std::move(problem));
+}
+
+void ValueReader::ReportUnknownOptions() {
+  for (const auto& [section_name, known] : read_) {
+    const Section* const section = snapshot_.FindSection(section_name);
+    if (section == nullptr) continue;
+    for (const Option& option : snapshot_.options(*section)) {
+      const auto is_same = [&](const std::string& name) { return SameName(name, option.name); };
+      if (std::any_of(known.begin(), known.end(), is_same)) continue;
+      Problem problem = ProblemAt(option.name);
+      problem.rule = kRuleUnknown;
+      problem.text = NameOf(section->name, option.name) + " is not known";
+      problem.hint = HintFor(option.name, known);
+      problem.is_warning = true;
+      problems_.push_back(std::move(problem));
+    }
+  }
+}
+
+const Option* ValueReader::Find(std::string_view section, std::string_view option,
+                                bool is_required) {
+  read_[Folded(section)].emplace_back(option);
+  const Option* const found = snapshot_.Find(section, option);
+  if (found == nullptr && is_required) AddAbsent(section, option);
+  return found;
+}
+
+void ValueReader::AddAbsent(std::string_view section, std::string_view option) {
+  const Section* const found = snapshot_.FindSection(section);
+  std::list<std::string> names;
+  if (found == nullptr) {
+    for (const Section& other : snapshot_.sections()) names.emplace_back(other.name);
+  } else {
+    for (const Option& other : snapshot_.options(*found)) names.emplace_back(other.name);
+  }
+  Problem problem = ProblemAt(found);
+  problem.rule = kRuleAbsent;
+  problem.text = "there is no " + NameOf(section, option);
+  problem.hint = HintFor(found == nullptr ? section : option, names);
+  if (problem.hint.empty()) {
+    problem.hint =
+        "add \"" + std::string(option) + " = ...\" to section [" + std::string(section) + ']';
+  }
+  problems_.push_back(std::move(problem));
+}
+
+void ValueReader::AddWrong(const Option& option, std::string text, std::string hint) {
+  Problem problem = ProblemAt(option.value);
+  problem.rule = kRuleValue;
+  problem.text = std::move(text);
+  problem.hint = std::move(hint);
+  problems_.push_back(std::move(problem));
+}
+
+Problem ValueReader::ProblemAt(const Section* section) const {
+  if (section != nullptr) return ProblemAt(section->name);
+  Problem problem;
+  problem.file = snapshot_.name();
+  return problem;
+}
+
+// `part` is a view into the text.
+Problem ValueReader::ProblemAt(std::string_view part) const {
+  const std::string& text = snapshot_.text();
+  const std::string_view before(text.data(), static_cast<std::size_t>(part.data() - text.data()));
+  Problem problem;
+  problem.file = snapshot_.name();
+  problem.line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1;
+  problem.column = before.size() - (before.rfind('\n') + 1) + 1;
+  problem.length = part.size();
+  return problem;
+}
+
+}  // namespace quarry::settings

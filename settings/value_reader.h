@@ -1,0 +1,105 @@
+// Typed values of a snapshot's options, with a problem for every one that is wrong.
+#ifndef QUARRY_SETTINGS_VALUE_READER_H_
+#define QUARRY_SETTINGS_VALUE_READER_H_
+
+#include <chrono>
+#include <cstdint>
+#include <limits>
+#include <list>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "settings/snapshot.h"
+
+namespace quarry::settings {
+
+// Both may be reached.
+struct Bounds {
+  std::int64_t min = std::numeric_limits<std::int64_t>::min();
+  std::int64_t max = std::numeric_limits<std::int64_t>::max();
+};
+
+// Reads values one after the other and collects what is wrong with them, so that a program can
+// report everything at once and start only when there is nothing:
+//
+//   ValueReader reader(snapshot);
+//   const auto threads = reader.Integer("Server", "threads", 4, {1, 1024});
+//   const auto timeout = reader.Duration("Server", "timeout", 30s);
+//   const auto url = reader.Text("Ledger", "url");  // required
+//   reader.ReportUnknownOptions();
+//   if (!reader.problems().empty()) ...
+//
+// Each operation returns the value of the option. When it is absent: the fallback, or, without one,
+// an empty value and a problem that names the section, the option and the nearest name. When the
+// value is wrong: the fallback or an empty value, and a problem at the value that says what would
+// be right. No problem quotes a value, which may be secret. Throws std::bad_alloc. One thread at a
+// time may use a reader.
+class ValueReader {
+ public:
+  explicit ValueReader(Snapshot snapshot) : snapshot_(std::move(snapshot)) {}
+
+  // The value as it is. The view lives as long as the snapshot.
+  std::string_view Text(std::string_view section, std::string_view option,
+                        std::optional<std::string_view> fallback = {});
+
+  // "true", "yes", "on" and "1", or "false", "no", "off" and "0", in any letter case.
+  bool Boolean(std::string_view section, std::string_view option,
+               std::optional<bool> fallback = {});
+
+  // A decimal number, with a "-" before it or no sign, within the bounds.
+  std::int64_t Integer(std::string_view section, std::string_view option,
+                       std::optional<std::int64_t> fallback = {}, Bounds bounds = {});
+
+  // A number of bytes without a sign: "4096", or with a unit, with or without blanks before it:
+  // "B"; "kB", "MB", "GB", "TB", "PB", "EB", powers of 1000; "KiB", "MiB", "GiB", "TiB", "PiB",
+  // "EiB", powers of 1024; in any letter case.
+  std::uint64_t Bytes(std::string_view section, std::string_view option,
+                      std::optional<std::uint64_t> fallback = {});
+
+  // A duration without a sign: a whole number and a unit, with or without blanks between them:
+  // "ns", "us", "ms", "s", "min", "h", "d"; "0" needs no unit.
+  std::chrono::nanoseconds Duration(std::string_view section, std::string_view option,
+                                    std::optional<std::chrono::nanoseconds> fallback = {});
+
+  // The parts of the value between commas, without blanks at their ends; none of an empty value. An
+  // empty part between commas is wrong. The views live as long as the snapshot.
+  std::vector<std::string_view> List(std::string_view section, std::string_view option,
+                                     std::optional<std::vector<std::string_view>> fallback = {});
+
+  // Adds a problem of the caller's own checks, at the option's value, or about the section when the
+  // option is absent.
+  void Refuse(std::string_view section, std::string_view option, std::string text,
+              std::string hint = "");
+
+  // Adds a warning for every option that was not read, of the sections from which one was, with the
+  // nearest name that was read.
+  void ReportUnknownOptions();
+
+  const std::vector<Problem>& problems() const { return problems_; }
+
+ private:
+  // Null when the option is absent; adds a problem then if `is_required`.
+  const Option* Find(std::string_view section, std::string_view option, bool is_required);
+  void AddAbsent(std::string_view section, std::string_view option);
+  void AddWrong(const Option& option, std::string text, std::string hint);
+  Problem ProblemAt(std::string_view part) const;
+  // At the section's header; about no line when it is null.
+  Problem ProblemAt(const Section* section) const;
+
+  // Reads the option with `parse(value, &result)`, which returns what is wrong and how to mend it.
+  template <typename Value, typename Parse>
+  Value Read(std::string_view section, std::string_view option, std::optional<Value> fallback,
+             Parse parse);
+
+  const Snapshot snapshot_;
+  std::vector<Problem> problems_;
+  std::map<std::string, std::list<std::string>> read_;  // options by folded section names
+};
+
+}  // namespace quarry::settings
+
+#endif  // QUARRY_SETTINGS_VALUE_READER_H_

@@ -1,0 +1,155 @@
+#include "settings/snapshot.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <thread>
+#include <tuple>
+
+#include "settings/value_reader.h"
+#include "tests/support/support.h"
+
+namespace quarry::settings {
+namespace {
+
+using std::chrono::nanoseconds;
+
+Snapshot SnapshotOf(const std::string& text) {
+  std::vector<Problem> problems;
+  return Snapshot::Parse("f", text, &problems).value();
+}
+
+std::string Messages(const std::vector<Problem>& problems) {
+  std::string all;
+  for (const Problem& one : problems) {
+    all += (one.is_warning ? "warning: " : "") + one.Message() + " // " + one.hint + '\n';
+  }
+  return all;
+}
+
+TEST(Snapshot, HasTheTextsSections) {
+  const Snapshot snapshot = SnapshotOf(
+      "#a\n  ;b\n[B]\nx = 1\n[A]\n# c\n# d\n\n#e\nY=2\n[b]\nz=\nX=3\n#f\nx=4\n[c]\n#end\n");
+  std::string all;
+  for (const Section& section : snapshot.sections()) {
+    all += std::to_string(section.line) + " [" + std::string(section.name) + "] (" +
+           std::string(section.comment) + ")\n";
+    for (const Option& option : snapshot.options(section)) {
+      all += std::to_string(option.line) + ' ' + std::string(option.name) + '=' +
+             std::string(option.value) + " (" + std::string(option.comment) + ")\n";
+    }
+  }
+  EXPECT_EQ(all, "3 [B] ()\n15 x=4 (#f)\n12 z= ()\n5 [A] ()\n10 Y=2 (# c\n# d\n#e)\n16 [c] ()\n");
+  EXPECT_EQ(snapshot.Find("a", "y")->value, "2");
+  EXPECT_EQ(snapshot.Find("a", "x"), nullptr);
+  EXPECT_EQ(snapshot.Find("d", "x"), nullptr);
+}
+
+TEST(Snapshot, ReportsEveryProblemAndQuotesNone) {
+  std::vector<Problem> problems;
+  EXPECT_FALSE(Snapshot::Parse("f", "[a]\npassword hunter2\n[b\nx=1 # c\n", &problems));
+  EXPECT_EQ(
+      Messages(problems),
+      "f:2:1: option line without \"=\" // write \"NAME = VALUE\", or put \"#\" first to make "
+      "it a comment\n"
+      "f:3:1: section header without \"]\" // add \"]\" after the section name\n");
+  problems.clear();
+  EXPECT_TRUE(Snapshot::Parse("f", "[a]\nx=1 # c\n", &problems, Snapshot::Warnings::kReported));
+  EXPECT_EQ(Messages(problems),
+            "warning: f:2:5: this is part of the value // put the comment on a line of its own\n");
+  problems.clear();
+  EXPECT_FALSE(Snapshot::Load("/nowhere/f", &problems));
+  EXPECT_EQ(Messages(problems), "/nowhere/f: No such file or directory // \n");
+}
+
+TEST(Snapshot, MayBeReadByManyThreads) {
+  const Snapshot snapshot = SnapshotOf("[a]\nx=1\n[b]\ny=2\n");
+  std::vector<std::thread> threads(8);
+  for (std::thread& thread : threads) {
+    thread = std::thread([copy = snapshot] {
+      for (int n = 0; n < 1000; ++n) EXPECT_EQ(copy.Find("B", "Y")->value, "2");
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(ValueReader, ReadsValues) {
+  // A value, and what each kind of value makes of it; "-" where it is wrong.
+  const std::tuple<const char*, const char*, const char*, const char*, const char*> cases[] = {
+      {"1", "true", "1", "1", "-"},
+      {"OFF", "false", "-", "-", "-"},
+      {"yes", "true", "-", "-", "-"},
+      {"tru", "-", "-", "-", "-"},
+      {"0", "false", "0", "0", "0"},
+      {"-0", "-", "0", "-", "-"},
+      {"+1", "-", "-", "-", "-"},
+      {"007", "-", "7", "7", "-"},
+      {"1 2", "-", "-", "-", "-"},
+      {"0x1F", "-", "-", "-", "-"},
+      {"1.5", "-", "-", "-", "-"},
+      {"1e3", "-", "-", "-", "-"},
+      {"-9223372036854775808", "-", "-9223372036854775808", "-", "-"},
+      {"9223372036854775808", "-", "-", "9223372036854775808", "-"},
+      {"18446744073709551616", "-", "-", "-", "-"},
+      {"64MiB", "-", "-", "67108864", "-"},
+      {"10 kb", "-", "-", "10000", "-"},
+      {"1k", "-", "-", "-", "-"},
+      {"15 EiB", "-", "-", "17293822569102704640", "-"},
+      {"16EiB", "-", "-", "-", "-"},
+      {"-1B", "-", "-", "-", "-"},
+      {"250ms", "-", "-", "-", "250000000"},
+      {"2\th", "-", "-", "-", "7200000000000"},
+      {"1 min 30 s", "-", "-", "-", "-"},
+      {"9223372036s", "-", "-", "-", "9223372036000000000"},
+      {"9223372037s", "-", "-", "-", "-"},
+      {"0 d", "-", "-", "-", "0"},
+      {"", "-", "-", "-", "-"},
+      {" ", "-", "-", "-", "-"},
+  };
+  for (const auto& [value, boolean, integer, bytes, duration] : cases) {
+    SCOPED_TRACE(value);
+    ValueReader reader(SnapshotOf("[a]\nx=" + std::string(value) + '\n'));
+    auto shown = [&reader, problems = std::size_t{0}](const std::string& text) mutable {
+      const bool is_right = reader.problems().size() == problems;
+      problems = reader.problems().size();
+      return is_right ? text : "-";
+    };
+    EXPECT_EQ(shown(reader.Boolean("A", "X", false) ? "true" : "false"), boolean);
+    EXPECT_EQ(shown(std::to_string(reader.Integer("a", "x"))), integer);
+    EXPECT_EQ(shown(std::to_string(reader.Bytes("a", "x", 7))), bytes);
+    EXPECT_EQ(shown(std::to_string(reader.Duration("a", "x", nanoseconds(7)).count())), duration);
+  }
+}
+
+TEST(ValueReader, SaysWhatIsWrongAndWhere) {
+  const Snapshot snapshot = SnapshotOf(
+      "[Server]\nthreds = 4\n  port = 99999\nport2 = x\n[Other]\nz=1\nl=a, ,b\nk= a ,b\n");
+  ValueReader reader(snapshot);
+  EXPECT_EQ(reader.Integer("server", "threads"), 0);
+  EXPECT_EQ(reader.Integer("server", "port", 80, {1, 65535}), 80);
+  EXPECT_EQ(reader.Integer("server", "port2", 81), 81);
+  EXPECT_EQ(reader.Text("servr", "x"), "");
+  EXPECT_EQ(reader.Text("none", "of these"), "");
+  EXPECT_EQ(reader.Text("other", "y", "fallback"), "fallback");
+  EXPECT_EQ(reader.Bytes("none", "b", 5), 5U);
+  EXPECT_TRUE(reader.List("other", "l").empty());
+  EXPECT_EQ(reader.List("other", "k"), (std::vector<std::string_view>{"a", "b"}));
+  reader.Refuse("other", "z", "this is odd", "make it even");
+  reader.ReportUnknownOptions();
+  EXPECT_EQ(
+      Messages(reader.problems()),
+      "f:1:2: there is no option \"threads\" in section \"server\" // did you mean \"threds\"?\n"
+      "f:3:10: the number is out of range // write a number from 1 to 65535\n"
+      "f:4:9: the value is not a whole number // write a number from -9223372036854775808 to "
+      "9223372036854775807\n"
+      "f: there is no option \"x\" in section \"servr\" // did you mean \"Server\"?\n"
+      "f: there is no option \"of these\" in section \"none\" // add \"of these = ...\" to "
+      "section [none]\n"
+      "f:7:3: a part of the list is empty // write one comma between two parts\n"
+      "f:6:3: this is odd // make it even\n"
+      "warning: f:2:1: option \"threds\" in section \"Server\" is not known // did you mean "
+      "\"threads\"?\n");
+}
+
+}  // namespace
+}  // namespace quarry::settings
