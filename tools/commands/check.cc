@@ -63,7 +63,8 @@ ExitStatus ExitStatusFor(const Totals& totals, bool strict) {
 
 ExitStatus RunCheck(const CheckRequest& request) {
   if (request.no_key && request.program != Program::kAgent) {
-    throw ToolError(kExitUsage, "--no-key requires --as agent", "a client has no key");
+    throw ToolError(kExitUsage, "--no-key requires --as agent",
+                    "only an agent has a key; see: quarry-config check --help");
   }
   ProgramCheckOptions options;
   options.mention_absent = request.strict;

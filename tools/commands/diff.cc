@@ -201,6 +201,7 @@ ExitStatus CompareWithBase(const DiffRequest& request) {
 }
 
 ExitStatus RunDiff(const DiffRequest& request) {
+  RequireNames(request.ignored);
   std::vector<std::string> all = request.files;
   if (request.base) all.push_back(*request.base);
   RequireOneStandardInput(all);

@@ -6,6 +6,12 @@
 
 namespace quarry::tool {
 
+void RequireNames(const std::vector<std::string>& names) {
+  if (std::find(names.begin(), names.end(), "") == names.end()) return;
+  throw ToolError(kExitUsage, "the name of a section or option is empty",
+                  "is a variable of the command line not set?");
+}
+
 void RequireOneStandardInput(const std::vector<std::string>& files) {
   if (std::count(files.begin(), files.end(), "-") < 2) return;
   throw ToolError(kExitUsage, "standard input cannot be two files", "give the name of one of them");

@@ -12,6 +12,9 @@
 
 namespace quarry::tool {
 
+// Throws ToolError (kExitUsage) for an empty name, which an unset variable of a script becomes.
+void RequireNames(const std::vector<std::string>& names);
+
 // Throws ToolError (kExitUsage) when two of the files are standard input, which can be read once.
 void RequireOneStandardInput(const std::vector<std::string>& files);
 

@@ -1,5 +1,7 @@
 // quarry-config survey
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <map>
 #include <optional>
@@ -157,15 +159,15 @@ std::string Survey::Json() const {
   return JsonText(json);
 }
 
-// A name that begins with a NUL would be the same as an empty one, which names nothing.
-void RequireNames(const SurveyRequest& request) {
-  if (!request.section.empty() && !request.option.empty()) return;
-  throw ToolError(kExitUsage, "the name of a section or option is empty",
-                  "is a variable of the command line not set?");
+// Other commands have the file first.
+void HintAtOrder(const SurveyRequest& request) {
+  if (access(request.section.c_str(), F_OK) != 0) return;
+  WriteDiagnostics({Message("the first argument is the section, not the file " + request.section,
+                            "write: quarry-config survey SECTION OPTION FILE...")});
 }
 
 ExitStatus RunSurvey(const SurveyRequest& request) {
-  RequireNames(request);
+  RequireNames({request.section, request.option});
   RequireOneStandardInput(request.files);
   Survey survey(request);
   Progress progress("files read", request.files.size());
@@ -174,6 +176,7 @@ ExitStatus RunSurvey(const SurveyRequest& request) {
       [&](const std::string& file, const settings::Error& error) {
         survey.AddFailure(file, error);
       });
+  if (failed == request.files.size()) HintAtOrder(request);
   WriteStandardOutput(survey.Report());
   if (failed > 0) return kExitFailed;
   return survey.HasValue() ? kExitDone : kExitNo;
