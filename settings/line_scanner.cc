@@ -42,6 +42,16 @@ bool SameName(std::string_view one, std::string_view other) noexcept {
                     [](char left, char right) { return FoldedByte(left) == FoldedByte(right); });
 }
 
+bool IsNameBefore(std::string_view one, std::string_view other) noexcept {
+  one = BeforeNul(one);
+  other = BeforeNul(other);
+  return std::lexicographical_compare(one.begin(), one.end(), other.begin(), other.end(),
+                                      [](char left, char right) {
+                                        return static_cast<unsigned char>(FoldedByte(left)) <
+                                               static_cast<unsigned char>(FoldedByte(right));
+                                      });
+}
+
 LineFault ScannedLine::fault() const {
   return kind == LineKind::kHeader ? header.fault : option.fault;
 }

@@ -25,8 +25,10 @@ std::string_view WithoutTrailingBlanks(std::string_view text);
 // The text with the letters A to Z in lower case.
 std::string Folded(std::string_view text);
 
-// Whether the two names are the same section or option.
+// Whether the two names are the same section or option, and whether one comes before another in the
+// order of StringCaseCmp.
 bool SameName(std::string_view one, std::string_view other) noexcept;
+bool IsNameBefore(std::string_view one, std::string_view other) noexcept;
 
 // All views are into the text.
 struct ScannedLine {

@@ -16,10 +16,12 @@ constexpr std::size_t kMaxNameBytes = 100;  // nobody types longer ones
 // The least number of bytes to insert, delete, replace or swap with the next
 // one (optimal string alignment).
 std::size_t EditDistance(const std::string& left, const std::string& right) {
-  std::vector<std::size_t> before_last, last, row(right.size() + 1);
+  const std::size_t columns = right.size() + 1;
+  std::vector<std::size_t> before_last(columns), last(columns), row(columns);
   std::iota(row.begin(), row.end(), std::size_t{0});
   for (std::size_t i = 1; i <= left.size(); ++i) {
-    before_last = std::exchange(last, row);
+    before_last.swap(last);
+    last.swap(row);
     row[0] = i;
     for (std::size_t j = 1; j <= right.size(); ++j) {
       const std::size_t replaced = last[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
@@ -46,13 +48,21 @@ std::size_t Distance(const std::string& left, const std::string& right, std::siz
   return difference > max_distance ? difference : EditDistance(left, right);
 }
 
+std::size_t MaxDistance(std::string_view wanted) { return 1 + wanted.size() / 4; }
+
 }  // namespace
+
+bool IsSpelledLike(std::string_view wanted, std::string_view name) {
+  const std::size_t max_distance = MaxDistance(wanted);
+  return wanted.size() <= kMaxNameBytes && name.size() <= kMaxNameBytes &&
+         Distance(Folded(wanted), Folded(name), max_distance) <= max_distance;
+}
 
 std::vector<std::string> SuggestNames(const std::string& wanted,
                                       const std::list<std::string>& names) {
   if (wanted.size() > kMaxNameBytes) return {};
   const std::string folded = Folded(wanted);
-  const std::size_t max_distance = 1 + wanted.size() / 4;
+  const std::size_t max_distance = MaxDistance(wanted);
   std::vector<std::pair<std::size_t, std::string>> near;
   for (const std::string& name : names) {
     if (name.size() > kMaxNameBytes) continue;

@@ -4,9 +4,13 @@
 
 #include <list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quarry::settings {
+
+// Whether `name` is spelled much like `wanted`. Letter case does not count.
+bool IsSpelledLike(std::string_view wanted, std::string_view name);
 
 // Returns at most three of `names` that are spelled much like `wanted`, the nearest first. Letter
 // case does not count.

@@ -18,8 +18,11 @@ constexpr std::string_view kSeparators = " \t=:\"'";
 constexpr std::string_view kAfterNames = " \t=:\"'>|";  // "<password>x", "password|x"
 constexpr std::string_view kBeforeNames = " \t\r=:\"'>|";
 
-std::string PasswordName() {
-  return ::storage::config::EntryName(::storage::config::kEntryPassword);
+// Folded.
+const std::string& PasswordName() {
+  static const std::string kName =
+      settings::Folded(::storage::config::EntryName(::storage::config::kEntryPassword));
+  return kName;
 }
 
 // All names and lines below are folded.
@@ -27,7 +30,7 @@ std::string PasswordName() {
 // The end of the first word in the line that ends in the name of the password; npos when there is
 // none.
 std::size_t EndOfPasswordName(const std::string& line) {
-  const std::string name = settings::Folded(PasswordName());
+  const std::string& name = PasswordName();
   for (std::size_t at = 0; (at = line.find(name, at)) != std::string::npos; ++at) {
     const std::size_t end = at + name.size();
     if (end == line.size() || kAfterNames.find(line[end]) != std::string::npos) return end;
@@ -35,9 +38,9 @@ std::size_t EndOfPasswordName(const std::string& line) {
   return std::string::npos;
 }
 
-bool IsUsualForSecrets(const std::string& name) {
+bool IsUsualForSecrets(std::string_view name) {
   for (const char* part : {"passw", "secret", "token"}) {
-    if (name.find(part) != std::string::npos) return true;
+    if (name.find(part) != std::string_view::npos) return true;
   }
   constexpr std::string_view kEnd = "pwd";
   return name.size() >= kEnd.size() &&
@@ -45,31 +48,31 @@ bool IsUsualForSecrets(const std::string& name) {
 }
 
 // Where option names may begin: in "[a] x = 1", after the header.
-std::size_t BeginOfNames(const std::string& text) {
+std::size_t BeginOfNames(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBeforeNames);
-  if (first == std::string::npos || text[first] != '[') return first;
+  if (first == std::string_view::npos || text[first] != '[') return first;
   const std::size_t close = text.find(']', first);
-  return close == std::string::npos ? first : close + 1;
+  return close == std::string_view::npos ? first : close + 1;
 }
 
 // The end of the first word before the first "=" for which `is_name(word, offset)` is true; npos
 // when there is none. Offsets count from where names may begin.
 template <typename IsName>
-std::size_t EndOfName(const std::string& line, IsName is_name) {
-  const std::string text = line.substr(0, line.find('='));
+std::size_t EndOfName(std::string_view line, IsName is_name) {
+  const std::string_view text = line.substr(0, line.find('='));
   const std::size_t first = BeginOfNames(text);
   for (std::size_t begin = first;;) {
     begin = text.find_first_not_of(kBeforeNames, begin);
-    if (begin == std::string::npos) return begin;
+    if (begin == std::string_view::npos) return begin;
     const std::size_t end = std::min(text.find_first_of(kAfterNames, begin), text.size());
     if (is_name(text.substr(begin, end - begin), begin - first)) return end;
     begin = end;
   }
 }
 
-bool IsMisspelledPassword(const std::string& name, std::size_t offset) {
+bool IsMisspelledPassword(std::string_view name, std::size_t offset) {
   constexpr std::size_t kSpellingChecked = 1000;  // what comes later in a line is a value
-  return offset < kSpellingChecked && !settings::SuggestNames(name, {PasswordName()}).empty();
+  return offset < kSpellingChecked && settings::IsSpelledLike(name, PasswordName());
 }
 
 std::size_t EndOfPassword(const std::string& line) {
@@ -113,9 +116,7 @@ std::size_t FindPassword(std::string_view line) {
 
 std::size_t FindSecret(std::string_view line) {
   const std::string folded = settings::Folded(line);
-  const auto is_usual = [](const std::string& name, std::size_t) {
-    return IsUsualForSecrets(name);
-  };
+  const auto is_usual = [](std::string_view name, std::size_t) { return IsUsualForSecrets(name); };
   return AfterName(line, std::min(EndOfPassword(folded), EndOfName(folded, is_usual)));
 }
 

@@ -20,6 +20,7 @@
 namespace quarry::tool {
 
 using settings::Document;
+using settings::Snapshot;
 
 namespace {
 
@@ -40,17 +41,32 @@ std::string NamesText(const ListRequest& request, Document* document) {
   return text;
 }
 
-std::string OriginText(const std::list<std::string>& sections, bool show_secrets,
-                       Document* document) {
-  const settings::OriginMap origins = settings::FindOrigins(document->text());
-  const std::string file = EscapeForTerminal(InputName(document->file()));
+// The options in the order of their names.
+std::vector<const settings::Option*> SortedOptions(
+    const settings::Range<settings::Option>& options) {
+  std::vector<const settings::Option*> sorted;
+  sorted.reserve(options.size());
+  for (const settings::Option& option : options) sorted.push_back(&option);
+  std::sort(sorted.begin(), sorted.end(), [](const auto* left, const auto* right) {
+    return settings::IsNameBefore(left->name, right->name);
+  });
+  return sorted;
+}
+
+// Every option of the file with its line, or those of one section.
+std::string OriginText(const ListRequest& request, const Snapshot& snapshot,
+                       const std::optional<std::string>& section_name) {
+  const std::string file = EscapeForTerminal(InputName(snapshot.name()));
   std::string text;
-  for (const std::string& section : sections) {
-    for (const auto& [name, stored] : document->Record(section).option_map) {
-      const std::string value = show_secrets ? stored.value : RedactedValue(name, stored.value);
-      text += file + ':' + std::to_string(origins.at(section).options.at(name).number) + ": [" +
-              EscapeForTerminal(section) + "] " + EscapeForTerminal(name) + " = " +
-              EscapeForTerminal(value) + '\n';
+  for (const settings::Section& section : snapshot.sections()) {
+    if (section_name && !settings::SameName(section.name, *section_name)) continue;
+    const std::string header = ": [" + EscapeForTerminal(section.name) + "] ";
+    for (const settings::Option* option : SortedOptions(snapshot.options(section))) {
+      const std::string name(option->name), value(option->value);
+      text.append(file).append(1, ':').append(std::to_string(option->line)).append(header);
+      text.append(EscapeForTerminal(name)).append(" = ");
+      text.append(EscapeForTerminal(request.show_secrets ? value : RedactedValue(name, value)));
+      text += '\n';
     }
   }
   return text;
@@ -64,7 +80,8 @@ ExitStatus ListFile(const ListRequest& request, Document document) {
   if (request.json) {
     WriteStandardOutput(DocumentJson(sections, request.origin, &document));
   } else if (request.origin) {
-    WriteStandardOutput(OriginText(sections, request.show_secrets, &document));
+    WriteStandardOutput(
+        OriginText(request, OpenSnapshot(document.file(), document.text()), request.section));
   } else {
     WriteStandardOutput(NamesText(request, &document));
   }
@@ -83,11 +100,12 @@ ExitStatus ListFiles(const ListRequest& request, std::optional<std::string> firs
       files, &progress,
       [&](const std::string& file) {
         const auto read_before = std::exchange(first_text, std::nullopt);
-        Document document = OpenDocument(file, read_before ? *read_before : ReadInput(file));
+        const std::string read = read_before ? *read_before : ReadInput(file);
         if (request.json) {
+          Document document = OpenDocument(file, read);
           json["files"].push_back(DocumentEntry(document.Sections(), true, &document));
         } else {
-          text += OriginText(document.Sections(), request.show_secrets, &document);
+          text += OriginText(request, OpenSnapshot(file, read), std::nullopt);
         }
       },
       [&](const std::string& file, const settings::Error& error) {

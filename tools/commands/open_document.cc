@@ -58,6 +58,13 @@ Document OpenDocument(const std::string& file, std::string text) {
   }
 }
 
+settings::Snapshot OpenSnapshot(const std::string& file, const std::string& text) {
+  std::vector<settings::Problem> problems;
+  auto snapshot = settings::Snapshot::Parse(file, text, &problems);
+  if (!snapshot) ThrowErrorsIn(text, file);
+  return *snapshot;
+}
+
 void ThrowErrorsIn(const std::string& text, const std::string& file) {
   std::vector<settings::Finding> findings = CheckForProgram(text, file, Program::kNone);
   const auto is_warning = [](const settings::Finding& finding) { return !finding.IsError(); };

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "settings/document.h"
+#include "settings/snapshot.h"
 
 namespace quarry::tool {
 
@@ -14,6 +15,9 @@ settings::Document OpenDocument(const std::string& file);
 
 // The same for a text that has been read already.
 settings::Document OpenDocument(const std::string& file, std::string text);
+
+// The same as a snapshot, for commands that only read values and their lines.
+settings::Snapshot OpenSnapshot(const std::string& file, const std::string& text);
 
 // Throws ToolError (kExitFailed) with all errors that check finds in a text that is not valid.
 [[noreturn]] void ThrowErrorsIn(const std::string& text, const std::string& file);

@@ -35,6 +35,8 @@ bool IsSafeToPrint(char32_t code) {
   return range == std::end(kUnsafeToPrint) || code < range->first;
 }
 
+bool IsPrintableAscii(char c) { return c >= ' ' && c <= '~'; }
+
 std::string Escaped(char c) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   const auto byte = static_cast<unsigned char>(c);
@@ -152,6 +154,7 @@ Window WindowAround(std::string_view line, std::size_t offset, Margins margins) 
 }  // namespace
 
 std::string EscapeForTerminal(std::string_view text) {
+  if (std::all_of(text.begin(), text.end(), IsPrintableAscii)) return std::string(text);
   std::string shown;
   while (!text.empty()) {
     const DisplayUnit unit = FirstDisplayUnit(text);
