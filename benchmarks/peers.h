@@ -14,6 +14,7 @@
 
 #include <boost/property_tree/ini_parser.hpp>
 #include <boost/property_tree/ptree.hpp>
+#include <cstdlib>
 #include <fstream>
 #include <list>
 #include <memory>
@@ -64,10 +65,12 @@ struct Ours {
   }
   static std::string DumpString(Model* model) {
     std::ostringstream out;
-    File("", "").DumpConfig(&out, model);
+    if (File("", "").DumpConfig(&out, model) != 0) std::abort();
     return out.str();
   }
-  static void DumpFile(Model* model, const std::string& path) { File("", path).DumpConfig(model); }
+  static void DumpFile(Model* model, const std::string& path) {
+    if (File("", path).DumpConfig(model) != 0) std::abort();
+  }
 };
 
 struct SimpleIni {

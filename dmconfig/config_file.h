@@ -59,7 +59,7 @@ class QUARRY_EXPORT DMConfigFile {
   // Reads the file named `input_file` into `*config`, which is emptied first. The file is open
   // during the call only; a pipe will do. Returns what the second form returns, -4 when the file
   // cannot be opened, and -1 also when the name is empty (the model is unchanged then).
-  int LoadConfig(DMConfig* config);
+  [[nodiscard]] int LoadConfig(DMConfig* config);
 
   // Reads `*in`, from its current position to its end, into `*config`, which is emptied first. Both
   // are borrowed; the stream's own code must not use the model meanwhile. Returns (names in
@@ -87,13 +87,13 @@ class QUARRY_EXPORT DMConfigFile {
   //
   // Throws only what the stream (when its exception mask is set) or an allocation throws; the model
   // then holds what was stored before.
-  int LoadConfig(std::istream* in, DMConfig* config);
+  [[nodiscard]] int LoadConfig(std::istream* in, DMConfig* config);
 
   // Writes the model to the file named `output_file`, which is truncated or created. Returns what
   // the second form returns, -4 when the file cannot be opened, and -1 also when the name is empty;
   // for an empty file name or a null pointer no file is touched. The file is overwritten in place:
   // where it must never be half written, write to another one and rename that.
-  int DumpConfig(DMConfig* model);
+  [[nodiscard]] int DumpConfig(DMConfig* model);
 
   // Writes the model to `*out` at its current position, and flushes after every line. Both are
   // borrowed; the model is not changed. A model that has many lines is written faster to a
@@ -114,7 +114,7 @@ class QUARRY_EXPORT DMConfigFile {
   //   "Failed to get value for option: "             the option's
   //
   // Throws only what the stream (when its exception mask is set) or an allocation throws.
-  int DumpConfig(std::ostream* out, DMConfig* model);
+  [[nodiscard]] int DumpConfig(std::ostream* out, DMConfig* model);
 
  private:
   std::string input_file_;

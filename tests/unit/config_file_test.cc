@@ -25,7 +25,7 @@ TEST(LoadConfig, UsesAStreamAsGetlineDoes) {
   in.tie(&tied);
   in.exceptions(std::ios::eofbit);
   DMConfig model;
-  EXPECT_THROW(DMConfigFile("", "").LoadConfig(&in, &model), std::ios::failure);
+  EXPECT_THROW((void)DMConfigFile("", "").LoadConfig(&in, &model), std::ios::failure);
   EXPECT_EQ(Render(&model), "s{a=1}");
   EXPECT_EQ(output.flushes, 3);
 }
