@@ -1,6 +1,9 @@
 # quarry_shared_library(NAME): sets the properties that both shared libraries have in common.
 function(quarry_shared_library name)
   set(map ${PROJECT_SOURCE_DIR}/cmake/${name}.map)
+  quarry_public_headers(${name})
+  # First, because a host's folders may have headers of the same names.
+  target_include_directories(${name} BEFORE PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_features(${name} PUBLIC cxx_std_17)
   target_compile_options(${name} PRIVATE -fno-semantic-interposition)
   target_link_libraries(${name}
@@ -16,4 +19,22 @@ function(quarry_shared_library name)
   if(NOT QUARRY_SANITIZE AND QUARRY_PLATFORM STREQUAL "local")
     target_link_options(${name} PRIVATE -Wl,-z,defs)
   endif()
+endfunction()
+
+# quarry_public_headers(NAME): users of the target in this build see the headers of its file set and
+# no others, as users of the installed tree do: by links in a folder of the build.
+function(quarry_public_headers name)
+  set(folder ${PROJECT_BINARY_DIR}/include)
+  get_target_property(headers ${name} HEADER_SET)
+  foreach(header IN LISTS headers)
+    cmake_path(ABSOLUTE_PATH header)
+    cmake_path(RELATIVE_PATH header BASE_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE link)
+    set(link ${folder}/${link})
+    cmake_path(GET link PARENT_PATH parent)
+    file(MAKE_DIRECTORY ${parent})
+    file(CREATE_LINK ${header} ${link} SYMBOLIC)
+  endforeach()
+  # Replaces the base folder of the file set, which is all of the source tree.
+  set_target_properties(${name} PROPERTIES
+    INTERFACE_INCLUDE_DIRECTORIES $<BUILD_INTERFACE:${folder}>)
 endfunction()

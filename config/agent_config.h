@@ -67,9 +67,9 @@
 #include <memory>
 #include <string>
 
-#include "dmconfig/config.h"
-#include "platform/export.h"
-#include "platform/lib_metab_interface.h"
+#include "../dmconfig/config.h"
+#include "../platform/export.h"
+#include "../platform/lib_metab_interface.h"
 
 namespace storage::config {
 

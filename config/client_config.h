@@ -12,8 +12,8 @@
 
 #include <string>
 
-#include "dmconfig/config.h"
-#include "platform/export.h"
+#include "../dmconfig/config.h"
+#include "../platform/export.h"
 
 namespace storage::config {
 

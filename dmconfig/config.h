@@ -34,8 +34,8 @@
 #include <string>
 #include <string_view>
 
-#include "dmconfig/string_case_cmp.h"
-#include "platform/export.h"
+#include "../platform/export.h"
+#include "string_case_cmp.h"
 
 namespace quarry::storage::dmconfig {
 

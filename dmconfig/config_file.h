@@ -38,8 +38,8 @@
 #include <iosfwd>
 #include <string>
 
-#include "dmconfig/config.h"
-#include "platform/export.h"
+#include "../platform/export.h"
+#include "config.h"
 
 namespace quarry::storage::dmconfig {
 

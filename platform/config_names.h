@@ -7,7 +7,7 @@
 
 #include <cstddef>
 
-#include "platform/export.h"
+#include "export.h"
 
 extern "C" {
 // The string table of section names.

@@ -10,7 +10,7 @@
 #include <memory>
 #include <sstream>
 
-#include "platform/export.h"
+#include "export.h"
 
 // A status of the core runtime; 0 is success.
 using cr_status_t = std::int32_t;

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/cr_runtime.h"
-#include "platform/export.h"
+#include "cr_runtime.h"
+#include "export.h"
 
 namespace storage::utils {
 

@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "platform/export.h"
-#include "platform/lib_metab_interface.h"
+#include "../export.h"
+#include "../lib_metab_interface.h"
 
 // What LocalMetab::GetRoutingTables returns when the ledger URL does not have the form
 // "file://FOLDER". The constants below are its other failures.

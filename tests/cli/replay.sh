@@ -38,7 +38,7 @@ add_program() { # NAME COMMAND
 mkdir -m 755 "$work/here" "$work/bin"
 [ -z "${QUARRY_RUN:-}" ] || add_program quarry-config "exec $QUARRY_RUN '$build/quarry-config' \"\$@\""
 if [ -e "$build/libquarry_config.so" ]; then # what is installed has these already
-  add_program pkg-config "echo '-I$root -L$build -lquarry_config -lquarry_platform'"
+  add_program pkg-config "echo '-I$build/include -L$build -lquarry_config -lquarry_platform'"
   cp -r "$root/examples" "$work/here"
 fi
 cd "$work/here" || exit 1

@@ -21,10 +21,18 @@ expect() { # WANTED COMMAND...
 }
 consumer() { # FOLDER CXX CC PREFIX [CMAKE-ARGUMENT...]
   run cmake -S "$root/tests/package/consumer" -B "$1" -DCMAKE_CXX_COMPILER="$2" -DCMAKE_C_COMPILER="$3" \
-    -DCMAKE_PREFIX_PATH="$4" "${@:5}"
+    -DCMAKE_PREFIX_PATH="$4" -DHOST_HEADERS="$work/host-headers" "${@:5}"
   run cmake --build "$1"
 }
 compilers=('g++ gcc' 'clang++ clang')
+
+# The host has headers with the names of ours, searched first; only its own code may include them.
+mapfile -t headers < <(cd "$root" && find config dmconfig platform settings -name '*.h')
+for header in "${headers[@]}"; do
+  grep -qF "\"$header\"" "$root"/{tests/package/consumer/main,platform/local/cr_errno_exception}.cc && continue
+  mkdir -p "host-headers/${header%/*}"
+  echo "#error the host's $header was included" >"host-headers/$header"
+done
 
 run cmake --install "$build" --prefix "$work/first"
 mkdir elsewhere
@@ -50,9 +58,14 @@ for compiler in "${compilers[@]}"; do
   read -r cxx cc <<<"$compiler"
   consumer "by-cmake-$cc" "$cxx" "$cc" "$prefix"
   expect "$started" "by-cmake-$cc/consumer" agent.conf
-  "$cxx" -std=c++17 -Wall -Werror "$root/tests/package/consumer/main.cc" "${flags[@]}" -o "by-pkg-config-$cc"
+  "$cxx" -std=c++17 -Wall -Werror -Ihost-headers "$root/tests/package/consumer/main.cc" "${flags[@]}" -o "by-pkg-config-$cc"
   expect "$started" env LD_LIBRARY_PATH="$prefix/lib" "./by-pkg-config-$cc" agent.conf
 done
+
+consumer subdirectory g++ gcc /nowhere -DQUARRY_SOURCES="$root"
+expect "$started" subdirectory/consumer agent.conf
+expect "-I$work/host-headers -I$work/subdirectory/quarry/include" \
+  sed -n 's/^CXX_INCLUDES = //p' subdirectory/CMakeFiles/consumer.dir/flags.make
 
 # A host's own platform library, and a distribution's own folders and flags.
 run env CXXFLAGS='-O2 -Wp,-D_FORTIFY_SOURCE=3' cmake -S "$root" -B external -DQUARRY_PLATFORM=external \
