@@ -52,7 +52,7 @@ sealed=$(printf secret | "$tool" seal .)
 sed "s|^key_dir = .*|key_dir = .|; s|^password = .*|password = $sealed|" \
   "$prefix/share/doc/quarry-config/examples/agent.conf" >agent.conf
 started="$("$tool" get agent.conf CR login):secret asks $("$tool" get agent.conf Ledger url)
-agent $("$tool" get agent.conf Agent numeric_option)"
+agent $("$tool" get agent.conf Agent numeric_option) of \"agent.conf\""
 read -ra flags <<<"$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs quarry-config)"
 for compiler in "${compilers[@]}"; do
   read -r cxx cc <<<"$compiler"
@@ -80,9 +80,9 @@ for compiler in "${compilers[@]}"; do
   read -r cxx cc <<<"$compiler"
   consumer "host-$cc" "$cxx" "$cc" "$work/host-lib/lib64/cmake" \
     -DPLATFORM_SOURCES="$root/tests/package/consumer/host_platform.c;$root/platform/local/cr_errno_exception.cc"
-  expect $'me:secret asks tables\nagent 7' "host-$cc/consumer" host.conf
+  expect $'me:secret asks tables\nagent 7 of "host.conf"' "host-$cc/consumer" host.conf
   expect 'Unable to get the CR login from config file (status 4)' "host-$cc/consumer" agent.conf
 done
 read -ra flags <<<"$(PKG_CONFIG_PATH=$work/host-lib/lib64/pkgconfig pkg-config --cflags --libs quarry-config)"
 run g++ -std=c++17 "$root/tests/package/consumer/main.cc" "${flags[@]}" -Lhost-gcc -lhost_platform -o host-by-pkg-config
-expect $'me:secret asks tables\nagent 7' env LD_LIBRARY_PATH="$work/host-lib/lib64:host-gcc" ./host-by-pkg-config host.conf
+expect $'me:secret asks tables\nagent 7 of "host.conf"' env LD_LIBRARY_PATH="$work/host-lib/lib64:host-gcc" ./host-by-pkg-config host.conf

@@ -26,7 +26,8 @@ int main(int /*argc*/, char** argv) {
   const auto metab = std::make_shared<Metab>();
   try {
     const storage::config::AgentCfg agent(metab, argv[1]);
-    std::cout << "agent " << agent.numeric_option() << '\n';
+    std::cout << "agent " << agent.numeric_option() << " of " << agent.config_path().filename()
+              << '\n';
   } catch (const Cr_ErrnoException& error) {
     std::cout << error.what() << " (status " << error.status() << ")\n";
   }
