@@ -67,6 +67,13 @@ expect "$started" subdirectory/consumer agent.conf
 expect "-I$work/host-headers -I$work/subdirectory/quarry/include" \
   sed -n 's/^CXX_INCLUDES = //p' subdirectory/CMakeFiles/consumer.dir/flags.make
 
+run_fails() { # MESSAGE COMMAND...
+  ! "${@:2}" >run.log 2>&1 || fail "succeeds: ${*:2}"
+  tr -s ' \n' ' ' <run.log | grep -qF "$1" || fail "$(cat run.log)"
+}
+run_fails 'not for Linux on aarch64' cmake -S "$root" -B aarch64 \
+  -DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR=aarch64
+
 # A host's own platform library, and a distribution's own folders and flags.
 run env CXXFLAGS='-O2 -Wp,-D_FORTIFY_SOURCE=3' cmake -S "$root" -B external -DQUARRY_PLATFORM=external \
   -DCMAKE_COMPILE_WARNING_AS_ERROR=ON -DCMAKE_INSTALL_PREFIX="$work/host" \
