@@ -1,15 +1,18 @@
-# What is installed, and how programs find it. The installed tree is relocatable.
+# What is installed, and how programs find it. The installed tree is relocatable. The components are
+# runtime (the shared libraries), devel (what programs are built with) and tool (quarry-config).
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/quarry_config)
 file(RELATIVE_PATH headers_dir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCLUDEDIR}/quarry)
 
 install(TARGETS quarry_config quarry_platform EXPORT quarry_configTargets
-  FILE_SET HEADERS DESTINATION ${headers_dir}
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT devel
+  FILE_SET HEADERS DESTINATION ${headers_dir} COMPONENT devel
   INCLUDES DESTINATION ${headers_dir}) # for users with CMake before 3.23, which has no file sets
 
 # For CMake: find_package(quarry_config CONFIG), quarry::config, quarry::platform.
-install(EXPORT quarry_configTargets NAMESPACE quarry:: DESTINATION ${package_dir})
+install(EXPORT quarry_configTargets NAMESPACE quarry:: DESTINATION ${package_dir}
+  COMPONENT devel)
 configure_package_config_file(cmake/quarry_config-config.cmake.in
   ${PROJECT_BINARY_DIR}/quarry_config-config.cmake INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/quarry_config-config-version.cmake
@@ -17,7 +20,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/quarry_config-config-vers
 install(FILES
   ${PROJECT_BINARY_DIR}/quarry_config-config.cmake
   ${PROJECT_BINARY_DIR}/quarry_config-config-version.cmake
-  DESTINATION ${package_dir})
+  DESTINATION ${package_dir} COMPONENT devel)
 
 # For pkg-config, which sets pcfiledir to the folder of the .pc file. An installation in /usr is not
 # relocated, and with the plain prefix pkg-config leaves out the compiler's default paths.
@@ -32,13 +35,15 @@ if(QUARRY_PLATFORM STREQUAL "local")
   set(platform_library " -lquarry_platform")
 endif()
 configure_file(cmake/quarry-config.pc.in ${PROJECT_BINARY_DIR}/quarry-config.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/quarry-config.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/quarry-config.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT devel)
 
 if(NOT QUARRY_BUILD_TOOL)
   return()
 endif()
 file(RELATIVE_PATH to_libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 set_target_properties(quarry-config PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME tool)
 install(TARGETS quarry-config)
 install(FILES ${PROJECT_BINARY_DIR}/completions/quarry-config.bash RENAME quarry-config
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)

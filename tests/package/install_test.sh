@@ -24,6 +24,9 @@ consumer() { # FOLDER CXX CC PREFIX [CMAKE-ARGUMENT...]
     -DCMAKE_PREFIX_PATH="$4" -DHOST_HEADERS="$work/host-headers" "${@:5}"
   run cmake --build "$1"
 }
+component() { # NAME
+  cmake --install "$build" --prefix "$work/parts" --component "$1" >/dev/null
+}
 compilers=('g++ gcc' 'clang++ clang')
 
 # The host has headers with the names of ours, searched first; only its own code may include them.
@@ -39,6 +42,13 @@ mkdir elsewhere
 mv first elsewhere/moved
 prefix=$work/elsewhere/moved
 tool=$prefix/bin/quarry-config
+component runtime
+[ "$(cd parts && find . -type l | sort | xargs)" = './lib/libquarry_config.so.0 ./lib/libquarry_platform.so.0' ] ||
+  fail "the component runtime is $(find parts)"
+component devel
+[ ! -e parts/bin ] || fail 'the program is in a component for builds'
+component tool
+diff <(cd parts && find . | sort) <(cd "$prefix" && find . | sort) || fail 'the components are not everything'
 "$tool" --version | grep -F "$prefix/lib/libquarry_platform.so.0" >/dev/null || fail 'the program takes other libraries'
 ldd "$prefix/lib/libquarry_config.so" | grep -F "$prefix/lib/libquarry_platform.so.0" >/dev/null ||
   fail 'the library does not find the other one beside it'
