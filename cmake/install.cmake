@@ -5,8 +5,20 @@ include(GNUInstallDirs)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/quarry_config)
 file(RELATIVE_PATH headers_dir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCLUDEDIR}/quarry)
 
+# What programs need besides quarry_config: our platform library, unless the host has its own, and
+# what that requires in turn when it is static.
+set(platform_library "")
+set(requires "")
+if(QUARRY_PLATFORM STREQUAL "local")
+  set(platform_library " -lquarry_platform")
+endif()
+if(platform_library AND QUARRY_LIBRARY_TYPE STREQUAL "STATIC")
+  set(requires libsodium)
+endif()
+
 install(TARGETS quarry_config quarry_platform EXPORT quarry_configTargets
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT devel
+  ARCHIVE COMPONENT devel
   FILE_SET HEADERS DESTINATION ${headers_dir} COMPONENT devel
   INCLUDES DESTINATION ${headers_dir}) # for users with CMake before 3.23, which has no file sets
 
@@ -30,10 +42,6 @@ if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   set(prefix "\${pcfiledir}/${prefix}")
 endif()
 file(RELATIVE_PATH libdir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBDIR})
-set(platform_library "")
-if(QUARRY_PLATFORM STREQUAL "local")
-  set(platform_library " -lquarry_platform")
-endif()
 configure_file(cmake/quarry-config.pc.in ${PROJECT_BINARY_DIR}/quarry-config.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/quarry-config.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT devel)

@@ -37,8 +37,8 @@ add_program() { # NAME COMMAND
 }
 mkdir -m 755 "$work/here" "$work/bin"
 [ -z "${QUARRY_RUN:-}" ] || add_program quarry-config "exec $QUARRY_RUN '$build/quarry-config' \"\$@\""
-if [ -e "$build/libquarry_config.so" ]; then # what is installed has these already
-  add_program pkg-config "echo '-I$build/include -L$build -lquarry_config -lquarry_platform'"
+if [ -e "$build/CMakeCache.txt" ]; then # what is installed has these already
+  add_program pkg-config "echo '-I$build/include -L$build -lquarry_config -lquarry_platform -lsodium'"
   cp -r "$root/examples" "$work/here"
 fi
 cd "$work/here" || exit 1

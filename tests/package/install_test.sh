@@ -72,10 +72,18 @@ for compiler in "${compilers[@]}"; do
   expect "$started" env LD_LIBRARY_PATH="$prefix/lib" "./by-pkg-config-$cc" agent.conf
 done
 
-consumer subdirectory g++ gcc /nowhere -DQUARRY_SOURCES="$root"
-expect "$started" subdirectory/consumer agent.conf
+# As part of another build, which installs static libraries for others.
+consumer subdirectory g++ gcc /nowhere -DQUARRY_SOURCES="$root" -DBUILD_SHARED_LIBS=OFF -DQUARRY_INSTALL=ON
 expect "-I$work/host-headers -I$work/subdirectory/quarry/include" \
   sed -n 's/^CXX_INCLUDES = //p' subdirectory/CMakeFiles/consumer.dir/flags.make
+run cmake --install subdirectory --prefix "$work/static"
+consumer static clang++ clang "$work/static"
+read -ra flags <<<"$(PKG_CONFIG_PATH=$work/static/lib/pkgconfig pkg-config --cflags --libs quarry-config)"
+run clang++ -std=c++17 "$root/tests/package/consumer/main.cc" "${flags[@]}" -o static-by-pkg-config
+for program in subdirectory/consumer static/consumer ./static-by-pkg-config; do
+  expect "$started" "$program" agent.conf
+  ! ldd "$program" | grep -F libquarry || fail "$program is not linked statically"
+done
 
 run_fails() { # MESSAGE COMMAND...
   ! "${@:2}" >run.log 2>&1 || fail "succeeds: ${*:2}"
