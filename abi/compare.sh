@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# compare.sh BUILD [--renew]: compares the interfaces of the built libraries with those kept in this
-# folder; with --renew keeps the new ones instead. Needs abigail-tools.
+# compare.sh BUILD [--renew]: compares the interfaces of the built libraries and the layouts of their
+# public types with those kept in this folder; with --renew keeps the new ones instead. Needs
+# abigail-tools and clang.
 set -euo pipefail
 build=$(realpath "$1")
 cd "$(dirname "$0")/.."
@@ -15,11 +16,13 @@ describe() { # LIBRARY FOLDER
 
 if [ "${2:-}" = --renew ]; then
   for library in "${libraries[@]}"; do describe "$library" abi; done
+  abi/layouts.sh "$build/include" >abi/layouts.txt
   echo '== abi/ now describes the libraries as built'
   exit
 fi
 echo '== comparing the interfaces with abi/'
 failed=0
+diff -u abi/layouts.txt <(abi/layouts.sh "$build/include") || failed=1
 for library in "${libraries[@]}"; do
   describe "$library" "$build"
   abidiff "abi/$library.abi" "$build/$library.abi" || failed=1
