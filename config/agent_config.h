@@ -35,9 +35,13 @@
 //   4       Unable to decrypt password from config file        none
 //   9       Lib Metab (ledgerd) weak_ptr has expired           none
 //   any     Unable to get the routing tables from ledgerd      text of the status
-// In PATH every '"' and '&' is preceded by '&'. When the file is missing or invalid, the reader has
-// written its message to std::cerr before (dmconfig/config_file.h). std::bad_alloc and whatever the
-// metabase service library throws pass through. Nothing is caught.
+// In PATH every '"' and '&' is preceded by '&'. std::bad_alloc and whatever the metabase service
+// library throws pass through. Nothing is caught.
+//
+// Before the first of these the reader writes a line to std::cerr when the file cannot be opened
+// and for some faults (dmconfig/config_file.h). It writes none for an option line without "=", for
+// "[x" and "[]", nor for a folder: PATH is then all that an agent's log says. "quarry-config check
+// PATH" shows the line of any fault.
 //
 // An AgentCfg is a value: it may be copied, moved, returned, and replaced by another one, as when
 // an agent reloads its file:

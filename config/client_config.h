@@ -23,8 +23,8 @@ class QUARRY_EXPORT ClientCfg {
   // Reads the setting from `text`: option "ingest_mode" in section "lynx", both in any letter case.
   // The mode is on when the value is exactly "on" and off when it is anything else ("ON", "on"
   // followed by a carriage return). A text without the option leaves the mode unchanged. Returns 0,
-  // or the reader's status for a text that it rejects (dmconfig/config_file.h), with its message on
-  // std::cerr; the mode is unchanged then. std::bad_alloc passes through.
+  // or the reader's status for a text that it rejects, some with a message on std::cerr
+  // (dmconfig/config_file.h); the mode is unchanged then. std::bad_alloc passes through.
   int SetCfg(const std::string& text);
 
   // The first step of SetCfg: parses `text` into the caller's `*model`, which is emptied first.

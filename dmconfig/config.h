@@ -26,6 +26,9 @@
 //
 // Threads: one thread at a time may use a DMConfig, for reading too, since a read may create a
 // section. Separate objects share nothing.
+//
+// Compile programs with the standard library's usual containers, as the library is: with
+// -D_GLIBCXX_DEBUG they differ, and the program does not link, or crashes.
 #ifndef QUARRY_DMCONFIG_CONFIG_H_
 #define QUARRY_DMCONFIG_CONFIG_H_
 

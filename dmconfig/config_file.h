@@ -30,8 +30,17 @@
 // Written text has the sections in order of creation and their options in order of names, as
 // "[section]" and "name=value" without added whitespace or blank lines. A comment is above what it
 // belongs to; "#" is put in front of one whose first character is neither "#" nor ";", so one that
-// was read (it begins with a line feed) gains the line "#" at its top. Texts are written as they
-// are: the caller must ensure that names and values read back unchanged.
+// was read (it begins with a line feed) gains the line "#" at its top, again with every load and
+// dump. Removing that line feed before the dump prevents it (docs/library.md).
+//
+// Texts are written as they are: one with a line feed adds lines, and so options and sections of
+// its choice. The caller must refuse what would not read back unchanged, from users above all:
+//   section name  a line feed, "]"
+//   option name   a line feed, "="; one of "[", "#", ";" or a carriage return at
+//                 the start; a space or tab at either end
+//   value         a line feed; a space or tab at either end, unless all are
+//   comment       a line that begins with neither "#" nor ";". Any other reads
+//                 back with a line feed in front
 #ifndef QUARRY_DMCONFIG_CONFIG_FILE_H_
 #define QUARRY_DMCONFIG_CONFIG_FILE_H_
 
@@ -83,7 +92,9 @@ class QUARRY_EXPORT DMConfigFile {
   //   "Found invalid line: "        text after a section header
   //   "Found an invalid line: "     an option line before any section
   //   "Found an invalid key: "      a line that begins with "="
-  // The other causes of -2 ("[" without "]", "[]", no "=") write nothing.
+  // The others write nothing: the other causes of -2 ("[" without "]", "[]", an option line without
+  // "="), a stream that fails before its end (a folder can be opened, but not read), -1, -5. So
+  // report the status and the file's name; "quarry-config check FILE" shows the line.
   //
   // Throws only what the stream (when its exception mask is set) or an allocation throws; the model
   // then holds what was stored before.
@@ -106,8 +117,8 @@ class QUARRY_EXPORT DMConfigFile {
   //       GetOptionMap). At such a section writing stops; at such an option the
   //       rest of its section is left out, and the status is returned at the end
   //
-  // Every failure except a null pointer also writes one line to std::cerr, each message followed by
-  // the name that it is about:
+  // Every failure except a null pointer or an empty file name also writes one line to std::cerr,
+  // each message followed by the name that it is about:
   //   "Failed to open file: "                        the output file's name
   //   "Failed to write file: "                       the output file's name
   //   "Failed to get option list for section: "      the section's
