@@ -108,8 +108,7 @@ TextEdit UnsetOption(std::string_view text, const std::string& section, const st
     if (line.kind == LineKind::kHeader) {
       in_section = SameName(section, line.header.name);
     }
-    if (line.kind == LineKind::kOption && in_section &&
-        SameName(option, line.option.name)) {
+    if (line.kind == LineKind::kOption && in_section && SameName(option, line.option.name)) {
       const std::size_t begin = with_comment ? comment : line.number;
       edit.push_back({begin, line.number - begin + 1, {}});
     }

@@ -44,8 +44,7 @@ TextEdit RenameOption(std::string_view text, const std::string& section, const s
     if (line.kind == LineKind::kHeader) {
       in_section = SameName(section, line.header.name);
     }
-    if (line.kind == LineKind::kOption && in_section &&
-        SameName(option, line.option.name)) {
+    if (line.kind == LineKind::kOption && in_section && SameName(option, line.option.name)) {
       AddRename(line, line.option.name, new_name, &edit);
     }
   }
