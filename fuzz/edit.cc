@@ -39,14 +39,15 @@ std::string UnsetSection(const std::string& text, const std::string& section, bo
 }
 
 std::string RenameSection(const std::string& text, const std::string& section,
-                          const std::string& name) {
+                          const std::string& wanted) {
   Document document("f", std::string(text));
-  return settings::WithSectionRenamed(&document, section, name).text;
+  return settings::WithSectionRenamed(&document, section, wanted).text;
 }
 
-std::string RenameOption(const std::string& text, const Setting& setting, const std::string& name) {
+std::string RenameOption(const std::string& text, const Setting& setting,
+                         const std::string& wanted) {
   Document document("f", std::string(text));
-  return settings::WithOptionRenamed(&document, setting.section, setting.option, name).text;
+  return settings::WithOptionRenamed(&document, setting.section, setting.option, wanted).text;
 }
 
 // Whether a reader of the lines that the writer makes of a setting gets it. A NUL
@@ -192,21 +193,22 @@ void TryUnsetSection(const std::string& text, const std::string& name, bool with
   Saw("section unset");
 }
 
-void TryRenameSection(const std::string& text, const std::string& name, const std::string& new_name,
-                      Sections sections) {
-  Section* const section = name.empty() ? nullptr : Find(&sections, name);
+void TryRenameSection(const std::string& text, const std::string& section_name,
+                      const std::string& new_name, Sections sections) {
+  Section* const section = section_name.empty() ? nullptr : Find(&sections, section_name);
   if (section == nullptr) return;
   const Section* const namesake = Find(&sections, new_name);
   if (!ComesBack({new_name, "o", ""}) || (namesake != nullptr && namesake != section)) {
-    RequireRefused([&] { RenameSection(text, name, new_name); }, settings::ErrorKind::kRefused);
+    RequireRefused([&] { RenameSection(text, section_name, new_name); },
+                   settings::ErrorKind::kRefused);
     return;
   }
-  const std::string edited = RenameSection(text, name, new_name);
+  const std::string edited = RenameSection(text, section_name, new_name);
   const std::string old_name = section->name;
   section->name = new_name;
   Require(ReadText(edited).sections == sections, "rename changes the section's name alone");
   if (!ComesBack({old_name, "o", ""})) return;
-  Require(RenameSection(edited, new_name, old_name) == RenameSection(text, name, old_name),
+  Require(RenameSection(edited, new_name, old_name) == RenameSection(text, section_name, old_name),
           "the section's old name takes a rename back");
   Saw("section renamed");
 }
