@@ -41,14 +41,18 @@ FileReplacement::FileReplacement(const std::string& file, Options options)
 // Concurrent creators wait for our temporary file, and then find what we created.
 void FileReplacement::PrepareNew() {
   struct stat status {};
-  blocked_.emplace();
+  Guard();
   for (;; timer_.RequireTime(name_)) {
     new_.emplace(folder_.get(), entry_, *options_.new_mode, name_, &timer_);
     if (!FindInPlace(&status)) return;
     new_.reset();
     if (OpenOld()) break;
   }
-  blocked_.reset();
+  guard_.reset();
+}
+
+void FileReplacement::Guard() {
+  if (options_.guard) guard_ = options_.guard();
 }
 
 // Returns false when there is no such file.
@@ -102,7 +106,7 @@ void FileReplacement::CopyAccessOf(int source, mode_t mask) {
 void FileReplacement::Replace(std::string_view text) {
   if (exists() && text == this->text()) return;
   if (exists()) {
-    blocked_.emplace();
+    Guard();
     timer_.Resume();
     new_.emplace(folder_.get(), entry_, kPrivateMode, name_, &timer_);
   }

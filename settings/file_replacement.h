@@ -7,13 +7,13 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/local/file_descriptor.h"
 #include "settings/file_lock.h"
-#include "settings/signal_block.h"
 #include "settings/temporary_file.h"
 
 namespace quarry::settings {
@@ -34,6 +34,9 @@ class FileReplacement {
     // How long to wait for other edits to end, and what to call once, after a second of waiting.
     std::chrono::milliseconds max_wait = std::chrono::seconds(10);
     std::function<void()> on_wait = nullptr;
+    // What it returns is kept while there is a temporary file: something that keeps this process
+    // from ending meanwhile. May be empty.
+    std::function<std::shared_ptr<void>()> guard = nullptr;
   };
 
   // Opens and locks the file, which must be writable, regular and have one name. Throws Error;
@@ -58,6 +61,7 @@ class FileReplacement {
   void Replace(std::string_view text);
 
  private:
+  void Guard();
   bool OpenOld();
   void PrepareNew();
   bool FindInPlace(struct stat* status) const;
@@ -73,7 +77,7 @@ class FileReplacement {
   platform::FileDescriptor old_{-1};  // -1 when it is to be created
   struct stat status_ {};             // of the old file when it was locked
   std::optional<std::string> text_;
-  std::optional<ScopedSignalBlock> blocked_;  // while there is a temporary file
+  std::shared_ptr<void> guard_;  // while there is a temporary file
   std::optional<TemporaryFile> new_;
 };
 

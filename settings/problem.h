@@ -8,11 +8,11 @@
 namespace quarry::settings {
 
 struct Problem {
-  // "FILE:LINE:COLUMN: TEXT", "FILE:LINE: TEXT" or "FILE: TEXT". Bytes of names are as they are in
-  // the file.
+  // "FILE:LINE:COLUMN: TEXT", or "FILE: TEXT" when it is not about a line; TEXT alone when it names
+  // the file itself. Bytes of names are as they are in the file.
   std::string Message() const;
 
-  std::string file;        // the name that the caller gave
+  std::string file;        // the name that the caller gave; empty when the text has it
   std::size_t line = 0;    // from 1; 0 when it is not about a line
   std::size_t column = 0;  // in bytes, from 1; 0 when it is not about a part of the line
   std::size_t length = 0;  // bytes of that part

@@ -9,7 +9,6 @@
 #include "platform/cr_runtime.h"
 #include "platform/local/local_metab.h"
 #include "settings/line_scanner.h"
-#include "settings/signal_block.h"
 #include "tools/check/agent_advice.h"
 #include "tools/check/ownership.h"
 #include "tools/check/routing_targets.h"
@@ -19,6 +18,7 @@
 #include "tools/terminal/cerr_silencer.h"
 #include "tools/terminal/json.h"
 #include "tools/terminal/redactor.h"
+#include "tools/terminal/signal_block.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal_text.h"
 
@@ -116,7 +116,7 @@ std::unique_ptr<AgentCfg> StartAgent(const std::shared_ptr<TrialMetab>& metab,
                                      const AgentRequest& request) {
   try {
     const ScopedCerrSilencer silencer;
-    const settings::ScopedSignalBlock blocked;
+    const ScopedSignalBlock blocked;
     return std::make_unique<AgentCfg>(metab, request.file);
   } catch (const Cr_ErrnoException& error) {
     ThrowStartFailed(error, request);

@@ -9,6 +9,7 @@
 #include "tools/check/plain_password.h"
 #include "tools/commands/edit_report.h"
 #include "tools/terminal/errors.h"
+#include "tools/terminal/signal_block.h"
 #include "tools/terminal/standard_streams.h"
 #include "tools/terminal/terminal_text.h"
 
@@ -125,6 +126,7 @@ FileReplacement OpenForEdit(const std::string& file, FileReplacement::Options op
   options.on_wait = [file] {
     WriteDiagnostics({Message("waiting for another edit of " + file + " to end")});
   };
+  options.guard = [] { return std::make_shared<ScopedSignalBlock>(); };
   try {
     return {file, std::move(options)};
   } catch (settings::Error& error) {

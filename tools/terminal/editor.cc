@@ -14,8 +14,8 @@
 
 #include "platform/local/file_descriptor.h"
 #include "settings/file_reading.h"
-#include "settings/signal_block.h"
 #include "tools/terminal/errors.h"
+#include "tools/terminal/signal_block.h"
 
 namespace quarry::tool {
 
@@ -120,7 +120,7 @@ EditorCopy::EditorCopy(const std::string& name, const std::string& text)
 bool EditorCopy::Edit() const {
   const sigset_t not_ignored = FindNotIgnored();
   const ScopedInterruptIgnorer ignored;
-  const settings::ScopedSignalBlock blocked;
+  const ScopedSignalBlock blocked;
   pid_t child = 0;
   const int error = Spawn(EditorCommand(), path_, {blocked.before(), not_ignored}, &child);
   if (error != 0) throw settings::SystemError("run /bin/sh", "/bin/sh", error);

@@ -1,9 +1,9 @@
-#ifndef QUARRY_SETTINGS_SIGNAL_BLOCK_H_
-#define QUARRY_SETTINGS_SIGNAL_BLOCK_H_
+#ifndef QUARRY_TOOLS_TERMINAL_SIGNAL_BLOCK_H_
+#define QUARRY_TOOLS_TERMINAL_SIGNAL_BLOCK_H_
 
 #include <csignal>
 
-namespace quarry::settings {
+namespace quarry::tool {
 
 // Blocks the signals that end the calling thread's process for the object's lifetime, so that no
 // operation is left half done. Exceeding the limit for the size of files (SIGXFSZ) is an error of
@@ -23,6 +23,6 @@ class ScopedSignalBlock {
   struct sigaction file_size_before_ {};
 };
 
-}  // namespace quarry::settings
+}  // namespace quarry::tool
 
-#endif  // QUARRY_SETTINGS_SIGNAL_BLOCK_H_
+#endif  // QUARRY_TOOLS_TERMINAL_SIGNAL_BLOCK_H_

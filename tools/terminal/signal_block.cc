@@ -1,8 +1,8 @@
-#include "settings/signal_block.h"
+#include "tools/terminal/signal_block.h"
 
 #include <initializer_list>
 
-namespace quarry::settings {
+namespace quarry::tool {
 
 ScopedSignalBlock::ScopedSignalBlock() {
   sigset_t blocked;
@@ -24,4 +24,4 @@ ScopedSignalBlock::~ScopedSignalBlock() {
   (void)pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-}  // namespace quarry::settings
+}  // namespace quarry::tool
