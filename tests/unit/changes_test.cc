@@ -55,8 +55,9 @@ TEST(Changes, AreSavedByManyThreads) {
   const std::string file = folder.Path("f");
   folder.Write("f", "# kept\n[a]\n");
   std::vector<std::thread> threads(8);
-  for (std::size_t i = 0; i < threads.size(); ++i) {
-    threads[i] = std::thread([&file, option = "x" + std::to_string(i)] {
+  int number = 0;
+  for (std::thread& thread : threads) {
+    thread = std::thread([&file, option = "x" + std::to_string(++number)] {
       for (int n = 1; n <= 20; ++n) {
         std::vector<Problem> problems;
         EXPECT_TRUE(Save(file, {{"a", option, std::to_string(n)}}, &problems));
