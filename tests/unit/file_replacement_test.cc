@@ -21,6 +21,7 @@
 #include "settings/error.h"
 #include "tests/support/failing_calls.h"
 #include "tests/support/support.h"
+#include "tools/terminal/signal_block.h"
 
 namespace {
 
@@ -77,6 +78,11 @@ class FileReplacementTest : public testing::Test, protected TempFolder {
     sigset_t blocked;
     return pthread_sigmask(SIG_BLOCK, nullptr, &blocked), sigismember(&blocked, SIGTERM) == 1;
   }
+  // As the program edits: with signals blocked while there is a temporary file.
+  static Options Guarded(Options options) {
+    options.guard = [] { return std::make_shared<tool::ScopedSignalBlock>(); };
+    return options;
+  }
   // An edit with something done in the middle of it; the message when it fails. Sets hint_.
   std::string Edit(
       const std::string& name, const std::string& text, const Options& options = {},
@@ -84,7 +90,7 @@ class FileReplacementTest : public testing::Test, protected TempFolder {
     std::string message;
     hint_.clear();
     try {
-      FileReplacement file(Path(name), options);
+      FileReplacement file(Path(name), Guarded(options));
       meanwhile();
       file.Replace(text);
     } catch (const Error& error) {
@@ -315,7 +321,7 @@ TEST_F(FileReplacementTest, MeetsFailuresOfTheSystem) {
 // The second of two edits waits for the first and finds what it made.
 TEST_F(FileReplacementTest, MakesAFileOnce) {
   const auto add = [this](const std::string& text) {
-    FileReplacement edit(Path("f"), kMayCreate);
+    FileReplacement edit(Path("f"), Guarded(kMayCreate));
     EXPECT_EQ(IsSignalBlocked(), !edit.exists());
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     edit.Replace(edit.text() + text);
