@@ -63,8 +63,8 @@ std::size_t SlotsFor(std::size_t capacity) {
 
 // The case bit is set in every byte, so letters lose their case, and some other bytes become the
 // same: they are told apart when names are compared.
-std::uint64_t HashOfName(std::string_view name) noexcept {
-  std::uint64_t hash = 0;
+std::uint64_t HashOfName(std::string_view name, std::uint64_t seed) noexcept {
+  std::uint64_t hash = seed;
   while (!name.empty()) {
     const std::size_t size = std::min(name.size(), sizeof(std::uint64_t));
     std::uint64_t word = WordOf(name.data(), size);

@@ -9,8 +9,8 @@
 
 namespace quarry::settings {
 
-// The same for all spellings of a name.
-std::uint64_t HashOfName(std::string_view name) noexcept;
+// The same for all spellings of a name; another one with another seed.
+std::uint64_t HashOfName(std::string_view name, std::uint64_t seed = 0) noexcept;
 
 // A hash table of numbers. It holds no keys: whoever looks up says which number it is.
 class NameTable {

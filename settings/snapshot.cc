@@ -25,8 +25,7 @@ std::size_t CountLines(const std::string& text) {
 }
 
 std::uint64_t HashOfOption(std::size_t section, std::string_view option) noexcept {
-  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
-  return HashOfName(option) + (section + 1) * kMultiplier;
+  return HashOfName(option, section + 1);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 #include "settings/line_scanner.h"
@@ -48,26 +49,27 @@ std::size_t Distance(const std::string& left, const std::string& right, std::siz
   return difference > max_distance ? difference : EditDistance(left, right);
 }
 
-std::size_t MaxDistance(std::string_view wanted) { return 1 + wanted.size() / 4; }
+// The distance of `name` from a folded name; none when it is not spelled much like it.
+std::optional<std::size_t> NearDistance(const std::string& wanted, std::string_view name) {
+  if (wanted.size() > kMaxNameBytes || name.size() > kMaxNameBytes) return std::nullopt;
+  const std::size_t max_distance = 1 + wanted.size() / 4;
+  const std::size_t distance = Distance(wanted, Folded(name), max_distance);
+  return distance <= max_distance ? std::optional(distance) : std::nullopt;
+}
 
 }  // namespace
 
 bool IsSpelledLike(std::string_view wanted, std::string_view name) {
-  const std::size_t max_distance = MaxDistance(wanted);
-  return wanted.size() <= kMaxNameBytes && name.size() <= kMaxNameBytes &&
-         Distance(Folded(wanted), Folded(name), max_distance) <= max_distance;
+  return NearDistance(Folded(wanted), name).has_value();
 }
 
 std::vector<std::string> SuggestNames(const std::string& wanted,
                                       const std::list<std::string>& names) {
-  if (wanted.size() > kMaxNameBytes) return {};
   const std::string folded = Folded(wanted);
-  const std::size_t max_distance = MaxDistance(wanted);
   std::vector<std::pair<std::size_t, std::string>> near;
   for (const std::string& name : names) {
-    if (name.size() > kMaxNameBytes) continue;
-    const std::size_t distance = Distance(folded, Folded(name), max_distance);
-    if (distance <= max_distance) near.emplace_back(distance, name);
+    const auto distance = NearDistance(folded, name);
+    if (distance) near.emplace_back(*distance, name);
   }
   std::stable_sort(near.begin(), near.end(),
                    [](const auto& a, const auto& b) { return a.first < b.first; });

@@ -28,27 +28,31 @@ struct Unit {
   std::uint64_t size;
 };
 
+constexpr std::uint64_t Power(std::uint64_t base, unsigned exponent) {
+  return exponent == 0 ? 1 : base * Power(base, exponent - 1);
+}
+
 constexpr std::uint64_t kKilo = 1000, kKibi = 1024;
 constexpr Unit kByteUnits[] = {
     {"", 1},
     {"B", 1},
     {"kB", kKilo},
-    {"MB", kKilo* kKilo},
-    {"GB", kKilo* kKilo* kKilo},
-    {"TB", kKilo* kKilo* kKilo* kKilo},
-    {"PB", kKilo* kKilo* kKilo* kKilo* kKilo},
-    {"EB", kKilo* kKilo* kKilo* kKilo* kKilo* kKilo},
+    {"MB", Power(kKilo, 2)},
+    {"GB", Power(kKilo, 3)},
+    {"TB", Power(kKilo, 4)},
+    {"PB", Power(kKilo, 5)},
+    {"EB", Power(kKilo, 6)},
     {"KiB", kKibi},
-    {"MiB", kKibi* kKibi},
-    {"GiB", kKibi* kKibi* kKibi},
-    {"TiB", kKibi* kKibi* kKibi* kKibi},
-    {"PiB", kKibi* kKibi* kKibi* kKibi* kKibi},
-    {"EiB", kKibi* kKibi* kKibi* kKibi* kKibi* kKibi},
+    {"MiB", Power(kKibi, 2)},
+    {"GiB", Power(kKibi, 3)},
+    {"TiB", Power(kKibi, 4)},
+    {"PiB", Power(kKibi, 5)},
+    {"EiB", Power(kKibi, 6)},
 };
 
-constexpr std::uint64_t kSecond = 1000000000, kMinute = 60 * kSecond, kHour = 60 * kMinute;
+constexpr std::uint64_t kSecond = Power(kKilo, 3), kMinute = 60 * kSecond, kHour = 60 * kMinute;
 constexpr Unit kTimeUnits[] = {
-    {"ns", 1},        {"us", kKilo}, {"ms", kKilo* kKilo}, {"s", kSecond},
+    {"ns", 1},        {"us", kKilo}, {"ms", Power(kKilo, 2)}, {"s", kSecond},
     {"min", kMinute}, {"h", kHour},  {"d", 24 * kHour},
 };
 
