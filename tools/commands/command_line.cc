@@ -290,7 +290,7 @@ void CommandLine::SplitEmptyValues() {
   }
 }
 
-// Prefixes such words with kProtection, which Store removes.
+// Prefixes such words with kProtection, which StoreAll removes.
 void CommandLine::ProtectBrackets() {
   for (std::string& word : words_) {
     if (!word.empty() && (word[0] == '[' || word[0] == kProtection)) word.insert(0, 1, kProtection);

@@ -19,6 +19,14 @@ using settings::Quoted;
 
 namespace {
 
+// Throws ToolError (kExitFailed) with all errors that check finds in a text that is not valid.
+[[noreturn]] void ThrowErrorsIn(const std::string& text, const std::string& file) {
+  std::vector<settings::Finding> findings = CheckForProgram(text, file, Program::kNone);
+  const auto is_warning = [](const settings::Finding& finding) { return !finding.IsError(); };
+  findings.erase(std::remove_if(findings.begin(), findings.end(), is_warning), findings.end());
+  throw ToolError(kExitFailed, DiagnosticsOf(findings, file));
+}
+
 // "did you mean "a", "b"?", or where to see all names when none is near.
 std::string SuggestionHint(const std::string& wanted, const std::list<std::string>& names,
                            const std::string& list_command) {
@@ -63,13 +71,6 @@ settings::Snapshot OpenSnapshot(const std::string& file, const std::string& text
   auto snapshot = settings::Snapshot::Parse(file, text, &problems);
   if (!snapshot) ThrowErrorsIn(text, file);
   return *snapshot;
-}
-
-void ThrowErrorsIn(const std::string& text, const std::string& file) {
-  std::vector<settings::Finding> findings = CheckForProgram(text, file, Program::kNone);
-  const auto is_warning = [](const settings::Finding& finding) { return !finding.IsError(); };
-  findings.erase(std::remove_if(findings.begin(), findings.end(), is_warning), findings.end());
-  throw ToolError(kExitFailed, DiagnosticsOf(findings, file));
 }
 
 void RequireSection(const std::string& section, Document* document, const std::string& hint) {

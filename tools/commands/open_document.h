@@ -19,9 +19,6 @@ settings::Document OpenDocument(const std::string& file, std::string text);
 // The same as a snapshot, for commands that only read values and their lines.
 settings::Snapshot OpenSnapshot(const std::string& file, const std::string& text);
 
-// Throws ToolError (kExitFailed) with all errors that check finds in a text that is not valid.
-[[noreturn]] void ThrowErrorsIn(const std::string& text, const std::string& file);
-
 // Throws ToolError (kExitNo) when there is no such section, with the hint, or one that suggests
 // names.
 void RequireSection(const std::string& section, settings::Document* document,

@@ -7,7 +7,6 @@
 #include <optional>
 #include <utility>
 
-#include "settings/line_scanner.h"
 #include "tools/commands/command.h"
 #include "tools/commands/many_files.h"
 #include "tools/commands/open_document.h"
@@ -16,11 +15,6 @@
 #include "tools/terminal/terminal_text.h"
 
 namespace quarry::tool {
-
-using settings::SameName;
-using settings::ScannedLine;
-using storage::dmconfig::LineFault;
-using storage::dmconfig::LineKind;
 
 namespace {
 
@@ -31,25 +25,6 @@ struct SurveyRequest {
   bool count = false;
   bool json = false;
 };
-
-// The last line that sets the option; its number is 0 when there is none. No model is needed for
-// one option. Throws ToolError when the text is not valid.
-ScannedLine FindLine(const SurveyRequest& request, const std::string& text,
-                     const std::string& file) {
-  ScannedLine found;
-  bool in_section = false;
-  settings::LineScanner scanner(text);
-  for (ScannedLine line; scanner.Next(&line);) {
-    if (line.fault() != LineFault::kNone) ThrowErrorsIn(text, file);
-    if (line.kind == LineKind::kHeader) {
-      in_section = SameName(line.header.name, request.section);
-    } else if (line.kind == LineKind::kOption && in_section &&
-               SameName(line.option.name, request.option)) {
-      found = line;
-    }
-  }
-  return found;
-}
 
 using Value = std::optional<std::string>;          // none: the option is absent
 using ValueCount = std::pair<Value, std::size_t>;  // how many files have the value
@@ -95,12 +70,12 @@ class Survey {
 };
 
 void Survey::AddFile(const std::string& file) {
-  const std::string text = ReadInput(file);
-  const ScannedLine line = FindLine(request_, text, file);
+  const settings::Snapshot snapshot = OpenSnapshot(file, ReadInput(file));
+  const settings::Option* const option = snapshot.Find(request_.section, request_.option);
   const Value value =
-      line.number == 0 ? Value() : std::optional<std::string>(std::in_place, line.option.value);
+      option == nullptr ? Value() : std::optional<std::string>(std::in_place, option->value);
   ++counts_[value];
-  Add(file, line.number, value);
+  Add(file, option == nullptr ? 0 : option->line, value);
 }
 
 void Survey::Add(const std::string& file, std::size_t line, const Value& value) {
