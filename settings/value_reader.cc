@@ -29,7 +29,9 @@ struct Unit {
 };
 
 constexpr std::uint64_t Power(std::uint64_t base, unsigned exponent) {
-  return exponent == 0 ? 1 : base * Power(base, exponent - 1);
+  std::uint64_t power = 1;
+  for (; exponent > 0; --exponent) power *= base;
+  return power;
 }
 
 constexpr std::uint64_t kKilo = 1000, kKibi = 1024;
