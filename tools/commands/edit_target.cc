@@ -21,10 +21,13 @@ using settings::FileReplacement;
 
 namespace {
 
-// What is shown of an edit on standard output.
-std::string ShownEdit(const EditTarget& target, const std::string& before,
-                      const EditedText& edited) {
+// What is shown on standard output of an edit; `creates` when there is no file yet.
+std::string ShownEdit(const EditTarget& target, const std::string& before, const EditedText& edited,
+                      bool creates = false) {
   const std::string name = InputName(target.file);
+  if (target.report && creates && edited.edit.empty()) {
+    return "added " + EscapeForTerminal(name) + '\n';  // an empty file
+  }
   if (target.report) return EditReport(name, before, edited, target.show_secrets);
   const std::string shown_name = EscapeForTerminal(name);
   if (target.show_secrets) return settings::UnifiedDiff(shown_name, before, edited.edit);
@@ -47,7 +50,11 @@ void RequireNoNewErrors(const EditTarget& target, const std::string& before,
   throw ToolError(kExitNo, diagnostics);
 }
 
-EditedText EditStandardInput(const EditTarget& target, const EditFunction& edit) {
+ExitStatus StatusFor(const EditTarget& target, bool changes_something) {
+  return target.exit_code && changes_something ? kExitNo : kExitDone;
+}
+
+MadeEdit EditStandardInput(const EditTarget& target, const EditFunction& edit) {
   if (target.report && !target.dry_run) {
     throw ToolError(kExitUsage, "standard output is the edited text, not a report",
                     "give a file's name, or --dry-run");
@@ -56,14 +63,15 @@ EditedText EditStandardInput(const EditTarget& target, const EditFunction& edit)
   EditedText edited = edit(text);
   RequireNoNewErrors(target, text, edited);
   WriteStandardOutput(target.dry_run ? ShownEdit(target, text, edited) : edited.text);
-  return edited;
+  const ExitStatus status = StatusFor(target, !edited.edit.empty());
+  return {std::move(edited), status};
 }
 
-void ReportEdit(const EditTarget& target, const std::string& before, const EditedText& edited) {
+void WriteReport(const EditTarget& target, const std::string& report, bool changed_something) {
   try {
-    WriteStandardOutput(ShownEdit(target, before, edited));
+    WriteStandardOutput(report);
   } catch (settings::Error& error) {
-    if (!edited.edit.empty()) error.hint = "the edit of " + target.file + " is in place";
+    if (changed_something) error.hint = "the edit of " + target.file + " is in place";
     throw;
   }
 }
@@ -100,7 +108,7 @@ void AddEditWords(EditTarget* target, std::vector<Word>* words, const std::strin
   }
 }
 
-EditedText MakeEdit(const EditTarget& target, const EditFunction& edit) {
+MadeEdit MakeEdit(const EditTarget& target, const EditFunction& edit) {
   if (target.file == "-") return EditStandardInput(target, edit);
   FileReplacement::Options options;
   if (target.create) options.new_mode = settings::kUsualMode;
@@ -108,17 +116,13 @@ EditedText MakeEdit(const EditTarget& target, const EditFunction& edit) {
   FileReplacement file = OpenForEdit(target.file, std::move(options));
   EditedText edited = edit(file.text());
   RequireNoNewErrors(target, file.text(), edited);
-  if (target.dry_run) {
-    WriteStandardOutput(ShownEdit(target, file.text(), edited));
-  } else {
-    file.Replace(edited.text);
-    if (target.report) ReportEdit(target, file.text(), edited);
+  const bool changes_something = !file.exists() || !edited.edit.empty();
+  if (!target.dry_run) file.Replace(edited.text);
+  if (target.dry_run || target.report) {
+    const std::string shown = ShownEdit(target, file.text(), edited, !file.exists());
+    WriteReport(target, shown, !target.dry_run && changes_something);
   }
-  return edited;
-}
-
-ExitStatus EditStatus(const EditTarget& target, const EditedText& edited) {
-  return target.exit_code && !edited.edit.empty() ? kExitNo : kExitDone;
+  return {std::move(edited), StatusFor(target, changes_something)};
 }
 
 FileReplacement OpenForEdit(const std::string& file, FileReplacement::Options options) {

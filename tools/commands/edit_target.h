@@ -27,12 +27,14 @@ void AddEditWords(EditTarget* target, std::vector<Word>* words, const std::strin
 
 using EditFunction = std::function<settings::EditedText(const std::string& text)>;
 
+struct MadeEdit {
+  settings::EditedText edited;
+  ExitStatus status;  // with which the command ends
+};
+
 // Calls `edit` with the target's text and writes the result. Throws settings::Error; when the edit
 // brings an error, nothing is written.
-settings::EditedText MakeEdit(const EditTarget& target, const EditFunction& edit);
-
-// The status with which a command ends whose edit was made.
-ExitStatus EditStatus(const EditTarget& target, const settings::EditedText& edited);
+MadeEdit MakeEdit(const EditTarget& target, const EditFunction& edit);
 
 // Opens a file to be replaced. While it waits for another edit a message says so; an absent file
 // gets a hint how to create it. Throws settings::Error.

@@ -32,11 +32,12 @@ EditedText Rename(const RenameRequest& request, Document* document) {
 }
 
 ExitStatus RunRename(const RenameRequest& request) {
-  const EditedText edited = MakeEdit(request.target, [&](const std::string& text) {
-    Document document = OpenDocument(request.target.file, text);
-    return Rename(request, &document);
-  });
-  return EditStatus(request.target, edited);
+  return MakeEdit(request.target,
+                  [&](const std::string& text) {
+                    Document document = OpenDocument(request.target.file, text);
+                    return Rename(request, &document);
+                  })
+      .status;
 }
 
 }  // namespace

@@ -24,7 +24,6 @@
 namespace quarry::tool {
 
 using settings::Document;
-using settings::EditedText;
 using settings::Quoted;
 using settings::Setting;
 
@@ -161,12 +160,13 @@ ExitStatus SealInto(const SealRequest& request, const std::string& folder,
                     const platform::SealingKey& key, std::string_view password) {
   EditTarget target = request.target;
   target.file = *request.file;
-  const EditedText edited = MakeEdit(target, [&](const std::string& text) {
-    Document document = OpenDocument(target.file, text);
-    return settings::WithSettings(&document,
-                                  MissingSettings(request, folder, key, password, &document));
-  });
-  return EditStatus(target, edited);
+  return MakeEdit(target,
+                  [&](const std::string& text) {
+                    Document document = OpenDocument(target.file, text);
+                    return settings::WithSettings(
+                        &document, MissingSettings(request, folder, key, password, &document));
+                  })
+      .status;
 }
 
 ExitStatus RunSeal(const SealRequest& request) {

@@ -137,14 +137,14 @@ std::vector<Setting> SettingsFor(const SetRequest& request) {
 ExitStatus RunSet(const SetRequest& request) {
   const std::vector<Setting> settings = SettingsFor(request);
   RequirePassword(settings);
-  const EditedText edited = MakeEdit(request.target, [&](const std::string& text) {
+  const MadeEdit made = MakeEdit(request.target, [&](const std::string& text) {
     for (const Setting& setting : settings) settings::RequireRoundTrip(setting);
     settings::Document document = OpenDocument(request.target.file, text);
     return settings::WithSettings(&document, settings);
   });
-  WarnOfCarriageReturns(request.target.file, edited, settings);
+  WarnOfCarriageReturns(request.target.file, made.edited, settings);
   WarnOfPlainPassword(settings);
-  return EditStatus(request.target, edited);
+  return made.status;
 }
 
 }  // namespace

@@ -41,11 +41,12 @@ EditedText Unset(const UnsetRequest& request, Document* document) {
 }
 
 ExitStatus RunUnset(const UnsetRequest& request) {
-  const EditedText edited = MakeEdit(request.target, [&](const std::string& text) {
-    Document document = OpenDocument(request.target.file, text);
-    return Unset(request, &document);
-  });
-  return EditStatus(request.target, edited);
+  return MakeEdit(request.target,
+                  [&](const std::string& text) {
+                    Document document = OpenDocument(request.target.file, text);
+                    return Unset(request, &document);
+                  })
+      .status;
 }
 
 }  // namespace
