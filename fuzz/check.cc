@@ -36,7 +36,7 @@ Sections SectionsOf(const settings::Snapshot& snapshot) {
   for (const settings::Section& section : snapshot.sections()) {
     Section& added = sections.emplace_back();
     added = {std::string(section.name), CommentOf(section.comment), {}};
-    for (const settings::Option& option : snapshot.options(section)) {
+    for (const settings::Option& option : section.options) {
       added.options.push_back(
           {std::string(option.name), std::string(option.value), CommentOf(option.comment)});
     }
@@ -65,7 +65,7 @@ void TrySnapshot(const std::string& text, const Reading& reading) {
   for (const settings::Section& section : snapshot->sections()) {
     const std::string name = OtherSpelling(section.name);
     Require(snapshot->FindSection(name) == &section, "a section is found in every spelling");
-    for (const settings::Option& option : snapshot->options(section)) {
+    for (const settings::Option& option : section.options) {
       Require(snapshot->Find(name, OtherSpelling(option.name)) == &option, "so is an option");
     }
   }

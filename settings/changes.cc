@@ -1,9 +1,7 @@
 #include "settings/changes.h"
 
-#include <map>
 #include <utility>
 
-#include "dmconfig/string_case_cmp.h"
 #include "settings/document.h"
 #include "settings/error.h"
 #include "settings/file_replacement.h"
@@ -12,46 +10,71 @@
 
 namespace quarry::settings {
 
-using storage::dmconfig::StringCaseCmp;
-
 namespace {
 
-// The last change of each option, in order of the first ones.
-std::vector<const Change*> LastChanges(const std::vector<Change>& changes) {
-  std::map<std::string, std::map<std::string, std::size_t, StringCaseCmp>, StringCaseCmp> places;
-  std::vector<const Change*> last;
-  for (const Change& change : changes) {
-    const auto [place, is_new] = places[change.section].emplace(change.option, last.size());
-    if (is_new) {
-      last.push_back(&change);
-    } else {
-      last[place->second] = &change;
-    }
+// The text of a file while changes are made in it. All of it may throw Error.
+class ChangedText {
+ public:
+  ChangedText(std::string name, std::string text)
+      : name_(std::move(name)), text_(std::move(text)) {}
+
+  void Make(const Change& change);
+
+  std::string Finish();
+
+ private:
+  void AddSetting(const Change& change);
+  void MakeSettings();
+  void Remove(const Change& change);
+
+  const std::string name_;
+  std::string text_;
+  std::vector<Setting> settings_;  // those that are made next, together
+};
+
+void ChangedText::Make(const Change& change) {
+  if (change.kind == Change::Kind::kSet) {
+    AddSetting(change);
+  } else {
+    MakeSettings();
+    Remove(change);
   }
-  return last;
+}
+
+std::string ChangedText::Finish() {
+  MakeSettings();
+  return std::move(text_);
+}
+
+void ChangedText::AddSetting(const Change& change) {
+  Setting setting = {change.section, change.option, change.value};
+  RequireRoundTrip(setting);
+  settings_.push_back(std::move(setting));
+}
+
+void ChangedText::MakeSettings() {
+  if (settings_.empty()) return;
+  Document document(name_, std::move(text_));
+  text_ = WithSettings(&document, LastOfEach(settings_)).text;
+  settings_.clear();
+}
+
+void ChangedText::Remove(const Change& change) {
+  Document document(name_, std::string(text_));
+  if (change.kind == Change::Kind::kRemoveSection) {
+    if (!document.HasSection(change.section)) return;
+    text_ = WithoutSection(&document, change.section, false).text;
+  } else if (document.Has(change.section, change.option)) {
+    text_ = WithoutOption(&document, change.section, change.option, false).text;
+  }
 }
 
 // Throws Error.
 std::string TextAfter(const std::string& name, const std::string& text,
                       const std::vector<Change>& changes) {
-  std::vector<Setting> settings;
-  std::vector<const Change*> removals;
-  for (const Change* const change : LastChanges(changes)) {
-    if (!change->value) {
-      removals.push_back(change);
-      continue;
-    }
-    settings.push_back({change->section, change->option, *change->value});
-    RequireRoundTrip(settings.back());
-  }
-  Document document(name, std::string(text));
-  std::string edited = WithSettings(&document, settings).text;
-  for (const Change* const change : removals) {
-    Document with_option(name, std::string(edited));
-    if (!with_option.Has(change->section, change->option)) continue;
-    edited = WithoutOption(&with_option, change->section, change->option, false).text;
-  }
-  return edited;
+  ChangedText changed(name, text);
+  for (const Change& change : changes) changed.Make(change);
+  return changed.Finish();
 }
 
 Problem ProblemOf(const Error& error, const std::string& name) {
@@ -63,6 +86,18 @@ Problem ProblemOf(const Error& error, const std::string& name) {
 }
 
 }  // namespace
+
+Change Change::Set(std::string section, std::string option, std::string value) {
+  return {Kind::kSet, std::move(section), std::move(option), std::move(value)};
+}
+
+Change Change::Remove(std::string section, std::string option) {
+  return {Kind::kRemove, std::move(section), std::move(option), ""};
+}
+
+Change Change::RemoveSection(std::string section) {
+  return {Kind::kRemoveSection, std::move(section), "", ""};
+}
 
 std::optional<Snapshot> Apply(const Snapshot& snapshot, const std::vector<Change>& changes,
                               std::vector<Problem>* problems) {
@@ -81,6 +116,7 @@ std::optional<Snapshot> Save(const std::string& path, const std::vector<Change>&
     FileReplacement::Options replacement;
     replacement.max_wait = options.max_wait;
     replacement.on_wait = options.on_wait;
+    replacement.new_mode = options.new_mode;
     FileReplacement file(path, std::move(replacement));
     const auto old = Snapshot::Parse(path, file.text(), problems);
     if (!old) return std::nullopt;

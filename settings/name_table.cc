@@ -53,7 +53,7 @@ std::uint64_t Mixed(std::uint64_t hash, std::uint64_t word) {
 }
 
 std::size_t SlotsFor(std::size_t capacity) {
-  if (capacity >= NameTable::kNone) throw std::bad_alloc();
+  if (capacity >= NameTable::kNone / 2) throw std::bad_alloc();
   std::size_t slots = 2;
   while (slots < 2 * capacity) slots *= 2;
   return slots;

@@ -5,9 +5,11 @@
 #include <cstddef>
 #include <string>
 
+#include "../platform/export.h"
+
 namespace quarry::settings {
 
-struct Problem {
+struct QUARRY_EXPORT Problem {
   // "FILE:LINE:COLUMN: TEXT", or "FILE: TEXT" when it is not about a line; TEXT alone when it names
   // the file itself. Bytes of names are as they are in the file.
   std::string Message() const;

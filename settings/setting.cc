@@ -1,14 +1,18 @@
 #include "settings/setting.h"
 
+#include <cstddef>
+#include <map>
 #include <string_view>
 
 #include "dmconfig/line.h"
+#include "dmconfig/string_case_cmp.h"
 #include "settings/error.h"
 
 namespace quarry::settings {
 
 using storage::dmconfig::KindOf;
 using storage::dmconfig::LineKind;
+using storage::dmconfig::StringCaseCmp;
 using storage::dmconfig::Trimmed;
 using storage::dmconfig::WithoutLeadingBlanks;
 
@@ -67,6 +71,20 @@ void RequireRoundTrip(const Setting& setting) {
   RequireSectionName(setting.section);
   RequireOptionName(setting.option);
   RequireValue(setting.value);
+}
+
+std::vector<Setting> LastOfEach(const std::vector<Setting>& settings) {
+  std::vector<Setting> last;
+  std::map<std::string, std::map<std::string, std::size_t, StringCaseCmp>, StringCaseCmp> places;
+  for (const Setting& setting : settings) {
+    const auto [place, is_new] = places[setting.section].emplace(setting.option, last.size());
+    if (is_new) {
+      last.push_back(setting);
+    } else {
+      last[place->second].value = setting.value;
+    }
+  }
+  return last;
 }
 
 }  // namespace quarry::settings

@@ -3,6 +3,7 @@
 #define QUARRY_SETTINGS_SETTING_H_
 
 #include <string>
+#include <vector>
 
 namespace quarry::settings {
 
@@ -17,6 +18,9 @@ struct Setting {
 void RequireSectionName(const std::string& name);
 void RequireOptionName(const std::string& name);
 void RequireRoundTrip(const Setting& setting);
+
+// The last setting of each option, in the order of the first ones.
+std::vector<Setting> LastOfEach(const std::vector<Setting>& settings);
 
 }  // namespace quarry::settings
 

@@ -71,8 +71,8 @@ const Option* Snapshot::Data::FindOption(const Section& section,
   const std::uint64_t hash = HashOfOption(IndexOf(section), option);
   const std::uint32_t number = names.Find(hash, [&](std::uint32_t candidate) {
     const std::size_t index = candidate / 2;
-    return candidate % 2 == 1 && index - section.first_option < section.option_count &&
-           SameName(options[index].name, option);
+    return candidate % 2 == 1 && &options[index] >= section.options.begin() &&
+           &options[index] < section.options.end() && SameName(options[index].name, option);
   });
   return number == NameTable::kNone ? nullptr : &options[number / 2];
 }
@@ -81,19 +81,17 @@ void Snapshot::Data::AddAllNames() {
   names = NameTable(CountLines(text));
   for (std::size_t i = 0; i < sections.size(); ++i) {
     names.Add(HashOfName(sections[i].name), NumberOfSection(i));
-    for (std::size_t j = 0; j < sections[i].option_count; ++j) {
-      const std::size_t index = sections[i].first_option + j;
-      names.Add(HashOfOption(i, options[index].name), NumberOfOption(index));
+    for (const Option& option : sections[i].options) {
+      const auto index = static_cast<std::size_t>(&option - options.data());
+      names.Add(HashOfOption(i, option.name), NumberOfOption(index));
     }
   }
 }
 
-namespace {
-
 // Fills a snapshot from its text.
-class Parser {
+class Snapshot::Parser {
  public:
-  explicit Parser(Snapshot::Data* data) : data_(data) {}
+  explicit Parser(Data* data) : data_(data) {}
 
   // Returns false when a line is not valid.
   bool Parse();
@@ -105,14 +103,17 @@ class Parser {
   void AddOption(std::uint64_t hash, const ScannedLine& line);
   Option* FindOption(std::uint64_t hash, std::string_view name);
   void GroupOptions();
+  void AssignOptions();
 
-  Snapshot::Data* const data_;
+  Data* const data_;
   std::string_view pending_comment_;
   std::size_t section_ = 0;            // the current one
   std::vector<std::uint32_t> owners_;  // the section of each option
+  std::vector<std::size_t> counts_;    // of each section's options
   bool is_grouped_ = true;
 };
-bool Parser::Parse() {
+
+bool Snapshot::Parser::Parse() {
   LineScanner scanner(data_->text);
   for (ScannedLine line; scanner.Next(&line);) {
     if (line.fault() != LineFault::kNone) return false;
@@ -130,12 +131,14 @@ bool Parser::Parse() {
         break;
     }
   }
-  GroupOptions();
+  if (!is_grouped_) GroupOptions();
+  AssignOptions();
+  if (!is_grouped_) data_->AddAllNames();
   return true;
 }
 
 // Lines without indentation and blank lines between them are one view into the text.
-void Parser::ReadComment(const ScannedLine& line) {
+void Snapshot::Parser::ReadComment(const ScannedLine& line) {
   std::deque<std::string>& own = data_->comments;
   if (pending_comment_.empty()) {
     pending_comment_ = line.text;
@@ -150,18 +153,19 @@ void Parser::ReadComment(const ScannedLine& line) {
   }
 }
 
-void Parser::ReadHeader(const ScannedLine& line) {
+void Snapshot::Parser::ReadHeader(const ScannedLine& line) {
   const std::string_view name = line.header.name;
   const Section* const found = data_->FindSection(name);
   section_ = found == nullptr ? data_->sections.size() : data_->IndexOf(*found);
   if (found == nullptr) {
-    data_->sections.push_back({name, {}, line.number, data_->options.size(), 0});
-    data_->names.Add(HashOfName(name), Snapshot::Data::NumberOfSection(section_));
+    data_->sections.push_back({name, {}, line.number, {}});
+    counts_.push_back(0);
+    data_->names.Add(HashOfName(name), Data::NumberOfSection(section_));
   }
   data_->sections[section_].comment = std::exchange(pending_comment_, {});
 }
 
-void Parser::ReadOption(const ScannedLine& line) {
+void Snapshot::Parser::ReadOption(const ScannedLine& line) {
   const std::uint64_t hash = HashOfOption(section_, line.option.name);
   Option* const found = FindOption(hash, line.option.name);
   if (found == nullptr) return AddOption(hash, line);
@@ -170,16 +174,16 @@ void Parser::ReadOption(const ScannedLine& line) {
   if (!pending_comment_.empty()) found->comment = std::exchange(pending_comment_, {});
 }
 
-void Parser::AddOption(std::uint64_t hash, const ScannedLine& line) {
+void Snapshot::Parser::AddOption(std::uint64_t hash, const ScannedLine& line) {
   if (section_ + 1 != data_->sections.size()) is_grouped_ = false;
-  data_->names.Add(hash, Snapshot::Data::NumberOfOption(data_->options.size()));
+  data_->names.Add(hash, Data::NumberOfOption(data_->options.size()));
   data_->options.push_back(
       {line.option.name, line.option.value, std::exchange(pending_comment_, {}), line.number});
   owners_.push_back(static_cast<std::uint32_t>(section_));
-  ++data_->sections[section_].option_count;
+  ++counts_[section_];
 }
 
-Option* Parser::FindOption(std::uint64_t hash, std::string_view name) {
+Option* Snapshot::Parser::FindOption(std::uint64_t hash, std::string_view name) {
   const std::uint32_t number = data_->names.Find(hash, [&](std::uint32_t candidate) {
     const std::size_t index = candidate / 2;
     return candidate % 2 == 1 && owners_[index] == section_ &&
@@ -189,20 +193,27 @@ Option* Parser::FindOption(std::uint64_t hash, std::string_view name) {
 }
 
 // A section that has several parts got its options at several places.
-void Parser::GroupOptions() {
-  if (is_grouped_) return;
+void Snapshot::Parser::GroupOptions() {
   std::size_t begin = 0;
   std::vector<std::size_t> next;  // the place of each section's next option
-  for (Section& section : data_->sections) {
-    section.first_option = begin;
+  for (const std::size_t count : counts_) {
     next.push_back(begin);
-    begin += section.option_count;
+    begin += count;
   }
   std::vector<Option> grouped(data_->options.size());
   for (std::size_t i = 0; i < owners_.size(); ++i) grouped[next[owners_[i]]++] = data_->options[i];
   data_->options = std::move(grouped);
-  data_->AddAllNames();
 }
+
+void Snapshot::Parser::AssignOptions() {
+  const Option* begin = data_->options.data();
+  for (std::size_t i = 0; i < counts_.size(); ++i) {
+    data_->sections[i].options = {begin, begin + counts_[i]};
+    begin += counts_[i];
+  }
+}
+
+namespace {
 
 Problem ProblemOf(const Finding& finding, const std::string& file) {
   return {file,           finding.line,       finding.column,
@@ -222,7 +233,7 @@ void AddFindings(const std::string& name, std::string_view text, bool with_warni
 
 }  // namespace
 
-Snapshot::Snapshot(std::shared_ptr<const Data> data) : data_(std::move(data)) {}
+Snapshot::Snapshot(std::shared_ptr<const Data> data) noexcept : data_(std::move(data)) {}
 
 std::optional<Snapshot> Snapshot::Load(const std::string& path, std::vector<Problem>* problems,
                                        Warnings warnings) {
@@ -249,16 +260,24 @@ std::optional<Snapshot> Snapshot::Parse(std::string name, std::string text,
   return Snapshot(data);
 }
 
-const std::string& Snapshot::name() const { return data_->name; }
-const std::string& Snapshot::text() const { return data_->text; }
+const std::string& Snapshot::name() const noexcept { return data_->name; }
+const std::string& Snapshot::text() const noexcept { return data_->text; }
 
-Range<Section> Snapshot::sections() const {
+Range<Section> Snapshot::sections() const noexcept {
   return {data_->sections.data(), data_->sections.data() + data_->sections.size()};
 }
 
-Range<Option> Snapshot::options(const Section& section) const {
-  const Option* const begin = data_->options.data() + section.first_option;
-  return {begin, begin + section.option_count};
+std::vector<const Section*> Snapshot::SectionsWithPrefix(std::string_view prefix) const {
+  std::vector<const Section*> found;
+  for (const Section& section : data_->sections) {
+    if (SameName(section.name.substr(0, prefix.size()), prefix)) found.push_back(&section);
+  }
+  return found;
+}
+
+Range<Option> Snapshot::options(std::string_view section) const noexcept {
+  const Section* const found = FindSection(section);
+  return found == nullptr ? Range<Option>() : found->options;
 }
 
 const Section* Snapshot::FindSection(std::string_view section) const noexcept {

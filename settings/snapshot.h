@@ -9,7 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "settings/problem.h"
+#include "../platform/export.h"
+#include "problem.h"
 
 namespace quarry::settings {
 
@@ -27,6 +28,7 @@ struct Option {
 template <typename Element>
 class Range {
  public:
+  Range() = default;
   Range(const Element* begin, const Element* end) : begin_(begin), end_(end) {}
 
   const Element* begin() const { return begin_; }
@@ -35,8 +37,8 @@ class Range {
   bool empty() const { return begin_ == end_; }
 
  private:
-  const Element* begin_;
-  const Element* end_;
+  const Element* begin_ = nullptr;
+  const Element* end_ = nullptr;
 };
 
 // A section of a snapshot. The views live as long as any copy of the snapshot.
@@ -44,13 +46,19 @@ struct Section {
   std::string_view name;     // as the text first spells it
   std::string_view comment;  // above its last header, in the form of an option's
   std::size_t line = 0;      // of its first header, from 1
-  std::size_t first_option = 0, option_count = 0;  // the snapshot's own; see Snapshot::options
+  Range<Option> options;     // in the order of the lines that first set them
 };
 
 // Copies share the text and its settings. Any number of threads may read a snapshot, and copies of
 // it, at once; none of the operations below changes it. Names of sections and options are compared
 // without regard to the case of the letters A to Z, and end before their first NUL byte.
-class Snapshot {
+//
+//   std::vector<Problem> problems;
+//   const auto snapshot = Snapshot::Load("agent.conf", &problems);
+//   for (const Problem& problem : problems) Log(problem.Message());
+//   if (!snapshot) return;
+//   if (const Option* level = snapshot->Find("Log", "level")) SetLevel(level->value);
+class QUARRY_EXPORT Snapshot {
  public:
   // Whether what is valid but probably not meant is reported, too.
   enum class Warnings { kOmitted, kReported };
@@ -60,29 +68,36 @@ class Snapshot {
   // nothing for a file that cannot be read and for a text that is not valid. Adds every error of
   // the text to `*problems`, and on request every warning, in order of lines. No problem quotes the
   // text, which may hold secrets. Throws std::bad_alloc.
-  static std::optional<Snapshot> Load(const std::string& path, std::vector<Problem>* problems,
-                                      Warnings warnings = Warnings::kOmitted);
-  static std::optional<Snapshot> Parse(std::string name, std::string text,
-                                       std::vector<Problem>* problems,
-                                       Warnings warnings = Warnings::kOmitted);
+  [[nodiscard]] static std::optional<Snapshot> Load(const std::string& path,
+                                                    std::vector<Problem>* problems,
+                                                    Warnings warnings = Warnings::kOmitted);
+  [[nodiscard]] static std::optional<Snapshot> Parse(std::string name, std::string text,
+                                                     std::vector<Problem>* problems,
+                                                     Warnings warnings = Warnings::kOmitted);
 
   // The name that was given, and the text, byte by byte.
-  const std::string& name() const;
-  const std::string& text() const;
+  const std::string& name() const noexcept;
+  const std::string& text() const noexcept;
 
   // All sections, in the order of their first headers.
-  Range<Section> sections() const;
-  // The options of one of them, in the order of the lines that first set them.
-  Range<Option> options(const Section& section) const;
+  Range<Section> sections() const noexcept;
 
-  // Null when there is no such section or option. Allocates nothing and throws nothing.
+  // The sections whose names begin with `prefix`, as "Volume " in "[Volume a]", in their order.
+  // Throws std::bad_alloc.
+  std::vector<const Section*> SectionsWithPrefix(std::string_view prefix) const;
+
+  // The options of a section; none when there is no such section.
+  Range<Option> options(std::string_view section) const noexcept;
+
+  // Null when there is no such section or option. Allocates nothing.
   const Section* FindSection(std::string_view section) const noexcept;
   const Option* Find(std::string_view section, std::string_view option) const noexcept;
 
-  struct Data;
-
  private:
-  explicit Snapshot(std::shared_ptr<const Data> data);
+  struct Data;
+  class Parser;
+
+  explicit Snapshot(std::shared_ptr<const Data> data) noexcept;
 
   std::shared_ptr<const Data> data_;
 };

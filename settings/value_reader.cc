@@ -3,16 +3,20 @@
 #include <algorithm>
 #include <charconv>
 #include <list>
+#include <map>
+#include <set>
 #include <system_error>
 #include <utility>
 
 #include "dmconfig/line.h"
+#include "dmconfig/string_case_cmp.h"
 #include "settings/error.h"
 #include "settings/line_scanner.h"
 #include "settings/suggestions.h"
 
 namespace quarry::settings {
 
+using storage::dmconfig::StringCaseCmp;
 using storage::dmconfig::Trimmed;
 
 namespace {
@@ -170,96 +174,83 @@ std::string HintFor(std::string_view wanted, const std::list<std::string>& names
 
 }  // namespace
 
+class ValueReader::State {
+ public:
+  explicit State(Snapshot snapshot) : snapshot_(std::move(snapshot)) {}
+
+  // Null when the option is absent; adds a problem then if `is_required`.
+  const Option* Find(std::string_view section, std::string_view option, bool is_required);
+
+  // Reads the option with `parse(value, &result)`.
+  template <typename Value, typename Parse>
+  Value Read(std::string_view section, std::string_view option, std::optional<Value> fallback,
+             Parse parse);
+
+  void Refuse(std::string_view section, std::string_view option, Fault fault);
+  void ReportUnknownOptions();
+
+  const std::vector<Problem>& problems() const { return problems_; }
+
+ private:
+  using Names = std::set<std::string, StringCaseCmp>;
+
+  void AddAbsent(std::string_view section, std::string_view option);
+  void AddWrong(Problem problem, Fault fault);
+  void AddUnknown(const Section& section, const Option& option, const Names& known);
+  // `part` is a view into the text.
+  Problem ProblemAt(std::string_view part) const;
+  // At the section's header; about no line when it is null.
+  Problem ProblemAt(const Section* section) const;
+
+  const Snapshot snapshot_;
+  std::vector<Problem> problems_;
+  std::map<std::string, Names, StringCaseCmp> read_;  // options by sections
+};
+
 template <typename Value, typename Parse>
-Value ValueReader::Read(std::string_view section, std::string_view option,
-                        std::optional<Value> fallback, Parse parse) {
+Value ValueReader::State::Read(std::string_view section, std::string_view option,
+                               std::optional<Value> fallback, Parse parse) {
   const Option* const found = Find(section, option, !fallback.has_value());
   Value value{};
   if (found != nullptr) {
-    const Fault fault = parse(found->value, &value);
+    Fault fault = parse(found->value, &value);
     if (fault.text.empty()) return value;
-    AddWrong(*found, fault.text, fault.hint);
+    AddWrong(ProblemAt(found->value), std::move(fault));
   }
   return fallback ? *std::move(fallback) : Value{};
 }
 
-std::string_view ValueReader::Text(std::string_view section, std::string_view option,
-                                   std::optional<std::string_view> fallback) {
-  const Option* const found = Find(section, option, !fallback.has_value());
-  return found != nullptr ? found->value : fallback.value_or(std::string_view());
-}
-
-bool ValueReader::Boolean(std::string_view section, std::string_view option,
-                          std::optional<bool> fallback) {
-  return Read(section, option, fallback, ParseBoolean);
-}
-
-std::int64_t ValueReader::Integer(std::string_view section, std::string_view option,
-                                  std::optional<std::int64_t> fallback, Bounds bounds) {
-  return Read(section, option, fallback, [bounds](std::string_view value, std::int64_t* result) {
-    return ParseInteger(value, bounds, result);
-  });
-}
-
-std::uint64_t ValueReader::Bytes(std::string_view section, std::string_view option,
-                                 std::optional<std::uint64_t> fallback) {
-  return Read(section, option, fallback, ParseBytes);
-}
-
-std::chrono::nanoseconds ValueReader::Duration(std::string_view section, std::string_view option,
-                                               std::optional<std::chrono::nanoseconds> fallback) {
-  return Read(section, option, fallback, ParseDuration);
-}
-
-std::vector<std::string_view> ValueReader::List(
-    std::string_view section, std::string_view option,
-    std::optional<std::vector<std::string_view>> fallback) {
-  return Read(section, option, std::move(fallback), ParseList);
-}
-
-void ValueReader::Refuse(std::string_view section, std::string_view option, std::string text,
-                         std::string hint) {
+void ValueReader::State::Refuse(std::string_view section, std::string_view option, Fault fault) {
   const Option* const found = Find(section, option, false);
-  if (found != nullptr) return AddWrong(*found, std::move(text), std::move(hint));
-  Problem problem = ProblemAt(snapshot_.FindSection(section));
-  problem.rule = kRuleValue;
-  problem.text = std::move(text);
-  problem.hint = std::move(hint);
-  problems_.push_back(std::move(problem));
+  AddWrong(found == nullptr ? ProblemAt(snapshot_.FindSection(section)) : ProblemAt(found->value),
+           std::move(fault));
 }
 
-void ValueReader::ReportUnknownOptions() {
-  for (const auto& [section_name, known] : read_) {
-    const Section* const section = snapshot_.FindSection(section_name);
+void ValueReader::State::ReportUnknownOptions() {
+  for (const auto& [name, known] : read_) {
+    const Section* const section = snapshot_.FindSection(name);
     if (section == nullptr) continue;
-    for (const Option& option : snapshot_.options(*section)) {
-      const auto is_same = [&](const std::string& name) { return SameName(name, option.name); };
-      if (std::any_of(known.begin(), known.end(), is_same)) continue;
-      Problem problem = ProblemAt(option.name);
-      problem.rule = kRuleUnknown;
-      problem.text = NameOf(section->name, option.name) + " is not known";
-      problem.hint = HintFor(option.name, known);
-      problem.is_warning = true;
-      problems_.push_back(std::move(problem));
+    for (const Option& option : section->options) {
+      if (known.count(std::string(option.name)) == 0) AddUnknown(*section, option, known);
     }
   }
 }
 
-const Option* ValueReader::Find(std::string_view section, std::string_view option,
-                                bool is_required) {
-  read_[Folded(section)].emplace_back(option);
+const Option* ValueReader::State::Find(std::string_view section, std::string_view option,
+                                       bool is_required) {
+  read_[std::string(section)].emplace(option);
   const Option* const found = snapshot_.Find(section, option);
   if (found == nullptr && is_required) AddAbsent(section, option);
   return found;
 }
 
-void ValueReader::AddAbsent(std::string_view section, std::string_view option) {
+void ValueReader::State::AddAbsent(std::string_view section, std::string_view option) {
   const Section* const found = snapshot_.FindSection(section);
   std::list<std::string> names;
   if (found == nullptr) {
     for (const Section& other : snapshot_.sections()) names.emplace_back(other.name);
   } else {
-    for (const Option& other : snapshot_.options(*found)) names.emplace_back(other.name);
+    for (const Option& other : found->options) names.emplace_back(other.name);
   }
   Problem problem = ProblemAt(found);
   problem.rule = kRuleAbsent;
@@ -272,23 +263,31 @@ void ValueReader::AddAbsent(std::string_view section, std::string_view option) {
   problems_.push_back(std::move(problem));
 }
 
-void ValueReader::AddWrong(const Option& option, std::string text, std::string hint) {
-  Problem problem = ProblemAt(option.value);
+void ValueReader::State::AddWrong(Problem problem, Fault fault) {
   problem.rule = kRuleValue;
-  problem.text = std::move(text);
-  problem.hint = std::move(hint);
+  problem.text = std::move(fault.text);
+  problem.hint = std::move(fault.hint);
   problems_.push_back(std::move(problem));
 }
 
-Problem ValueReader::ProblemAt(const Section* section) const {
+void ValueReader::State::AddUnknown(const Section& section, const Option& option,
+                                    const Names& known) {
+  Problem problem = ProblemAt(option.name);
+  problem.rule = kRuleUnknown;
+  problem.text = NameOf(section.name, option.name) + " is not known";
+  problem.hint = HintFor(option.name, {known.begin(), known.end()});
+  problem.is_warning = true;
+  problems_.push_back(std::move(problem));
+}
+
+Problem ValueReader::State::ProblemAt(const Section* section) const {
   if (section != nullptr) return ProblemAt(section->name);
   Problem problem;
   problem.file = snapshot_.name();
   return problem;
 }
 
-// `part` is a view into the text.
-Problem ValueReader::ProblemAt(std::string_view part) const {
+Problem ValueReader::State::ProblemAt(std::string_view part) const {
   const std::string& text = snapshot_.text();
   const std::string_view before(text.data(), static_cast<std::size_t>(part.data() - text.data()));
   Problem problem;
@@ -298,5 +297,56 @@ Problem ValueReader::ProblemAt(std::string_view part) const {
   problem.length = part.size();
   return problem;
 }
+
+ValueReader::ValueReader(Snapshot snapshot)
+    : state_(std::make_unique<State>(std::move(snapshot))) {}
+
+ValueReader::ValueReader(ValueReader&& other) noexcept = default;
+ValueReader& ValueReader::operator=(ValueReader&& other) noexcept = default;
+ValueReader::~ValueReader() = default;
+
+std::string_view ValueReader::Text(std::string_view section, std::string_view option,
+                                   std::optional<std::string_view> fallback) {
+  const Option* const found = state_->Find(section, option, !fallback.has_value());
+  return found != nullptr ? found->value : fallback.value_or(std::string_view());
+}
+
+bool ValueReader::Boolean(std::string_view section, std::string_view option,
+                          std::optional<bool> fallback) {
+  return state_->Read(section, option, fallback, ParseBoolean);
+}
+
+std::int64_t ValueReader::Integer(std::string_view section, std::string_view option,
+                                  std::optional<std::int64_t> fallback, Bounds bounds) {
+  return state_->Read(section, option, fallback,
+                      [bounds](std::string_view value, std::int64_t* result) {
+                        return ParseInteger(value, bounds, result);
+                      });
+}
+
+std::uint64_t ValueReader::Bytes(std::string_view section, std::string_view option,
+                                 std::optional<std::uint64_t> fallback) {
+  return state_->Read(section, option, fallback, ParseBytes);
+}
+
+std::chrono::nanoseconds ValueReader::Duration(std::string_view section, std::string_view option,
+                                               std::optional<std::chrono::nanoseconds> fallback) {
+  return state_->Read(section, option, fallback, ParseDuration);
+}
+
+std::vector<std::string_view> ValueReader::List(
+    std::string_view section, std::string_view option,
+    std::optional<std::vector<std::string_view>> fallback) {
+  return state_->Read(section, option, std::move(fallback), ParseList);
+}
+
+void ValueReader::Refuse(std::string_view section, std::string_view option, std::string text,
+                         std::string hint) {
+  state_->Refuse(section, option, {std::move(text), std::move(hint)});
+}
+
+void ValueReader::ReportUnknownOptions() { state_->ReportUnknownOptions(); }
+
+const std::vector<Problem>& ValueReader::problems() const noexcept { return state_->problems(); }
 
 }  // namespace quarry::settings

@@ -5,15 +5,15 @@
 #include <chrono>
 #include <cstdint>
 #include <limits>
-#include <list>
-#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
-#include "settings/snapshot.h"
+#include "../platform/export.h"
+#include "problem.h"
+#include "snapshot.h"
 
 namespace quarry::settings {
 
@@ -38,9 +38,14 @@ struct Bounds {
 // value is wrong: the fallback or an empty value, and a problem at the value that says what would
 // be right. No problem quotes a value, which may be secret. Throws std::bad_alloc. One thread at a
 // time may use a reader.
-class ValueReader {
+class QUARRY_EXPORT ValueReader {
  public:
-  explicit ValueReader(Snapshot snapshot) : snapshot_(std::move(snapshot)) {}
+  explicit ValueReader(Snapshot snapshot);
+
+  // A reader that was moved from can only be assigned to and destroyed.
+  ValueReader(ValueReader&& other) noexcept;
+  ValueReader& operator=(ValueReader&& other) noexcept;
+  ~ValueReader();
 
   // The value as it is. The view lives as long as the snapshot.
   std::string_view Text(std::string_view section, std::string_view option,
@@ -79,25 +84,13 @@ class ValueReader {
   // nearest name that was read.
   void ReportUnknownOptions();
 
-  const std::vector<Problem>& problems() const { return problems_; }
+  // What was found so far, in the order of the calls.
+  const std::vector<Problem>& problems() const noexcept;
 
  private:
-  // Null when the option is absent; adds a problem then if `is_required`.
-  const Option* Find(std::string_view section, std::string_view option, bool is_required);
-  void AddAbsent(std::string_view section, std::string_view option);
-  void AddWrong(const Option& option, std::string text, std::string hint);
-  Problem ProblemAt(std::string_view part) const;
-  // At the section's header; about no line when it is null.
-  Problem ProblemAt(const Section* section) const;
+  class State;
 
-  // Reads the option with `parse(value, &result)`, which returns what is wrong and how to mend it.
-  template <typename Value, typename Parse>
-  Value Read(std::string_view section, std::string_view option, std::optional<Value> fallback,
-             Parse parse);
-
-  const Snapshot snapshot_;
-  std::vector<Problem> problems_;
-  std::map<std::string, std::list<std::string>> read_;  // options by folded section names
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace quarry::settings

@@ -11,6 +11,9 @@ namespace quarry::settings {
 namespace {
 
 using Changes = std::vector<Change>;
+constexpr auto Set = &Change::Set;
+constexpr auto Remove = &Change::Remove;
+constexpr auto RemoveSection = &Change::RemoveSection;
 
 std::string After(const std::string& text, const Changes& changes, std::string* problem) {
   std::vector<Problem> problems;
@@ -23,23 +26,29 @@ std::string After(const std::string& text, const Changes& changes, std::string* 
 TEST(Changes, AreAppliedAllOrNone) {
   // A text, the changes, and the text afterwards or the problem.
   const std::tuple<const char*, Changes, const char*> cases[] = {
-      {"[a]\n x = 1 \n#c\ny=2", {{"A", "X", "3"}, {"a", "y", {}}}, "[a]\n x = 3 \n#c"},
+      {"[a]\n x = 1 \n#c\ny=2", {Set("A", "X", "3"), Remove("a", "y")}, "[a]\n x = 3 \n#c"},
       {"[a]\nx=1\n", {}, "[a]\nx=1\n"},
-      {"[a]\nx=1\nx=2\n", {{"a", "x", {}}, {"b", "y", "1"}}, "[a]\n\n[b]\ny=1\n"},
-      // The last change of an option counts.
-      {"[a]\nx=1\n", {{"a", "x", {}}, {"a", "X", "2"}}, "[a]\nx=2\n"},
-      {"[a]\nx=1\n", {{"a", "x", "2"}, {"a", "X", {}}}, "[a]\n"},
+      {"[a]\nx=1\nx=2\n", {Remove("a", "x"), Set("b", "y", "1")}, "[a]\n\n[b]\ny = 1\n"},
+      // In their order.
+      {"[a]\nx=1\n",
+       {Set("a", "y", "2"), Set("a", "Z", "1"), Set("a", "Y", "3")},
+       "[a]\nx=1\ny=3\nZ=1\n"},
+      {"[a]\nx=1\nz=1\n", {Remove("a", "x"), Set("a", "X", "2")}, "[a]\nz=1\nX=2\n"},
+      {"[a]\nx=1\n", {Set("a", "x", "2"), Remove("a", "X")}, "[a]\n"},
+      {"[a]\nx=1\n\n#c\n[b]\ny=1\n",
+       {RemoveSection("B"), Set("b", "z", "2")},
+       "[a]\nx=1\n\n#c\n\n[b]\nz=2\n"},
       // What is absent may be removed.
-      {"[a]\nx=1\n", {{"b", "x", {}}, {"a", "", {}}}, "[a]\nx=1\n"},
+      {"[a]\nx=1\n", {Remove("b", "x"), Remove("a", ""), RemoveSection("")}, "[a]\nx=1\n"},
       // What would not be read back is refused.
       {"[a]\n",
-       {{"a", "y", "1"}, {"a", "x", "1\n[CR]\nlogin=me"}},
+       {Set("a", "y", "1"), Set("a", "x", "1\n[CR]\nlogin=me")},
        "f: the value would not be read back: it holds a line feed, where a line ends"},
       {"[a]\n",
-       {{"a]", "x", "1"}},
+       {Set("a]", "x", "1"), RemoveSection("a]")},
        "f: section name \"a]\" would not be read back: it holds a \"]\", where a name ends"},
       {"[a]\n",
-       {{"a", "#x", "1"}},
+       {Set("a", "#x", "1")},
        "f: option name \"#x\" would not be read back: its line would be a comment"},
   };
   for (const auto& [text, changes, result] : cases) {
@@ -60,7 +69,7 @@ TEST(Changes, AreSavedByManyThreads) {
     thread = std::thread([&file, option = "x" + std::to_string(++number)] {
       for (int n = 1; n <= 20; ++n) {
         std::vector<Problem> problems;
-        EXPECT_TRUE(Save(file, {{"a", option, std::to_string(n)}}, &problems));
+        EXPECT_TRUE(Save(file, {Set("a", option, std::to_string(n))}, &problems));
       }
     });
   }
@@ -69,8 +78,8 @@ TEST(Changes, AreSavedByManyThreads) {
   const auto saved = Snapshot::Load(file, &problems);
   ASSERT_TRUE(saved);
   EXPECT_EQ(saved->text().substr(0, 10), "# kept\n[a]");
-  EXPECT_EQ(saved->options(*saved->FindSection("a")).size(), threads.size());
-  for (const Option& option : saved->options(*saved->FindSection("a"))) {
+  EXPECT_EQ(saved->options("a").size(), threads.size());
+  for (const Option& option : saved->options("a")) {
     EXPECT_EQ(option.value, "20");
   }
 }
@@ -79,13 +88,17 @@ TEST(Changes, AreNotSavedWhereSomethingIsWrong) {
   const TempFolder folder;
   folder.Write("invalid", "[a]\nx\n[b\n");
   std::vector<Problem> problems;
-  EXPECT_FALSE(Save(folder.Path("invalid"), {{"a", "x", "1"}}, &problems));
+  EXPECT_FALSE(Save(folder.Path("invalid"), {Set("a", "x", "1")}, &problems));
   EXPECT_EQ(problems.size(), 2U);
   EXPECT_EQ(folder.Read("invalid"), "[a]\nx\n[b\n");
   problems.clear();
   const std::string none = folder.Path("none");
-  EXPECT_FALSE(Save(none, {{"a", "x", "1"}}, &problems));
+  EXPECT_FALSE(Save(none, {Set("a", "x", "1")}, &problems));
   EXPECT_EQ(problems.front().Message(), "cannot open " + none + ": No such file or directory");
+  SaveOptions options;
+  options.new_mode = 0600;
+  EXPECT_TRUE(Save(none, {Set("a", "x", "1")}, &problems, options));
+  EXPECT_EQ(folder.Read("none"), "[a]\nx = 1\n");
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ TEST(Snapshot, HasTheTextsSections) {
   for (const Section& section : snapshot.sections()) {
     all += std::to_string(section.line) + " [" + std::string(section.name) + "] (" +
            std::string(section.comment) + ")\n";
-    for (const Option& option : snapshot.options(section)) {
+    for (const Option& option : section.options) {
       all += std::to_string(option.line) + ' ' + std::string(option.name) + '=' +
              std::string(option.value) + " (" + std::string(option.comment) + ")\n";
     }

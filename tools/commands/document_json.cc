@@ -3,51 +3,55 @@
 #include <utility>
 
 #include "settings/line_scanner.h"
+#include "tools/commands/open_document.h"
 
 namespace quarry::tool {
 
 namespace {
 
-nlohmann::ordered_json SectionJson(const std::string& name, const settings::SectionOrigin* origin,
-                                   settings::Document* document) {
-  const auto& record = document->Record(name);
-  nlohmann::ordered_json section;
-  AddText(&section, "name", name);
-  AddText(&section, "comment", record.comment);
-  section["options"] = nlohmann::ordered_json::array();
-  for (const auto& [option_name, stored] : record.option_map) {
-    nlohmann::ordered_json option;
-    AddText(&option, "name", option_name);
-    AddText(&option, "value", stored.value);
-    AddText(&option, "comment", stored.comment);
-    if (origin != nullptr) {
-      option["line"] = origin->options.at(option_name).number;
-    }
-    section["options"].push_back(std::move(option));
-  }
-  return section;
+// As in a model.
+std::string CommentText(std::string_view comment) {
+  return comment.empty() ? "" : '\n' + std::string(comment);
 }
 
-}  // namespace
-
-nlohmann::ordered_json DocumentEntry(const std::list<std::string>& sections, bool with_lines,
-                                     settings::Document* document) {
-  settings::OriginMap origins;
-  if (with_lines) origins = settings::FindOrigins(document->text());
+nlohmann::ordered_json OptionJson(const settings::Option& option, bool with_line) {
   nlohmann::ordered_json json;
-  AddText(&json, "file", document->file());
-  json["sections"] = nlohmann::ordered_json::array();
-  for (const std::string& name : sections) {
-    const settings::SectionOrigin* origin = with_lines ? &origins.at(name) : nullptr;
-    json["sections"].push_back(SectionJson(name, origin, document));
+  AddText(&json, "name", std::string(option.name));
+  AddText(&json, "value", std::string(option.value));
+  AddText(&json, "comment", CommentText(option.comment));
+  if (with_line) json["line"] = option.line;
+  return json;
+}
+
+nlohmann::ordered_json SectionJson(const settings::Section& section, bool with_lines) {
+  nlohmann::ordered_json json;
+  AddText(&json, "name", std::string(section.name));
+  AddText(&json, "comment", CommentText(section.comment));
+  json["options"] = nlohmann::ordered_json::array();
+  for (const settings::Option* const option : SortedOptions(section)) {
+    json["options"].push_back(OptionJson(*option, with_lines));
   }
   return json;
 }
 
-std::string DocumentJson(const std::list<std::string>& sections, bool with_lines,
-                         settings::Document* document) {
+}  // namespace
+
+nlohmann::ordered_json DocumentEntry(const settings::Snapshot& snapshot, bool with_lines,
+                                     const std::optional<std::string>& section) {
+  nlohmann::ordered_json json;
+  AddText(&json, "file", snapshot.name());
+  json["sections"] = nlohmann::ordered_json::array();
+  for (const settings::Section& one : snapshot.sections()) {
+    if (section && !settings::SameName(one.name, *section)) continue;
+    json["sections"].push_back(SectionJson(one, with_lines));
+  }
+  return json;
+}
+
+std::string DocumentJson(const settings::Snapshot& snapshot, bool with_lines,
+                         const std::optional<std::string>& section) {
   nlohmann::ordered_json json = {{"schema", 1}};
-  json.update(DocumentEntry(sections, with_lines, document));
+  json.update(DocumentEntry(snapshot, with_lines, section));
   return JsonText(json);
 }
 

@@ -26,8 +26,8 @@ struct DumpRequest {
 };
 
 std::string DumpOf(const DumpRequest& request, std::string text) {
+  if (request.json) return DocumentJson(OpenSnapshot(request.file, std::move(text)), false);
   settings::Document document = OpenDocument(request.file, std::move(text));
-  if (request.json) return DocumentJson(document.Sections(), false, &document);
   return request.canonical ? settings::CanonicalText(&document) : document.DumpText();
 }
 

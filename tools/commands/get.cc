@@ -18,12 +18,13 @@ struct GetRequest {
 };
 
 ExitStatus RunGet(const GetRequest& request) {
-  settings::Document document = OpenDocument(request.file);
+  const settings::Snapshot snapshot = OpenSnapshot(request.file);
   const bool use_default =
-      request.default_text.has_value() && !document.Has(request.section, request.option);
-  WriteStandardOutput((use_default ? *request.default_text
-                                   : RequireOption(request.section, request.option, &document)) +
-                      '\n');
+      request.default_text.has_value() && snapshot.Find(request.section, request.option) == nullptr;
+  const std::string_view value =
+      use_default ? *request.default_text
+                  : RequireOption(request.section, request.option, snapshot).value;
+  WriteStandardOutput(std::string(value) + '\n');
   return kExitDone;
 }
 

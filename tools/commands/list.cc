@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <list>
 #include <optional>
 #include <utility>
 
@@ -19,7 +17,6 @@
 
 namespace quarry::tool {
 
-using settings::Document;
 using settings::Snapshot;
 
 namespace {
@@ -33,24 +30,17 @@ struct ListRequest {
   bool show_secrets = false;
 };
 
-std::string NamesText(const ListRequest& request, Document* document) {
-  const std::list<std::string> names =
-      request.section ? document->Options(*request.section) : document->Sections();
+std::string NamesText(const ListRequest& request, const Snapshot& snapshot) {
   std::string text;
-  for (const std::string& name : names) text += name + '\n';
+  const auto add = [&text](std::string_view name) { text.append(name).append(1, '\n'); };
+  if (request.section) {
+    for (const auto* option : SortedOptions(*snapshot.FindSection(*request.section))) {
+      add(option->name);
+    }
+  } else {
+    for (const settings::Section& section : snapshot.sections()) add(section.name);
+  }
   return text;
-}
-
-// The options in the order of their names.
-std::vector<const settings::Option*> SortedOptions(
-    const settings::Range<settings::Option>& options) {
-  std::vector<const settings::Option*> sorted;
-  sorted.reserve(options.size());
-  for (const settings::Option& option : options) sorted.push_back(&option);
-  std::sort(sorted.begin(), sorted.end(), [](const auto* left, const auto* right) {
-    return settings::IsNameBefore(left->name, right->name);
-  });
-  return sorted;
 }
 
 // Every option of the file with its line, or those of one section.
@@ -61,7 +51,7 @@ std::string OriginText(const ListRequest& request, const Snapshot& snapshot,
   for (const settings::Section& section : snapshot.sections()) {
     if (section_name && !settings::SameName(section.name, *section_name)) continue;
     const std::string header = ": [" + EscapeForTerminal(section.name) + "] ";
-    for (const settings::Option* option : SortedOptions(snapshot.options(section))) {
+    for (const settings::Option* option : SortedOptions(section)) {
       const std::string name(option->name), value(option->value);
       text.append(file).append(1, ':').append(std::to_string(option->line)).append(header);
       text.append(EscapeForTerminal(name)).append(" = ");
@@ -72,18 +62,13 @@ std::string OriginText(const ListRequest& request, const Snapshot& snapshot,
   return text;
 }
 
-ExitStatus ListFile(const ListRequest& request, Document document) {
-  if (request.section) RequireSection(*request.section, &document);
-  const std::list<std::string> sections =
-      request.section ? std::list<std::string>{document.StoredName(*request.section)}
-                      : document.Sections();
+ExitStatus ListFile(const ListRequest& request, const Snapshot& snapshot) {
+  if (request.section) RequireSection(*request.section, snapshot);
   if (request.json) {
-    WriteStandardOutput(DocumentJson(sections, request.origin, &document));
-  } else if (request.origin) {
-    WriteStandardOutput(
-        OriginText(request, OpenSnapshot(document.file(), document.text()), request.section));
+    WriteStandardOutput(DocumentJson(snapshot, request.origin, request.section));
   } else {
-    WriteStandardOutput(NamesText(request, &document));
+    WriteStandardOutput(request.origin ? OriginText(request, snapshot, request.section)
+                                       : NamesText(request, snapshot));
   }
   return kExitDone;
 }
@@ -100,12 +85,11 @@ ExitStatus ListFiles(const ListRequest& request, std::optional<std::string> firs
       files, &progress,
       [&](const std::string& file) {
         const auto read_before = std::exchange(first_text, std::nullopt);
-        const std::string read = read_before ? *read_before : ReadInput(file);
+        const Snapshot snapshot = OpenSnapshot(file, read_before ? *read_before : ReadInput(file));
         if (request.json) {
-          Document document = OpenDocument(file, read);
-          json["files"].push_back(DocumentEntry(document.Sections(), true, &document));
+          json["files"].push_back(DocumentEntry(snapshot, true));
         } else {
-          text += OriginText(request, OpenSnapshot(file, read), std::nullopt);
+          text += OriginText(request, snapshot, std::nullopt);
         }
       },
       [&](const std::string& file, const settings::Error& error) {
@@ -145,7 +129,7 @@ ExitStatus RunList(const ListRequest& request) {
   if (!request.more_files.empty() || (has_second_word && IsSecondFile(request, &text))) {
     return ListFiles(request, std::move(text));
   }
-  return ListFile(request, OpenDocument(request.file, text ? *text : ReadInput(request.file)));
+  return ListFile(request, OpenSnapshot(request.file, text ? *text : ReadInput(request.file)));
 }
 
 Word MoreFiles(std::vector<std::string>* files) {

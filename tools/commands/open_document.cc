@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "settings/line_scanner.h"
 #include "settings/suggestions.h"
 #include "tools/check/check.h"
 #include "tools/check/finding_text.h"
@@ -16,6 +17,7 @@ namespace quarry::tool {
 
 using settings::Document;
 using settings::Quoted;
+using settings::Snapshot;
 
 namespace {
 
@@ -44,13 +46,21 @@ std::string ListCommand(const std::string& file, const std::string& section = ""
   return section.empty() ? command : command + ' ' + ShellQuoted(section);
 }
 
+template <typename Named>
+std::list<std::string> NamesOf(const settings::Range<Named>& range) {
+  std::list<std::string> names;
+  for (const Named& one : range) names.emplace_back(one.name);
+  return names;
+}
+
 std::string MissingOptionHint(const std::string& section, const std::string& option,
-                              Document* document) {
-  for (const std::string& other : document->Sections()) {
-    if (!document->Has(other, option)) continue;
-    return "section " + Quoted(other) + " has an option of this name";
+                              const Snapshot& snapshot) {
+  for (const settings::Section& other : snapshot.sections()) {
+    if (snapshot.Find(other.name, option) == nullptr) continue;
+    return "section " + Quoted(other.name) + " has an option of this name";
   }
-  return SuggestionHint(option, document->Options(section), ListCommand(document->file(), section));
+  return SuggestionHint(option, NamesOf(snapshot.options(section)),
+                        ListCommand(snapshot.name(), section));
 }
 
 }  // namespace
@@ -66,30 +76,45 @@ Document OpenDocument(const std::string& file, std::string text) {
   }
 }
 
-settings::Snapshot OpenSnapshot(const std::string& file, const std::string& text) {
+Snapshot OpenSnapshot(const std::string& file) { return OpenSnapshot(file, ReadInput(file)); }
+
+Snapshot OpenSnapshot(const std::string& file, std::string text) {
   std::vector<settings::Problem> problems;
-  auto snapshot = settings::Snapshot::Parse(file, text, &problems);
+  auto snapshot = Snapshot::Parse(file, text, &problems);
   if (!snapshot) ThrowErrorsIn(text, file);
-  return *snapshot;
+  return *std::move(snapshot);
 }
 
-void RequireSection(const std::string& section, Document* document, const std::string& hint) {
-  if (document->HasSection(section)) return;
-  const std::string& file = document->file();
-  throw ToolError(
-      kExitNo, InputName(file) + ": no section " + Quoted(section),
-      hint.empty() ? SuggestionHint(section, document->Sections(), ListCommand(file)) : hint);
+const settings::Section& RequireSection(const std::string& section, const Snapshot& snapshot,
+                                        const std::string& hint) {
+  const settings::Section* const found = snapshot.FindSection(section);
+  if (found != nullptr) return *found;
+  const std::string& file = snapshot.name();
+  throw ToolError(kExitNo, InputName(file) + ": no section " + Quoted(section),
+                  hint.empty()
+                      ? SuggestionHint(section, NamesOf(snapshot.sections()), ListCommand(file))
+                      : hint);
 }
 
-const std::string& RequireOption(const std::string& section, const std::string& option,
-                                 Document* document) {
-  RequireSection(section, document);
-  const auto* const found = document->Find(section, option);
-  if (found != nullptr) return found->value;
+const settings::Option& RequireOption(const std::string& section, const std::string& option,
+                                      const Snapshot& snapshot) {
+  RequireSection(section, snapshot);
+  const settings::Option* const found = snapshot.Find(section, option);
+  if (found != nullptr) return *found;
   throw ToolError(kExitNo,
-                  InputName(document->file()) + ": no option " + Quoted(option) + " in section " +
+                  InputName(snapshot.name()) + ": no option " + Quoted(option) + " in section " +
                       Quoted(section),
-                  MissingOptionHint(section, option, document));
+                  MissingOptionHint(section, option, snapshot));
+}
+
+std::vector<const settings::Option*> SortedOptions(const settings::Section& section) {
+  std::vector<const settings::Option*> sorted;
+  sorted.reserve(section.options.size());
+  for (const settings::Option& option : section.options) sorted.push_back(&option);
+  std::sort(sorted.begin(), sorted.end(), [](const auto* left, const auto* right) {
+    return settings::IsNameBefore(left->name, right->name);
+  });
+  return sorted;
 }
 
 }  // namespace quarry::tool

@@ -3,31 +3,36 @@
 #define QUARRY_TOOLS_COMMANDS_OPEN_DOCUMENT_H_
 
 #include <string>
+#include <vector>
 
 #include "settings/document.h"
 #include "settings/snapshot.h"
 
 namespace quarry::tool {
 
-// Reads and parses the file, or standard input for "-". Throws settings::Error: when it cannot be
-// read, and, with all errors that check finds, when it is not valid.
-settings::Document OpenDocument(const std::string& file);
-
-// The same for a text that has been read already.
+// A text that has been read already, to be edited or compared. Throws settings::Error, with all
+// errors that check finds, when it is not valid.
 settings::Document OpenDocument(const std::string& file, std::string text);
 
-// The same as a snapshot, for commands that only read values and their lines.
-settings::Snapshot OpenSnapshot(const std::string& file, const std::string& text);
+// Reads the file, or standard input for "-". Throws settings::Error, also when it cannot be read.
+settings::Document OpenDocument(const std::string& file);
+
+// The same as a snapshot, for what is only looked up.
+settings::Snapshot OpenSnapshot(const std::string& file, std::string text);
+settings::Snapshot OpenSnapshot(const std::string& file);
 
 // Throws ToolError (kExitNo) when there is no such section, with the hint, or one that suggests
 // names.
-void RequireSection(const std::string& section, settings::Document* document,
-                    const std::string& hint = "");
+const settings::Section& RequireSection(const std::string& section,
+                                        const settings::Snapshot& snapshot,
+                                        const std::string& hint = "");
 
-// Returns the option's value. Throws ToolError (kExitNo), which suggests names, when there is no
-// such option.
-const std::string& RequireOption(const std::string& section, const std::string& option,
-                                 settings::Document* document);
+// Throws ToolError (kExitNo), which suggests names, when there is no such option.
+const settings::Option& RequireOption(const std::string& section, const std::string& option,
+                                      const settings::Snapshot& snapshot);
+
+// The section's options in the order of their names.
+std::vector<const settings::Option*> SortedOptions(const settings::Section& section);
 
 }  // namespace quarry::tool
 

@@ -22,21 +22,19 @@ struct RenameRequest {
   std::string new_name;
 };
 
-EditedText Rename(const RenameRequest& request, Document* document) {
+EditedText Rename(const RenameRequest& request, const std::string& text) {
+  const settings::Snapshot snapshot = OpenSnapshot(request.target.file, text);
+  Document document(request.target.file, std::string(text));
   if (!request.option) {
-    RequireSection(request.section, document);
-    return settings::WithSectionRenamed(document, request.section, request.new_name);
+    RequireSection(request.section, snapshot);
+    return settings::WithSectionRenamed(&document, request.section, request.new_name);
   }
-  RequireOption(request.section, *request.option, document);
-  return settings::WithOptionRenamed(document, request.section, *request.option, request.new_name);
+  RequireOption(request.section, *request.option, snapshot);
+  return settings::WithOptionRenamed(&document, request.section, *request.option, request.new_name);
 }
 
 ExitStatus RunRename(const RenameRequest& request) {
-  return MakeEdit(request.target,
-                  [&](const std::string& text) {
-                    Document document = OpenDocument(request.target.file, text);
-                    return Rename(request, &document);
-                  })
+  return MakeEdit(request.target, [&](const std::string& text) { return Rename(request, text); })
       .status;
 }
 

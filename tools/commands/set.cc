@@ -1,11 +1,8 @@
 // quarry-config set
 
 #include <algorithm>
-#include <map>
 #include <optional>
-#include <set>
 
-#include "dmconfig/string_case_cmp.h"
 #include "platform/local/sealed_password.h"
 #include "settings/line_scanner.h"
 #include "tools/check/agent_advice.h"
@@ -23,7 +20,6 @@ using settings::EditedText;
 using settings::SameName;
 using settings::Setting;
 using storage::dmconfig::LineKind;
-using storage::dmconfig::StringCaseCmp;
 
 namespace {
 
@@ -88,19 +84,16 @@ void WarnOfPlainPassword(const std::vector<Setting>& settings) {
 }
 
 // The options that the text sets, in its order, each once and with its last value.
-std::vector<Setting> SettingsOf(settings::Document* changes) {
+std::vector<Setting> SettingsOf(const std::string& changes) {
   std::vector<Setting> settings;
-  std::map<std::string, std::set<std::string, StringCaseCmp>, StringCaseCmp> seen;
   std::string section;
-  settings::LineScanner scanner(changes->text());
+  settings::LineScanner scanner(changes);
   for (settings::ScannedLine line; scanner.Next(&line);) {
     if (line.kind == LineKind::kHeader) section = line.header.name;
     if (line.kind != LineKind::kOption) continue;
-    const std::string option(line.option.name);
-    if (!seen[section].insert(option).second) continue;
-    settings.push_back({section, option, changes->Find(section, option)->value});
+    settings.push_back({section, std::string(line.option.name), std::string(line.option.value)});
   }
-  return settings;
+  return settings::LastOfEach(settings);
 }
 
 std::vector<Setting> ReadChanges(const SetRequest& request) {
@@ -108,10 +101,10 @@ std::vector<Setting> ReadChanges(const SetRequest& request) {
     throw ToolError(kExitUsage, "standard input cannot be both the file and the changes",
                     "give the name of one of them");
   }
-  settings::Document changes = OpenDocument(*request.changes);
-  WriteDiagnostics(DiagnosticsOf(CheckForProgram(changes.text(), changes.file(), Program::kNone),
-                                 changes.file()));
-  return SettingsOf(&changes);
+  const settings::Snapshot changes = OpenSnapshot(*request.changes, ReadInput(*request.changes));
+  WriteDiagnostics(DiagnosticsOf(CheckForProgram(changes.text(), changes.name(), Program::kNone),
+                                 changes.name()));
+  return SettingsOf(changes.text());
 }
 
 std::string HintForTooFew(const SetRequest& request) {

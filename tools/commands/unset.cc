@@ -10,7 +10,6 @@
 
 namespace quarry::tool {
 
-using settings::Document;
 using settings::EditedText;
 
 namespace {
@@ -24,28 +23,26 @@ struct UnsetRequest {
   bool if_present = false;
 };
 
-bool IsPresent(const UnsetRequest& request, Document* document) {
-  return request.option ? document->Has(request.section, *request.option)
-                        : document->HasSection(request.section);
+bool IsPresent(const UnsetRequest& request, const settings::Snapshot& snapshot) {
+  return request.option ? snapshot.Find(request.section, *request.option) != nullptr
+                        : snapshot.FindSection(request.section) != nullptr;
 }
 
-EditedText Unset(const UnsetRequest& request, Document* document) {
-  if (request.if_present && !IsPresent(request, document)) return {{}, document->text()};
+EditedText Unset(const UnsetRequest& request, const std::string& text) {
+  const settings::Snapshot snapshot = OpenSnapshot(request.target.file, text);
+  if (request.if_present && !IsPresent(request, snapshot)) return {{}, text};
+  settings::Document document(request.target.file, std::string(text));
   if (!request.option) {
-    RequireSection(request.section, document,
+    RequireSection(request.section, snapshot,
                    HintForJoinedNames("unset", {request.target.file, request.section}, 3));
-    return settings::WithoutSection(document, request.section, request.with_comment);
+    return settings::WithoutSection(&document, request.section, request.with_comment);
   }
-  RequireOption(request.section, *request.option, document);
-  return settings::WithoutOption(document, request.section, *request.option, request.with_comment);
+  RequireOption(request.section, *request.option, snapshot);
+  return settings::WithoutOption(&document, request.section, *request.option, request.with_comment);
 }
 
 ExitStatus RunUnset(const UnsetRequest& request) {
-  return MakeEdit(request.target,
-                  [&](const std::string& text) {
-                    Document document = OpenDocument(request.target.file, text);
-                    return Unset(request, &document);
-                  })
+  return MakeEdit(request.target, [&](const std::string& text) { return Unset(request, text); })
       .status;
 }
 
