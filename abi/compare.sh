@@ -5,13 +5,16 @@
 set -euo pipefail
 build=$(realpath "$1")
 cd "$(dirname "$0")/.."
-libraries=(libquarry_config libquarry_platform)
+libraries=(libquarry_config libquarry_platform libquarry_settings)
 
 # Writes the interface as abidiff compares it, and the exported names.
 describe() { # LIBRARY FOLDER
+  local inside=()
+  [ ! -e "abi/$1.ini" ] || inside=(--suppressions "abi/$1.ini")
   abidw --no-corpus-path --no-comp-dir-path --no-show-locs --drop-private-types --headers-dir . \
-    --exported-interfaces-only --type-id-style hash "$build/$1.so" | sed "s|$PWD/||g" >"$2/$1.abi"
-  nm -DC --defined-only "$build/$1.so" | cut -d' ' -f3- | LC_ALL=C sort >"$2/$1.names"
+    "${inside[@]}" --exported-interfaces-only --type-id-style hash "$build/$1.so" |
+    sed "s|$PWD/||g; /<elf-symbol .*_PRIVATE_/d" >"$2/$1.abi"
+  abi/names.sh "$build/$1.so" >"$2/$1.names"
 }
 
 if [ "${2:-}" = --renew ]; then

@@ -9,7 +9,8 @@ mapfile -t headers < <(find . -name '*.h' | LC_ALL=C sort)
 mapfile -t types < <(awk '
   /^namespace .* \{$/ { namespace = $2 "::" }
   /^}  \/\/ namespace/ { namespace = "" }
-  /^(class|struct) .*\{$/ { print namespace ($2 == "QUARRY_EXPORT" ? $3 : $2) }' "${headers[@]}")
+  /^(class|struct) .*\{$/ && before !~ /^template/ { print namespace ($2 == "QUARRY_EXPORT" ? $3 : $2) }
+  { before = $0 }' "${headers[@]}")
 
 # clang prints a layout where it is needed.
 {

@@ -9,20 +9,24 @@ file(RELATIVE_PATH headers_dir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCL
 # what that requires in turn when it is static.
 set(platform_library "")
 set(requires "")
+set(settings_requires Requires.private)
 if(QUARRY_PLATFORM STREQUAL "local")
   set(platform_library " -lquarry_platform")
+endif()
+if(QUARRY_LIBRARY_TYPE STREQUAL "STATIC")
+  set(settings_requires Requires)
 endif()
 if(platform_library AND QUARRY_LIBRARY_TYPE STREQUAL "STATIC")
   set(requires libsodium)
 endif()
 
-install(TARGETS quarry_config quarry_platform EXPORT quarry_configTargets
+install(TARGETS quarry_config quarry_platform quarry_settings EXPORT quarry_configTargets
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT devel
   ARCHIVE COMPONENT devel
   FILE_SET HEADERS DESTINATION ${headers_dir} COMPONENT devel
   INCLUDES DESTINATION ${headers_dir}) # for users with CMake before 3.23, which has no file sets
 
-# For CMake: find_package(quarry_config CONFIG), quarry::config, quarry::platform.
+# For CMake: find_package(quarry_config CONFIG), quarry::config, quarry::platform, quarry::settings.
 install(EXPORT quarry_configTargets NAMESPACE quarry:: DESTINATION ${package_dir}
   COMPONENT devel)
 configure_package_config_file(cmake/quarry_config-config.cmake.in
@@ -42,9 +46,11 @@ if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   set(prefix "\${pcfiledir}/${prefix}")
 endif()
 file(RELATIVE_PATH libdir ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBDIR})
-configure_file(cmake/quarry-config.pc.in ${PROJECT_BINARY_DIR}/quarry-config.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/quarry-config.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-  COMPONENT devel)
+foreach(library IN ITEMS config settings)
+  set(file ${PROJECT_BINARY_DIR}/quarry-${library}.pc)
+  configure_file(cmake/quarry-${library}.pc.in ${file} @ONLY)
+  install(FILES ${file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT devel)
+endforeach()
 
 if(NOT QUARRY_BUILD_TOOL)
   return()

@@ -1,4 +1,4 @@
-# quarry_library(NAME): sets the properties that both libraries have in common.
+# quarry_library(NAME): sets the properties that the libraries have in common.
 function(quarry_library name)
   quarry_public_headers(${name})
   # First, because a host's folders may have headers of the same names.
@@ -16,7 +16,8 @@ function(quarry_library name)
 endfunction()
 
 function(quarry_shared_library name)
-  set(map ${PROJECT_SOURCE_DIR}/cmake/${name}.map)
+  set(map ${PROJECT_BINARY_DIR}/${name}.map)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.map.in ${map} @ONLY)
   target_compile_options(${name} PRIVATE -fno-semantic-interposition)
   target_link_options(${name} PRIVATE -Wl,--version-script=${map})
   set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION}

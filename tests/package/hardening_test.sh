@@ -21,8 +21,8 @@ check() { # FILE SWITCH...
 check "$1"
 for library in "${@:2}"; do
   case $library in
-    # Calls nothing whose size is known only while it runs.
-    *platform*) check "$library" --nopie --nofortify ;;
+    # They call nothing whose size is known only while it runs.
+    *platform* | *settings*) check "$library" --nopie --nofortify ;;
     *) check "$library" --nopie ;;
   esac
 done

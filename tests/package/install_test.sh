@@ -32,7 +32,7 @@ compilers=('g++ gcc' 'clang++ clang')
 # The host has headers with the names of ours, searched first; only its own code may include them.
 mapfile -t headers < <(cd "$root" && find config dmconfig platform settings -name '*.h')
 for header in "${headers[@]}"; do
-  grep -qF "\"$header\"" "$root"/{tests/package/consumer/main,platform/local/cr_errno_exception}.cc && continue
+  grep -qF "\"$header\"" "$root"/{tests/package/consumer/{main,settings},platform/local/cr_errno_exception}.cc && continue
   mkdir -p "host-headers/${header%/*}"
   echo "#error the host's $header was included" >"host-headers/$header"
 done
@@ -43,13 +43,15 @@ mv first elsewhere/moved
 prefix=$work/elsewhere/moved
 tool=$prefix/bin/quarry-config
 component runtime
-[ "$(cd parts && find . -type l | sort | xargs)" = './lib/libquarry_config.so.0 ./lib/libquarry_platform.so.0' ] ||
+[ "$(cd parts && find . -type l | sort | xargs)" = './lib/libquarry_config.so.0 ./lib/libquarry_platform.so.0 ./lib/libquarry_settings.so.0' ] ||
   fail "the component runtime is $(find parts)"
 component devel
 [ ! -e parts/bin ] || fail 'the program is in a component for builds'
 component tool
 diff <(cd parts && find . | sort) <(cd "$prefix" && find . | sort) || fail 'the components are not everything'
 "$tool" --version | grep -F "$prefix/lib/libquarry_platform.so.0" >/dev/null || fail 'the program takes other libraries'
+[ "$(readelf -d "$prefix/lib/libquarry_settings.so" | grep NEEDED | grep -oE '\[.*\]' | xargs)" = \
+  '[libquarry_config.so.0] [libstdc++.so.6] [libgcc_s.so.1] [libc.so.6]' ] || fail 'libquarry_settings.so needs more'
 ldd "$prefix/lib/libquarry_config.so" | grep -F "$prefix/lib/libquarry_platform.so.0" >/dev/null ||
   fail 'the library does not find the other one beside it'
 for page in man1/quarry-config.1 man5/quarry-config.5; do
@@ -63,13 +65,18 @@ sed "s|^key_dir = .*|key_dir = .|; s|^password = .*|password = $sealed|" \
   "$prefix/share/doc/quarry-config/examples/agent.conf" >agent.conf
 started="$("$tool" get agent.conf CR login):secret asks $("$tool" get agent.conf Ledger url)
 agent $("$tool" get agent.conf Agent numeric_option) of \"agent.conf\""
+settings="$("$tool" get agent.conf Agent numeric_option) debug"
 read -ra flags <<<"$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs quarry-config)"
+read -ra settings_flags <<<"$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --cflags --libs quarry-settings)"
 for compiler in "${compilers[@]}"; do
   read -r cxx cc <<<"$compiler"
   consumer "by-cmake-$cc" "$cxx" "$cc" "$prefix"
   expect "$started" "by-cmake-$cc/consumer" agent.conf
+  expect "$settings" "by-cmake-$cc/settings" agent.conf
   "$cxx" -std=c++17 -Wall -Werror -Ihost-headers "$root/tests/package/consumer/main.cc" "${flags[@]}" -o "by-pkg-config-$cc"
   expect "$started" env LD_LIBRARY_PATH="$prefix/lib" "./by-pkg-config-$cc" agent.conf
+  "$cxx" -std=c++17 -Wall -Werror -Ihost-headers "$root/tests/package/consumer/settings.cc" "${settings_flags[@]}" -o "settings-$cc"
+  expect "$settings" env LD_LIBRARY_PATH="$prefix/lib" "./settings-$cc" agent.conf
 done
 
 # As part of another build, which installs static libraries for others.
@@ -80,8 +87,13 @@ run cmake --install subdirectory --prefix "$work/static"
 consumer static clang++ clang "$work/static"
 read -ra flags <<<"$(PKG_CONFIG_PATH=$work/static/lib/pkgconfig pkg-config --cflags --libs quarry-config)"
 run clang++ -std=c++17 "$root/tests/package/consumer/main.cc" "${flags[@]}" -o static-by-pkg-config
+read -ra flags <<<"$(PKG_CONFIG_PATH=$work/static/lib/pkgconfig pkg-config --cflags --libs quarry-settings)"
+run clang++ -std=c++17 "$root/tests/package/consumer/settings.cc" "${flags[@]}" -o static-settings
 for program in subdirectory/consumer static/consumer ./static-by-pkg-config; do
   expect "$started" "$program" agent.conf
+done
+for program in subdirectory/settings static/settings ./static-settings; do
+  expect "$settings" "$program" agent.conf
   ! ldd "$program" | grep -F libquarry || fail "$program is not linked statically"
 done
 
