@@ -18,6 +18,7 @@ namespace quarry::settings {
 
 // One change of a text. Sections and options are named in any letter case.
 struct QUARRY_EXPORT Change {
+  // What is done.
   enum class Kind { kSet, kRemove, kRemoveSection };
 
   // Sets an option in the last line that sets it. A new option is added after the last one of its
@@ -31,10 +32,10 @@ struct QUARRY_EXPORT Change {
   // Removes the section with all its options and the comments within; comments above it stay.
   static Change RemoveSection(std::string section);
 
-  Kind kind = Kind::kSet;
-  std::string section;
-  std::string option;  // not of kRemoveSection
-  std::string value;   // of kSet
+  Kind kind = Kind::kSet;  // what is done
+  std::string section;     // in which, or which
+  std::string option;      // not of kRemoveSection
+  std::string value;       // of kSet
 };
 
 // Returns the snapshot's text after all changes, which are made in their order. Every byte that
@@ -46,6 +47,7 @@ struct QUARRY_EXPORT Change {
                                                           const std::vector<Change>& changes,
                                                           std::vector<Problem>* problems);
 
+// How Save waits, and whether it may create the file.
 struct SaveOptions {
   // How long to wait for other edits of the file to end.
   std::chrono::milliseconds max_wait = std::chrono::seconds(10);

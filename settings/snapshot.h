@@ -28,12 +28,18 @@ struct Option {
 template <typename Element>
 class Range {
  public:
+  // No elements.
   Range() = default;
+  // The elements from `begin` to before `end`.
   Range(const Element* begin, const Element* end) : begin_(begin), end_(end) {}
 
+  // The first element.
   const Element* begin() const { return begin_; }
+  // After the last element.
   const Element* end() const { return end_; }
+  // How many elements there are.
   std::size_t size() const { return static_cast<std::size_t>(end_ - begin_); }
+  // Whether there are none.
   bool empty() const { return begin_ == end_; }
 
  private:
@@ -63,20 +69,24 @@ class QUARRY_EXPORT Snapshot {
   // Whether what is valid but probably not meant is reported, too.
   enum class Warnings { kOmitted, kReported };
 
-  // Reads a whole file, or the text that it is given; `name` is that of the text in problems. A
-  // text is valid exactly when DMConfigFile::LoadConfig loads it, and says the same then. Returns
-  // nothing for a file that cannot be read and for a text that is not valid. Adds every error of
-  // the text to `*problems`, and on request every warning, in order of lines. No problem quotes the
-  // text, which may hold secrets. Throws std::bad_alloc.
+  // Reads a whole file. Returns nothing when it cannot be read, with the system's text as the only
+  // problem, or when its text is not valid, as Parse does.
   [[nodiscard]] static std::optional<Snapshot> Load(const std::string& path,
                                                     std::vector<Problem>* problems,
                                                     Warnings warnings = Warnings::kOmitted);
+
+  // Reads the text; `name` is its name in problems. A text is valid exactly when
+  // DMConfigFile::LoadConfig loads it, and says the same then. Returns nothing for another one.
+  // Adds every error of the text to `*problems`, and on request every warning, in order of lines.
+  // Throws std::bad_alloc.
   [[nodiscard]] static std::optional<Snapshot> Parse(std::string name, std::string text,
                                                      std::vector<Problem>* problems,
                                                      Warnings warnings = Warnings::kOmitted);
 
-  // The name that was given, and the text, byte by byte.
+  // The name that was given.
   const std::string& name() const noexcept;
+
+  // The text, byte by byte.
   const std::string& text() const noexcept;
 
   // All sections, in the order of their first headers.
@@ -89,8 +99,10 @@ class QUARRY_EXPORT Snapshot {
   // The options of a section; none when there is no such section.
   Range<Option> options(std::string_view section) const noexcept;
 
-  // Null when there is no such section or option. Allocates nothing.
+  // Null when there is no such section. Allocates nothing.
   const Section* FindSection(std::string_view section) const noexcept;
+
+  // Null when there is no such section or option. Allocates nothing.
   const Option* Find(std::string_view section, std::string_view option) const noexcept;
 
  private:

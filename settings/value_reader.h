@@ -17,10 +17,10 @@
 
 namespace quarry::settings {
 
-// Both may be reached.
+// What a number may be.
 struct Bounds {
-  std::int64_t min = std::numeric_limits<std::int64_t>::min();
-  std::int64_t max = std::numeric_limits<std::int64_t>::max();
+  std::int64_t min = std::numeric_limits<std::int64_t>::min();  // the least
+  std::int64_t max = std::numeric_limits<std::int64_t>::max();  // the greatest
 };
 
 // Reads values one after the other and collects what is wrong with them, so that a program can
@@ -40,10 +40,11 @@ struct Bounds {
 // time may use a reader.
 class QUARRY_EXPORT ValueReader {
  public:
+  // Reads this snapshot.
   explicit ValueReader(Snapshot snapshot);
-
-  // A reader that was moved from can only be assigned to and destroyed.
+  // Leaves `other` so that it can only be assigned to and destroyed.
   ValueReader(ValueReader&& other) noexcept;
+  // The same.
   ValueReader& operator=(ValueReader&& other) noexcept;
   ~ValueReader();
 
