@@ -26,7 +26,7 @@ struct DumpRequest {
 };
 
 std::string DumpOf(const DumpRequest& request, std::string text) {
-  if (request.json) return DocumentJson(OpenSnapshot(request.file, std::move(text)), false);
+  if (request.json) return DocumentJson(OpenSnapshot(request.file, text), false);
   settings::Document document = OpenDocument(request.file, std::move(text));
   return request.canonical ? settings::CanonicalText(&document) : document.DumpText();
 }

@@ -78,7 +78,7 @@ Document OpenDocument(const std::string& file, std::string text) {
 
 Snapshot OpenSnapshot(const std::string& file) { return OpenSnapshot(file, ReadInput(file)); }
 
-Snapshot OpenSnapshot(const std::string& file, std::string text) {
+Snapshot OpenSnapshot(const std::string& file, const std::string& text) {
   std::vector<settings::Problem> problems;
   auto snapshot = Snapshot::Parse(file, text, &problems);
   if (!snapshot) ThrowErrorsIn(text, file);

@@ -18,7 +18,7 @@ settings::Document OpenDocument(const std::string& file, std::string text);
 settings::Document OpenDocument(const std::string& file);
 
 // The same as a snapshot, for what is only looked up.
-settings::Snapshot OpenSnapshot(const std::string& file, std::string text);
+settings::Snapshot OpenSnapshot(const std::string& file, const std::string& text);
 settings::Snapshot OpenSnapshot(const std::string& file);
 
 // Throws ToolError (kExitNo) when there is no such section, with the hint, or one that suggests
