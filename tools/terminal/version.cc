@@ -9,6 +9,7 @@
 
 #include "dmconfig/config.h"
 #include "platform/cr_runtime.h"
+#include "settings/snapshot.h"
 
 namespace quarry::tool {
 
@@ -32,6 +33,7 @@ std::string ProgramVersion() { return QUARRY_VERSION; }
 
 std::string VersionText() {
   return "quarry-config " + ProgramVersion() +
+         "\nlibquarry_settings: " + LibraryFileOf(&settings::Snapshot::FindSection) +
          "\nlibquarry_config: " + LibraryFileOf(&storage::dmconfig::DMConfig::Reset) +
          "\nlibquarry_platform: " + LibraryFileOf(&CRStatusToStringA) + "\nlibsodium " +
          sodium_version_string() + '\n';
