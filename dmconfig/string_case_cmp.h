@@ -27,10 +27,12 @@ struct StringCaseCmp {
     const std::size_t shared = std::min(left.size(), right.size());
     for (std::size_t at = 0; shared >= kWordSize;
          at = std::min(at + kWordSize, shared - kWordSize)) {
-      const std::uint64_t left_word = Folded(WordAt(l + at));
-      const std::uint64_t right_word = Folded(WordAt(r + at));
+      const std::uint64_t left_word = WordAt(l + at);
+      const std::uint64_t right_word = WordAt(r + at);
       if (HasNul(left_word | right_word)) break;  // a NUL at the same place in both
-      if (left_word != right_word) return left_word < right_word;
+      if (left_word != right_word && Folded(left_word) != Folded(right_word)) {
+        return __builtin_bswap64(Folded(left_word)) < __builtin_bswap64(Folded(right_word));
+      }
       if (at + kWordSize == shared) return Folded(l[shared]) < Folded(r[shared]);
     }
 
@@ -46,11 +48,11 @@ struct StringCaseCmp {
   static constexpr std::uint64_t kOnes = 0x0101010101010101;
   static constexpr std::uint64_t kHighBits = 0x80 * kOnes;
 
-  // Loads the eight bytes at `text` in big-endian order.
+  // Loads the eight bytes at `text`; the first is the lowest.
   static std::uint64_t WordAt(const char* text) noexcept {
     std::uint64_t word;
     std::memcpy(&word, text, sizeof word);
-    return __builtin_bswap64(word);
+    return word;
   }
   static bool HasNul(std::uint64_t word) noexcept {
     return ((word - kOnes) & ~word & kHighBits) != 0;
