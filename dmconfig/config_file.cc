@@ -152,7 +152,9 @@ int TextWriter::WriteAll() {
 int TextWriter::WriteSection(const std::string& name) {
   const SectionOptionMap& record = *model_->GetOptionMap(name);
   WriteComment(record.comment);
-  line_.append(1, '[').append(name).append(1, ']');
+  line_ += '[';
+  line_ += name;
+  line_ += ']';
   WriteLine();
   return WriteOptions(record);
 }
@@ -165,7 +167,9 @@ int TextWriter::WriteOptions(const SectionOptionMap& record) {
       return kStatusInvalidArgument;
     }
     WriteComment(stored.comment);
-    line_.append(name).append(1, '=').append(stored.value);
+    line_ += name;
+    line_ += '=';
+    line_ += stored.value;
     WriteLine();
   }
   return kStatusOk;
