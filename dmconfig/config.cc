@@ -10,7 +10,8 @@ namespace quarry::storage::dmconfig {
 DMConfig::~DMConfig() { Reset(); }
 
 void DMConfig::Reset() {
-  for (const auto& [name, record] : section_map_) delete record;
+  for (const SectionOptionMap* const record : records_) delete record;
+  records_.clear();
   section_map_.clear();
   section_list_.clear();
 }
@@ -23,11 +24,13 @@ SectionOptionMap* DMConfig::GetOptionMap(const std::string& section) {
   try {
     auto record = std::make_unique<SectionOptionMap>();
     std::list<std::string> name(1, section);
+    records_.push_back(record.get());
     section_map_.emplace_hint(at, section, record.get());
-    // Cannot throw, so map and list always have the same sections.
+    // Cannot throw, so all three always have the same sections.
     section_list_.splice(section_list_.end(), name);
     return record.release();
   } catch (...) {
+    records_.resize(section_list_.size());
     return nullptr;
   }
 }

@@ -36,6 +36,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "../platform/export.h"
 #include "string_case_cmp.h"
@@ -136,9 +137,12 @@ class QUARRY_EXPORT DMConfig {
   int DelOptionComment(const std::string& section, const std::string& option);
 
  private:
+  friend class DMConfigFile;  // walks the records in order
+
   // Owns its records: GetOptionMap allocates them, Reset frees them.
   std::map<std::string, SectionOptionMap*, StringCaseCmp> section_map_;
-  std::list<std::string> section_list_;  // in order of creation
+  std::list<std::string> section_list_;     // in order of creation
+  std::vector<SectionOptionMap*> records_;  // in the same order
 };
 
 }  // namespace quarry::storage::dmconfig

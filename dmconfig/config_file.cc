@@ -4,6 +4,7 @@
 #include <iostream>
 #include <list>
 #include <string_view>
+#include <vector>
 
 #include "dmconfig/line.h"
 #include "dmconfig/line_source.h"
@@ -119,38 +120,42 @@ int TextReader::ReadOption(std::string_view line) {
 // Writes one model to one stream.
 class TextWriter {
  public:
-  TextWriter(std::ostream* out, DMConfig* model) : out_(out), model_(model) {}
+  // The names of the sections, and their records in the same order.
+  TextWriter(std::ostream* out, const std::list<std::string>& names,
+             const std::vector<SectionOptionMap*>& records)
+      : out_(out), names_(names), records_(records) {}
 
   int WriteAll();
 
  private:
-  int WriteSection(const std::string& name);
+  int WriteSection(const std::string& name, const SectionOptionMap& record);
   int WriteOptions(const SectionOptionMap& record);
   void WriteComment(const std::string& comment);
   void WriteLine();
 
   std::ostream* const out_;
-  DMConfig* const model_;
+  const std::list<std::string>& names_;
+  const std::vector<SectionOptionMap*>& records_;
   std::string line_;  // the text being built; a member so that its memory is reused
 };
 
 int TextWriter::WriteAll() {
-  std::list<std::string> sections;
-  int status = model_->GetSectionList(&sections);
-  for (const std::string& name : sections) {
-    if (name.empty()) {
-      std::cerr << "Failed to get option list for section: " << name << std::endl;
+  int status = kStatusOk;
+  const std::size_t count = records_.size();  // without what the stream's own code may add
+  auto name = names_.begin();
+  for (std::size_t i = 0; i < count; ++i, ++name) {
+    if (name->empty()) {
+      std::cerr << "Failed to get option list for section: " << *name << std::endl;
       return kStatusInvalidArgument;
     }
-    const int section_status = WriteSection(name);
+    const int section_status = WriteSection(*name, *records_[i]);
     if (status == kStatusOk) status = section_status;
     if (out_->fail()) return kStatusStreamFailed;
   }
   return status;
 }
 
-int TextWriter::WriteSection(const std::string& name) {
-  const SectionOptionMap& record = *model_->GetOptionMap(name);
+int TextWriter::WriteSection(const std::string& name, const SectionOptionMap& record) {
   WriteComment(record.comment);
   line_ += '[';
   line_ += name;
@@ -229,7 +234,7 @@ int DMConfigFile::DumpConfig(std::ostream* out, DMConfig* model) {
     std::cerr << "Failed to open file: " << output_file_ << std::endl;
     return kStatusStreamFailed;
   }
-  const int status = TextWriter(out, model).WriteAll();
+  const int status = TextWriter(out, model->section_list_, model->records_).WriteAll();
   if (out->fail()) {
     std::cerr << "Failed to write file: " << output_file_ << std::endl;
     return kStatusStreamFailed;
