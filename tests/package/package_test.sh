@@ -13,9 +13,9 @@ quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log" && false; }; }
 # What there is but for apt's and dpkg's own records.
 names() { inside find / -xdev \( -path /proc -o -path /tmp -o -path /var/cache -o -path /var/lib/apt -o -path /var/lib/dpkg -o -path /var/log \) -prune -o -print | sort; }
 
-say 'a bare Debian 12, with a compiler and man'
+say 'a bare Debian 12, with a compiler, CMake and man'
 mapfile -t sources < <(find /etc/apt/sources.list* -type f -size +0)
-quietly mmdebstrap --variant=minbase --mode=root --skip=output/dev --include=g++,pkg-config,man-db bookworm "$root" "${sources[@]}"
+quietly mmdebstrap --variant=minbase --mode=root --skip=output/dev --include=cmake,g++,make,pkg-config,man-db bookworm "$root" "${sources[@]}"
 for node in null zero random urandom tty; do cp -a "/dev/$node" "$root/dev/"; done
 [ -e "$root/dev/fd" ] || ln -s /proc/self/fd "$root/dev/fd"
 mount -t proc proc "$root/proc"
