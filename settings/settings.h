@@ -17,8 +17,8 @@
 //
 // Snapshot (snapshot.h) is an immutable text, ValueReader (value_reader.h) reads it, Apply and Save
 // (changes.h) change a text and a file, Problem (problem.h) is what is wrong and where. The library
-// writes to no stream, throws std::bad_alloc alone and keeps no state of the process. A null
-// `problems` is not allowed.
+// writes to no stream, throws std::bad_alloc alone and keeps no state of the process. Problems are
+// added to those that a caller's vector has. A null `problems` is not allowed.
 #ifndef QUARRY_SETTINGS_SETTINGS_H_
 #define QUARRY_SETTINGS_SETTINGS_H_
 

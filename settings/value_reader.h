@@ -30,14 +30,18 @@ struct Bounds {
 //   const auto threads = reader.Integer("Server", "threads", 4, {1, 1024});
 //   const auto timeout = reader.Duration("Server", "timeout", 30s);
 //   const auto url = reader.Text("Ledger", "url");  // required
+//   if (timeout < 1s) reader.Refuse("Server", "timeout", "the timeout is too short");
 //   reader.ReportUnknownOptions();
-//   if (!reader.problems().empty()) ...
+//   for (const Problem& problem : reader.problems()) ...  // warnings among them may be accepted
 //
 // Each operation returns the value of the option. When it is absent: the fallback, or, without one,
 // an empty value and a problem that names the section, the option and the nearest name. When the
 // value is wrong: the fallback or an empty value, and a problem at the value that says what would
-// be right. No problem quotes a value, which may be secret. Throws std::bad_alloc. One thread at a
-// time may use a reader.
+// be right. An empty value is 0, false, or without text or parts, so a check of it with Refuse may
+// add a second problem about the same option.
+//
+// No problem quotes a value, which may be secret. The rules of problems are "setting-absent",
+// "value" and "unknown-setting". Throws std::bad_alloc. One thread at a time may use a reader.
 class QUARRY_EXPORT ValueReader {
  public:
   // Reads this snapshot.
@@ -48,7 +52,8 @@ class QUARRY_EXPORT ValueReader {
   ValueReader& operator=(ValueReader&& other) noexcept;
   ~ValueReader();
 
-  // The value as it is. The view lives as long as the snapshot.
+  // The value as it is; it may be empty. The view lives as long as any copy of the snapshot, or is
+  // the fallback.
   std::string_view Text(std::string_view section, std::string_view option,
                         std::optional<std::string_view> fallback = {});
 
@@ -72,7 +77,8 @@ class QUARRY_EXPORT ValueReader {
                                     std::optional<std::chrono::nanoseconds> fallback = {});
 
   // The parts of the value between commas, without blanks at their ends; none of an empty value. An
-  // empty part between commas is wrong. The views live as long as the snapshot.
+  // empty part between commas is wrong. The views live as long as any copy of the snapshot, or are
+  // the fallback's. An empty fallback is std::vector<std::string_view>(): {} is none.
   std::vector<std::string_view> List(std::string_view section, std::string_view option,
                                      std::optional<std::vector<std::string_view>> fallback = {});
 
@@ -81,8 +87,9 @@ class QUARRY_EXPORT ValueReader {
   void Refuse(std::string_view section, std::string_view option, std::string text,
               std::string hint = "");
 
-  // Adds a warning for every option that was not read, of the sections from which one was, with the
-  // nearest name that was read.
+  // Adds a warning for every option that was not read so far, of the sections from which one was,
+  // with the nearest name that was read. So call it last, once. Sections from which none was read,
+  // such as one whose name is misspelled, are not reported.
   void ReportUnknownOptions();
 
   // What was found so far, in the order of the calls.
