@@ -79,6 +79,12 @@ for compiler in "${compilers[@]}"; do
   expect "$settings" env LD_LIBRARY_PATH="$prefix/lib" "./settings-$cc" agent.conf
 done
 
+# The example that people copy.
+cp -r "$root/examples/volume_daemon" daemon
+run cmake -S daemon -B daemon/build -DCMAKE_PREFIX_PATH="$prefix"
+run cmake --build daemon/build
+run ctest --test-dir daemon/build --no-tests=error
+
 # As part of another build, which installs static libraries for others.
 consumer subdirectory g++ gcc /nowhere -DQUARRY_SOURCES="$root" -DBUILD_SHARED_LIBS=OFF -DQUARRY_INSTALL=ON
 expect "-I$work/host-headers -I$work/subdirectory/quarry/include" \
