@@ -38,7 +38,8 @@ add_program() { # NAME COMMAND
 mkdir -m 755 "$work/here" "$work/bin"
 [ -z "${QUARRY_RUN:-}" ] || add_program quarry-config "exec $QUARRY_RUN '$build/quarry-config' \"\$@\""
 if [ -e "$build/CMakeCache.txt" ]; then # what is installed has these already
-  add_program pkg-config "echo '-I$build/include -L$build -lquarry_config -lquarry_platform -lsodium'"
+  add_program pkg-config "case \" \$* \" in *' quarry-settings '*) settings=-lquarry_settings ;; esac
+echo '-I$build/include -L$build' \$settings -lquarry_config -lquarry_platform -lsodium -Wl,--as-needed -lboost_filesystem"
   cp -r "$root/examples" "$work/here"
 fi
 cd "$work/here" || exit 1
