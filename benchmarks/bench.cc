@@ -1,6 +1,6 @@
-// Measures each operation of this library, of other libraries (peers.h) and of the baselines
-// (baselines.h) in rounds in random order, and prints the ratios. Accepts the options of Google
-// Benchmark too.
+// Measures each operation of this library, of other libraries (peers.h), of the baselines
+// (baselines.h) and of the floors (floors.h) in rounds in random order, and prints the ratios.
+// Accepts the options of Google Benchmark too.
 //
 //   bench WORKLOAD|scaling [--quick] [--benchmark_...]
 //
@@ -21,9 +21,11 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "benchmarks/baselines.h"
+#include "benchmarks/floors.h"
 #include "benchmarks/peers.h"
 #include "benchmarks/programs.h"
 #include "benchmarks/ratio_reporter.h"
@@ -76,29 +78,49 @@ Pointer Loaded(Pointer model) {
   return model;
 }
 
-// Returns the entries that one iteration looks up or sets, in random order; with `other_case` the
-// letter case of their names is swapped.
-const std::vector<Entry>& SampleOf(const std::string& name, bool other_case) {
-  constexpr std::size_t kSize = 1000;
-  static std::map<std::string, std::vector<Entry>> samples;
-  auto& sample = samples[name + (other_case ? "!" : "")];
-  if (!sample.empty()) return sample;
-  std::mt19937 random(7);
-  const auto& entries = WorkloadOf(name).entries;
-  while (sample.size() < kSize) {
-    sample.push_back(entries[random() % entries.size()]);
-  }
+enum class Spelling { kAsSet, kOtherCase, kMissing };
+
+void SwapCase(std::string* text) {
   const auto turn = [](char c) {
     const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
     constexpr int kCaseBit = 0x20;
     return letter ? static_cast<char>(c ^ kCaseBit) : c;
   };
-  for (Entry& entry : sample) {
-    if (!other_case) break;
-    for (std::string* text : {&entry.section, &entry.option}) {
-      std::transform(text->begin(), text->end(), text->begin(), turn);
-    }
+  std::transform(text->begin(), text->end(), text->begin(), turn);
+}
+
+// So many entries of the workload, in random order.
+std::vector<Entry> MakeSample(const std::string& name, Spelling spelling, std::size_t size) {
+  std::vector<Entry> sample;
+  std::mt19937 random(7);
+  const auto& entries = WorkloadOf(name).entries;
+  while (sample.size() < size) {
+    sample.push_back(entries[random() % entries.size()]);
+    Entry* const entry = &sample.back();
+    if (spelling == Spelling::kAsSet) continue;
+    SwapCase(&entry->section);
+    SwapCase(&entry->option);
+    // Only options are missing: a model would create a section.
+    if (spelling == Spelling::kMissing) entry->option += "_none";
   }
+  return sample;
+}
+
+// What one iteration looks up or sets.
+const std::vector<Entry>& SampleOf(const std::string& name, Spelling spelling) {
+  constexpr std::size_t kSize = 1000;
+  static std::map<std::pair<std::string, Spelling>, std::vector<Entry>> samples;
+  auto& sample = samples[{name, spelling}];
+  if (sample.empty()) sample = MakeSample(name, spelling, kSize);
+  return sample;
+}
+
+// The same, but more than the caches of a processor hold in the large workloads.
+const std::vector<Entry>& LargeSampleOf(const std::string& name, Spelling spelling) {
+  constexpr std::size_t kSize = 100000;
+  static std::map<std::pair<std::string, Spelling>, std::vector<Entry>> samples;
+  auto& sample = samples[{name, spelling}];
+  if (sample.empty()) sample = MakeSample(name, spelling, kSize);
   return sample;
 }
 
@@ -159,11 +181,16 @@ void Register(const std::string& operation, const std::string& workload, const s
 }
 
 template <typename Peer>
-void RegisterLoads(const std::string& workload) {
+void RegisterParse(const std::string& operation, const std::string& workload) {
   const std::string& text = WorkloadOf(workload).text;
+  Register(operation, workload, Peer::kName, [&text] { return Loaded(Peer::LoadText(text)); });
+}
+
+template <typename Peer>
+void RegisterLoads(const std::string& workload) {
   const std::string path = FileOf(workload);
   Register("load file", workload, Peer::kName, [path] { return Loaded(Peer::LoadFile(path)); });
-  Register("load text", workload, Peer::kName, [&text] { return Loaded(Peer::LoadText(text)); });
+  RegisterParse<Peer>("load text", workload);
 }
 
 // Times the destruction of a model, not its construction.
@@ -195,8 +222,8 @@ void RegisterUse(const std::string& operation, const std::string& workload, Work
 }
 
 template <typename Peer>
-void RegisterLook(const std::string& operation, const std::string& workload, bool other_case) {
-  const auto& sample = SampleOf(workload, other_case);
+void RegisterLook(const std::string& operation, const std::string& workload,
+                  const std::vector<Entry>& sample) {
   RegisterUse<Peer>(operation, workload, [&sample](auto* model) {
     std::size_t sum = 0;
     for (const Entry& entry : sample) {
@@ -208,7 +235,7 @@ void RegisterLook(const std::string& operation, const std::string& workload, boo
 
 template <typename Peer>
 void RegisterWrites(const std::string& workload) {
-  const auto& sample = SampleOf(workload, false);
+  const auto& sample = SampleOf(workload, Spelling::kAsSet);
   RegisterUse<Peer>("set", workload, [&sample](auto* model) {
     for (const Entry& entry : sample) {
       Peer::Set(model, entry.section, entry.option, entry.value);
@@ -227,8 +254,30 @@ void RegisterWrites(const std::string& workload) {
 template <typename Peer>
 void RegisterPeer(const std::string& workload) {
   RegisterLoads<Peer>(workload);
-  RegisterLook<Peer>("look up", workload, false);
+  RegisterLook<Peer>("look up", workload, SampleOf(workload, Spelling::kAsSet));
   RegisterDestroy<Peer>(workload);
+}
+
+// Adds the floor to the rows of the libraries.
+void RegisterFloor(const std::string& workload) {
+  RegisterParse<Floor>("load text", workload);
+  RegisterLook<Floor>("look up", workload, SampleOf(workload, Spelling::kAsSet));
+}
+
+template <typename Reader>
+void RegisterReader(const std::string& workload) {
+  RegisterParse<Reader>("parse", workload);
+  for (const auto& [operation, spelling] :
+       {std::pair("find", Spelling::kAsSet), std::pair("find, other case", Spelling::kOtherCase),
+        std::pair("find, missing", Spelling::kMissing)}) {
+    RegisterLook<Reader>(operation, workload, LargeSampleOf(workload, spelling));
+  }
+}
+
+void RegisterSnapshot(const std::string& workload) {
+  RegisterReader<SnapshotOfText>(workload);
+  RegisterReader<LoadedModel>(workload);
+  RegisterReader<Floor>(workload);
 }
 
 void RegisterBaselines(const std::string& workload) {
@@ -264,14 +313,17 @@ void RegisterWorkload(const std::string& workload) {
   RegisterPeer<Glib>(workload);
   RegisterPeer<PropertyTree>(workload);
   RegisterPeer<Inih>(workload);
-  RegisterLook<Ours>("look up, other case", workload, true);
-  RegisterLook<SimpleIni>("look up, other case", workload, true);
-  RegisterLook<Inih>("look up, other case", workload, true);
+  const auto& other_case = SampleOf(workload, Spelling::kOtherCase);
+  RegisterLook<Ours>("look up, other case", workload, other_case);
+  RegisterLook<SimpleIni>("look up, other case", workload, other_case);
+  RegisterLook<Inih>("look up, other case", workload, other_case);
   RegisterWrites<Ours>(workload);
   RegisterWrites<SimpleIni>(workload);
   RegisterWrites<Glib>(workload);
   RegisterWrites<PropertyTree>(workload);
   RegisterBaselines(workload);
+  RegisterFloor(workload);
+  RegisterSnapshot(workload);
   if (workload == "typical") RegisterPrograms(workload);
 }
 

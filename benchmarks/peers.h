@@ -20,9 +20,12 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "dmconfig/config.h"
 #include "dmconfig/config_file.h"
+#include "settings/snapshot.h"
 
 namespace quarry::benchmarks {
 
@@ -70,6 +73,26 @@ struct Ours {
   }
   static void DumpFile(Model* model, const std::string& path) {
     if (File("", path).DumpConfig(model) != 0) std::abort();
+  }
+};
+
+// The same library where it is compared with its snapshot.
+struct LoadedModel : Ours {
+  static constexpr char kName[] = "DMConfig";
+};
+
+struct SnapshotOfText {
+  static constexpr char kName[] = "snapshot";
+  using Model = settings::Snapshot;
+  static std::unique_ptr<Model> LoadText(const std::string& text) {
+    std::vector<settings::Problem> problems;
+    auto snapshot = Model::Parse("", text, &problems);
+    if (!snapshot) return nullptr;
+    return std::make_unique<Model>(std::move(*snapshot));
+  }
+  static std::size_t Look(Model* model, const std::string& section, const std::string& option) {
+    const settings::Option* const found = model->Find(section, option);
+    return found == nullptr ? 0 : found->value.size();
   }
 };
 

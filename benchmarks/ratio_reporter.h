@@ -11,8 +11,9 @@
 
 namespace quarry::benchmarks {
 
-// A benchmark's name is OPERATION/WORKLOAD/WHO. A ratio is that of the medians of all rounds,
-// followed by the lowest and the highest ratio of a round, and by the goal where there is one.
+// A benchmark's name is OPERATION/WORKLOAD/WHO; the first WHO of an operation is ours. A ratio is
+// that of the medians of all rounds, followed by the lowest and the highest ratio of a round, and
+// by the goal where there is one.
 class RatioReporter : public benchmark::BenchmarkReporter {
  public:
   // `names` are the benchmarks in the order in which to print them; rounds may arrive in any order.
