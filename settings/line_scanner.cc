@@ -1,6 +1,9 @@
 #include "settings/line_scanner.h"
 
 #include <algorithm>
+#include <cstdint>
+
+#include "settings/name_table.h"
 
 namespace quarry::settings {
 
@@ -36,10 +39,11 @@ std::string Folded(std::string_view text) {
 
 bool SameName(std::string_view one, std::string_view other) noexcept {
   if (one == other) return true;
-  one = BeforeNul(one);
-  other = BeforeNul(other);
-  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                    [](char left, char right) { return FoldedByte(left) == FoldedByte(right); });
+  for (;;) {
+    const std::uint64_t word = TakeFoldedWord(&one);
+    if (word != TakeFoldedWord(&other)) return false;
+    if (word == 0) return true;
+  }
 }
 
 bool IsNameBefore(std::string_view one, std::string_view other) noexcept {

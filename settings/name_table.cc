@@ -23,6 +23,15 @@ std::uint64_t BytesBelow(std::uint64_t nuls, std::uint64_t word) {
   return word & ((lowest >> 7U) - 1);
 }
 
+// Adds 0x20 to each byte from A to Z: those below 0x80 whose high bit is set by adding 0x80 - 'A',
+// but not by adding 0x80 - ('Z' + 1).
+std::uint64_t Folded(std::uint64_t word) {
+  const std::uint64_t low = word & ~kHighBits;
+  const std::uint64_t from_a = low + (0x80 - 'A') * kOnes;
+  const std::uint64_t past_z = low + (0x80 - 'Z' - 1) * kOnes;
+  return word + (((from_a & ~past_z) & ~word & kHighBits) >> 2U);
+}
+
 template <typename Word>
 std::uint64_t Load(const char* bytes) {
   Word word;
@@ -47,6 +56,17 @@ std::uint64_t WordOf(const char* bytes, std::size_t size) {
          at(Load<std::uint8_t>(bytes + size - 1), size - 1);
 }
 
+// Removes the next bytes of the name, up to eight; 0 at its end.
+std::uint64_t TakeWord(std::string_view* name) {
+  const std::size_t size = std::min(name->size(), sizeof(std::uint64_t));
+  const std::uint64_t word = WordOf(name->data(), size);
+  name->remove_prefix(size);
+  const std::uint64_t nuls = NulsIn(word);
+  if (nuls == 0) return word;
+  *name = {};
+  return BytesBelow(nuls, word);
+}
+
 std::uint64_t Mixed(std::uint64_t hash, std::uint64_t word) {
   hash = (hash ^ word) * kMultiplier;
   return hash ^ (hash >> kHalf);
@@ -61,20 +81,13 @@ std::size_t SlotsFor(std::size_t capacity) {
 
 }  // namespace
 
-// The case bit is set in every byte, so letters lose their case, and some other bytes become the
-// same: they are told apart when names are compared.
+std::uint64_t TakeFoldedWord(std::string_view* name) noexcept { return Folded(TakeWord(name)); }
+
+// Setting the case bit in every byte is faster than folding. Some other bytes become the same: they
+// are told apart when names are compared.
 std::uint64_t HashOfName(std::string_view name, std::uint64_t seed) noexcept {
   std::uint64_t hash = seed;
-  while (!name.empty()) {
-    const std::size_t size = std::min(name.size(), sizeof(std::uint64_t));
-    std::uint64_t word = WordOf(name.data(), size);
-    name.remove_prefix(size);
-    const std::uint64_t nuls = NulsIn(word);
-    if (nuls != 0) word = BytesBelow(nuls, word);
-    if (word == 0) break;
-    hash = Mixed(hash, word | kCaseBits);
-    if (nuls != 0) break;  // the end of the name
-  }
+  while (const std::uint64_t word = TakeWord(&name)) hash = Mixed(hash, word | kCaseBits);
   return hash;
 }
 

@@ -9,6 +9,10 @@
 
 namespace quarry::settings {
 
+// Removes the next bytes of the name, up to eight, and returns them in lower case, the first one
+// lowest; 0 at the end of the name, which is a NUL byte at the latest.
+std::uint64_t TakeFoldedWord(std::string_view* name) noexcept;
+
 // The same for all spellings of a name; another one with another seed.
 std::uint64_t HashOfName(std::string_view name, std::uint64_t seed = 0) noexcept;
 
