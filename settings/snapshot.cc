@@ -24,6 +24,10 @@ std::size_t CountLines(const std::string& text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
 }
 
+// The options of smaller sections are not in the table: their hashes, side by side, are faster to
+// search than a distant slot is to reach.
+constexpr std::size_t kSmallSection = 8;
+
 std::uint64_t HashOfOption(std::size_t section, std::string_view option) noexcept {
   return HashOfName(option, section + 1);
 }
@@ -47,6 +51,16 @@ struct Snapshot::Data {
   std::size_t IndexOf(const Section& section) const {
     return static_cast<std::size_t>(&section - sections.data());
   }
+  std::size_t IndexOf(const Option& option) const {
+    return static_cast<std::size_t>(&option - options.data());
+  }
+
+  // Searches consecutive options from `begin` on; returns null when the option is not there.
+  const Option* ScanOptions(std::size_t begin, std::size_t count, std::uint64_t hash,
+                            std::string_view option) const noexcept;
+
+  // Adds an option behind the others.
+  void AddOption(std::uint64_t hash, const Option& option);
 
   // Fills the table from the sections and options, which are grouped.
   void AddAllNames();
@@ -55,7 +69,8 @@ struct Snapshot::Data {
   const std::string text;
   std::deque<std::string> comments;  // those that are not in the text in one piece
   std::vector<Section> sections;
-  std::vector<Option> options;  // those of a section side by side
+  std::vector<Option> options;               // those of a section side by side
+  std::vector<std::uint32_t> option_hashes;  // the low halves, in the order of the options
   NameTable names;
 };
 
@@ -69,6 +84,10 @@ const Section* Snapshot::Data::FindSection(std::string_view section) const noexc
 const Option* Snapshot::Data::FindOption(const Section& section,
                                          std::string_view option) const noexcept {
   const std::uint64_t hash = HashOfOption(IndexOf(section), option);
+  if (section.options.size() <= kSmallSection) {
+    const auto begin = static_cast<std::size_t>(section.options.begin() - options.data());
+    return ScanOptions(begin, section.options.size(), hash, option);
+  }
   const std::uint32_t number = names.Find(hash, [&](std::uint32_t candidate) {
     const std::size_t index = candidate / 2;
     return candidate % 2 == 1 && &options[index] >= section.options.begin() &&
@@ -77,13 +96,29 @@ const Option* Snapshot::Data::FindOption(const Section& section,
   return number == NameTable::kNone ? nullptr : &options[number / 2];
 }
 
+const Option* Snapshot::Data::ScanOptions(std::size_t begin, std::size_t count, std::uint64_t hash,
+                                          std::string_view option) const noexcept {
+  const auto low_half = static_cast<std::uint32_t>(hash);
+  for (std::size_t i = begin; i < begin + count; ++i) {
+    if (option_hashes[i] == low_half && SameName(options[i].name, option)) return &options[i];
+  }
+  return nullptr;
+}
+
+void Snapshot::Data::AddOption(std::uint64_t hash, const Option& option) {
+  options.push_back(option);
+  option_hashes.push_back(static_cast<std::uint32_t>(hash));
+}
+
 void Snapshot::Data::AddAllNames() {
   names = NameTable(CountLines(text));
   for (std::size_t i = 0; i < sections.size(); ++i) {
     names.Add(HashOfName(sections[i].name), NumberOfSection(i));
     for (const Option& option : sections[i].options) {
-      const auto index = static_cast<std::size_t>(&option - options.data());
-      names.Add(HashOfOption(i, option.name), NumberOfOption(index));
+      const std::size_t index = IndexOf(option);
+      const std::uint64_t hash = HashOfOption(i, option.name);
+      option_hashes[index] = static_cast<std::uint32_t>(hash);
+      if (sections[i].options.size() > kSmallSection) names.Add(hash, NumberOfOption(index));
     }
   }
 }
@@ -102,6 +137,9 @@ class Snapshot::Parser {
   void ReadOption(const ScannedLine& line);
   void AddOption(std::uint64_t hash, const ScannedLine& line);
   Option* FindOption(std::uint64_t hash, std::string_view name);
+  bool IsScanned() const { return is_grouped_ && counts_[section_] <= kSmallSection; }
+  void AddOptionNames(std::size_t begin);
+  void ContinueSections();
   void GroupOptions();
   void AssignOptions();
 
@@ -110,7 +148,7 @@ class Snapshot::Parser {
   std::size_t section_ = 0;            // the current one
   std::vector<std::uint32_t> owners_;  // the section of each option
   std::vector<std::size_t> counts_;    // of each section's options
-  bool is_grouped_ = true;
+  bool is_grouped_ = true;             // no section before the last was continued
 };
 
 bool Snapshot::Parser::Parse() {
@@ -161,6 +199,8 @@ void Snapshot::Parser::ReadHeader(const ScannedLine& line) {
     data_->sections.push_back({name, {}, line.number, {}});
     counts_.push_back(0);
     data_->names.Add(HashOfName(name), Data::NumberOfSection(section_));
+  } else if (is_grouped_ && section_ + 1 != data_->sections.size()) {
+    ContinueSections();
   }
   data_->sections[section_].comment = std::exchange(pending_comment_, {});
 }
@@ -175,21 +215,46 @@ void Snapshot::Parser::ReadOption(const ScannedLine& line) {
 }
 
 void Snapshot::Parser::AddOption(std::uint64_t hash, const ScannedLine& line) {
-  if (section_ + 1 != data_->sections.size()) is_grouped_ = false;
-  data_->names.Add(hash, Data::NumberOfOption(data_->options.size()));
-  data_->options.push_back(
-      {line.option.name, line.option.value, std::exchange(pending_comment_, {}), line.number});
+  const std::size_t index = data_->options.size();
+  data_->AddOption(hash, {line.option.name, line.option.value, std::exchange(pending_comment_, {}),
+                          line.number});
   owners_.push_back(static_cast<std::uint32_t>(section_));
-  ++counts_[section_];
+  const std::size_t count = ++counts_[section_];
+  if (IsScanned()) return;
+  const bool was_scanned = is_grouped_ && count == kSmallSection + 1;
+  AddOptionNames(was_scanned ? index - kSmallSection : index);
 }
 
 Option* Snapshot::Parser::FindOption(std::uint64_t hash, std::string_view name) {
+  const std::size_t count = counts_[section_];
+  if (IsScanned()) {
+    const Option* const found =
+        data_->ScanOptions(data_->options.size() - count, count, hash, name);
+    return found == nullptr ? nullptr : &data_->options[data_->IndexOf(*found)];
+  }
   const std::uint32_t number = data_->names.Find(hash, [&](std::uint32_t candidate) {
     const std::size_t index = candidate / 2;
     return candidate % 2 == 1 && owners_[index] == section_ &&
            SameName(data_->options[index].name, name);
   });
   return number == NameTable::kNone ? nullptr : &data_->options[number / 2];
+}
+
+// Adds the names of the options from that one on to the table.
+void Snapshot::Parser::AddOptionNames(std::size_t begin) {
+  for (std::size_t i = begin; i < data_->options.size(); ++i) {
+    data_->names.Add(HashOfOption(owners_[i], data_->options[i].name), Data::NumberOfOption(i));
+  }
+}
+
+// From now on options of a section may be apart, so that all of them are found by the table.
+void Snapshot::Parser::ContinueSections() {
+  is_grouped_ = false;
+  data_->names = NameTable(CountLines(data_->text));
+  for (std::size_t i = 0; i < data_->sections.size(); ++i) {
+    data_->names.Add(HashOfName(data_->sections[i].name), Data::NumberOfSection(i));
+  }
+  AddOptionNames(0);
 }
 
 // A section that has several parts got its options at several places.
