@@ -5,7 +5,7 @@
 # for byte.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-packages=build/packages
+packages=$PWD/build/packages
 
 # The files of the tree, with new ones, without what was built. An unpacked source package has no git.
 list_files() {
@@ -31,19 +31,20 @@ echo '== building the Debian packages'
 build_copy build/package
 echo '== checking them with lintian'
 lintian --fail-on error,warning build/package/*.changes
-rm -rf $packages
-mkdir -p $packages/debug $packages/source
-mv build/package/*-dbgsym_*.deb $packages/debug
-mv build/package/*.dsc build/package/*.tar.* build/package/*.buildinfo $packages/source
-mv build/package/*.deb $packages
-(cd $packages && find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort | xargs sha256sum >SHA256SUMS)
-echo "== the packages are in $packages:"
-cut -d' ' -f3 $packages/SHA256SUMS
+rm -rf "$packages"
+mkdir -p "$packages/debug" "$packages/source"
+mv build/package/*-dbgsym_*.deb "$packages/debug"
+mv build/package/*.dsc build/package/*.tar.* build/package/*.buildinfo "$packages/source"
+mv build/package/*.deb "$packages"
+sums=$(cd "$packages" && find . -type f -printf '%P\n' | LC_ALL=C sort | xargs sha256sum)
+printf '%s\n' "$sums" >"$packages/SHA256SUMS"
+echo '== the packages are in build/packages:'
+cut -d' ' -f3 "$packages/SHA256SUMS"
 
 [ "${1:-}" = --compare ] || exit 0
 echo '== building them a second time, elsewhere'
 build_copy build/package-again
-for package in $packages/*.deb $packages/debug/*.deb $packages/source/*.dsc $packages/source/*.tar.*; do
+for package in "$packages"/*.deb "$packages"/debug/*.deb "$packages"/source/*.dsc "$packages"/source/*.tar.*; do
   cmp "$package" "build/package-again/${package##*/}"
 done
 rm -r build/package-again
