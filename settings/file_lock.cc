@@ -13,7 +13,8 @@
 namespace quarry::settings {
 
 void LockTimer::RequireTime(const std::string& name) const {
-  if (Clock::now() - begin_ < limit_) return;
+  // In the unit of the limit, which may be the longest there is.
+  if (std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin_) < limit_) return;
   throw Error(ErrorKind::kFailed, name, "another edit of " + name + " is running",
               "nothing was written; try again when it ends");
 }

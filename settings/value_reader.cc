@@ -70,9 +70,14 @@ constexpr BooleanWord kBooleanWords[] = {{"true", true}, {"false", false}, {"yes
                                          {"no", false},  {"on", true},     {"off", false},
                                          {"1", true},    {"0", false}};
 
+// Names end at a NUL, values do not.
+bool IsWord(std::string_view value, std::string_view word) {
+  return value.size() == word.size() && SameName(value, word);
+}
+
 Fault ParseBoolean(std::string_view value, bool* result) {
   for (const BooleanWord& one : kBooleanWords) {
-    if (!SameName(value, one.word)) continue;
+    if (!IsWord(value, one.word)) continue;
     *result = one.value;
     return {};
   }
@@ -110,7 +115,7 @@ Fault ParseQuantity(std::string_view value, const Unit (&units)[count], std::uin
   if (error == std::errc::invalid_argument) return malformed;
   const std::string_view name = Trimmed(value);
   const auto* const unit = std::find_if(std::begin(units), std::end(units),
-                                        [&](const Unit& one) { return SameName(name, one.name); });
+                                        [&](const Unit& one) { return IsWord(name, one.name); });
   const bool is_zero = error == std::errc() && number == 0 && name.empty();
   if (unit == std::end(units) && !is_zero) return malformed;
   if (is_zero) {

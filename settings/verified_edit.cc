@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "dmconfig/config.h"
+#include "dmconfig/status.h"
 #include "settings/error.h"
 #include "settings/line_scanner.h"
 #include "settings/removals.h"
@@ -107,7 +108,9 @@ EditedText WithSettings(Document* document, const std::vector<Setting>& settings
   std::string edited = ApplyEdit(document->text(), edit);
   const std::size_t old_sections = document->Sections().size();
   for (const Setting& setting : settings) {
-    document->model()->SetOptionValue(setting.section, setting.option, setting.value);
+    const int status =
+        document->model()->SetOptionValue(setting.section, setting.option, setting.value);
+    if (status != storage::dmconfig::kStatusOk) throw std::bad_alloc();  // names are not empty
   }
   RequireReadBack(document, edited, Comments::kCompared, old_sections);
   return {std::move(edit), std::move(edited)};
