@@ -45,6 +45,28 @@ TEST(Snapshot, HasTheTextsSections) {
   EXPECT_EQ(snapshot.Find("d", "x"), nullptr);
 }
 
+// Small sections are searched in another way than large ones, and continued ones in a third.
+TEST(Snapshot, FindsOptionsInSectionsOfAnySize) {
+  const std::string eight = "a=1\nb=2\nc=3\nd=4\ne=5\nf=6\ng=7\nabcdefghij@=8\n";
+  const std::pair<const char*, std::string> cases[] = {
+      {"small", "[s]\n" + eight + "A=9\n"},
+      {"large", "[s]\n" + eight + "i=0\nA=9\n"},
+      {"small, continued", "[s]\n" + eight + "[t]\na=0\n[S]\nA=9\n"},
+      {"small, in two parts", "[s]\na=1\n[t]\nx=0\ny=0\n[S]\n" + eight + "A=9\n"},
+      {"grown by its continuation", "[s]\n" + eight + "[t]\na=0\n[S]\ni=0\nA=9\n"},
+  };
+  for (const auto& [name, text] : cases) {
+    SCOPED_TRACE(name);
+    const Snapshot snapshot = SnapshotOf(text);
+    EXPECT_EQ(snapshot.Find("S", "a")->value, "9");
+    EXPECT_EQ(snapshot.Find("S", "G")->value, "7");
+    EXPECT_EQ(snapshot.Find("s", "ABCDEFGHIJ@")->value, "8");
+    EXPECT_EQ(snapshot.Find("s", "abcdefghij`"), nullptr);  // differs in the case bit
+    EXPECT_EQ(snapshot.Find("s", "j"), nullptr);
+    EXPECT_EQ(snapshot.sections().begin()->options.size(), snapshot.Find("s", "i") ? 9U : 8U);
+  }
+}
+
 TEST(Snapshot, ReportsEveryProblemAndQuotesNone) {
   std::vector<Problem> problems;
   EXPECT_FALSE(Snapshot::Parse("f", "[a]\npassword hunter2\n[b\nx=1 # c\n", &problems));
