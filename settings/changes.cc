@@ -77,9 +77,14 @@ std::string TextAfter(const std::string& name, const std::string& text,
   return changed.Finish();
 }
 
+constexpr char kRuleRefused[] = "change-refused";
+
 Problem ProblemOf(const Error& error, const std::string& name) {
   Problem problem;
-  if (error.kind == ErrorKind::kRefused) problem.file = name;  // others name it
+  if (error.kind == ErrorKind::kRefused) {  // others name the file
+    problem.file = name;
+    problem.rule = kRuleRefused;
+  }
   problem.text = error.message;
   problem.hint = error.hint;
   return problem;

@@ -41,8 +41,8 @@ struct QUARRY_EXPORT Change {
 // Returns the snapshot's text after all changes, which are made in their order. Every byte that
 // they are not about is kept. The new text is parsed and compared with what was asked before it
 // counts. When a name or a value to set would not read back as it is (a line feed in a value would
-// begin another line), no change is made: returns nothing and adds the problem, which quotes no
-// value. Throws std::bad_alloc.
+// begin another line), no change is made: returns nothing and adds the problem, of the rule
+// "change-refused", which quotes no value. Throws std::bad_alloc.
 [[nodiscard]] QUARRY_EXPORT std::optional<Snapshot> Apply(const Snapshot& snapshot,
                                                           const std::vector<Change>& changes,
                                                           std::vector<Problem>* problems);

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "settings/error.h"
+#include "settings/path_walk.h"
 
 namespace quarry::settings {
 
@@ -48,6 +49,7 @@ std::string ReadFile(const std::string& file) {
 }
 
 void OpenInput(const std::string& file, platform::FileDescriptor* input) {
+  RequireNoNul(file);
   input->Reset(open(file.c_str(), O_RDONLY | O_CLOEXEC));
   if (input->get() == -1) throw SystemError("open " + file, file, errno);
 }

@@ -172,10 +172,16 @@ void PathWalk::Fail(int error) const {
 
 std::string OpenFolderOf(const std::string& file, platform::FileDescriptor* folder) {
   const NameVisitor pass = [](int, const struct stat*) { return true; };
+  RequireNoNul(file);
   PathWalk walk(file, file, pass);
   std::string entry = walk.FindEntry();
   walk.OpenFolder(folder);
   return entry;
+}
+
+void RequireNoNul(const std::string& file) {
+  if (file.find('\0') == std::string::npos) return;
+  throw SystemError("open " + file, file, EINVAL, "the name of a file holds no NUL byte");
 }
 
 void VisitNames(const std::string& file, const NameVisitor& visit) {

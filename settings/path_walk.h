@@ -23,6 +23,9 @@ using NameVisitor = std::function<bool(int folder, const struct stat* entry)>;
 // too, where the sysctl fs.protected_symlinks is on. Throws Error.
 std::string OpenFolderOf(const std::string& file, platform::FileDescriptor* folder);
 
+// Throws Error when the path has a NUL byte, where the system would end it and find another file.
+void RequireNoNul(const std::string& file);
+
 // Follows the path `file` in the same way, from "/" even when it is relative, without opening what
 // it leads to. Throws Error.
 void VisitNames(const std::string& file, const NameVisitor& visit);

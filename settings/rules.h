@@ -54,7 +54,7 @@ inline constexpr Rule kQuotesInValue =
 inline constexpr Rule kCommentInValue =
     WarningRule("comment-in-value", "this is part of the value");
 inline constexpr Rule kCarriageReturn =
-    WarningRule("carriage-return", "value ends in a carriage return, which the agent sees");
+    WarningRule("carriage-return", "value ends in a carriage return, which is part of it");
 inline constexpr Rule kCommentAtEnd = WarningRule(
     "comment-at-end", "comment after the last option is dropped when a program saves this file");
 

@@ -56,8 +56,9 @@ struct Section {
 };
 
 // Copies share the text and its settings. Any number of threads may read a snapshot, and copies of
-// it, at once; none of the operations below changes it. Names of sections and options are compared
-// without regard to the case of the letters A to Z, and end before their first NUL byte.
+// it, at once; none of the operations below changes it. One that was moved from can only be
+// assigned to and destroyed. Names of sections and options are compared without regard to the case
+// of the letters A to Z, and end before their first NUL byte.
 //
 //   std::vector<Problem> problems;
 //   const auto snapshot = Snapshot::Load("agent.conf", &problems);

@@ -27,6 +27,8 @@ std::string HintForObstacle(int error) {
 TemporaryFile::TemporaryFile(int folder, const std::string& entry, mode_t mode,
                              const std::string& name, LockTimer* timer)
     : folder_(folder), entry_(entry), temporary_('.' + entry + ".quarry-new"), name_(name) {
+  if (Create(mode, timer)) return;
+  // An abandoned one was removed, for which no time is required.
   while (!Create(mode, timer)) timer->RequireTime(name_);
 }
 

@@ -163,6 +163,13 @@ Fault ParseList(std::string_view value, std::vector<std::string_view>* result) {
   }
 }
 
+// A carriage return at the end of a value is a part of it, and the reason why it is wrong.
+void NameCarriageReturn(std::string_view value, Fault* fault) {
+  if (value.empty() || value.back() != '\r') return;
+  fault->text += ": it ends in a carriage return";
+  fault->hint = "end lines in line feeds alone, as sed -i 's/\\r$//' does";
+}
+
 constexpr char kRuleValue[] = "value";
 constexpr char kRuleAbsent[] = "setting-absent";
 constexpr char kRuleUnknown[] = "unknown-setting";
@@ -220,6 +227,7 @@ Value ValueReader::State::Read(std::string_view section, std::string_view option
   if (found != nullptr) {
     Fault fault = parse(found->value, &value);
     if (fault.text.empty()) return value;
+    NameCarriageReturn(found->value, &fault);
     AddWrong(ProblemAt(found->value), std::move(fault));
   }
   return fallback ? *std::move(fallback) : Value{};

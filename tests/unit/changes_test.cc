@@ -67,9 +67,11 @@ TEST(Changes, AreSavedByManyThreads) {
   int number = 0;
   for (std::thread& thread : threads) {
     thread = std::thread([&file, option = "x" + std::to_string(++number)] {
+      SaveOptions options;
+      options.max_wait = std::chrono::milliseconds::max();
       for (int n = 1; n <= 20; ++n) {
         std::vector<Problem> problems;
-        EXPECT_TRUE(Save(file, {Set("a", option, std::to_string(n))}, &problems));
+        EXPECT_TRUE(Save(file, {Set("a", option, std::to_string(n))}, &problems, options));
       }
     });
   }
@@ -99,6 +101,25 @@ TEST(Changes, AreNotSavedWhereSomethingIsWrong) {
   options.new_mode = 0600;
   EXPECT_TRUE(Save(none, {Set("a", "x", "1")}, &problems, options));
   EXPECT_EQ(folder.Read("none"), "[a]\nx = 1\n");
+  problems.clear();
+  const std::string cut = none + std::string("\0.old", 5);  // the system would find "none"
+  EXPECT_FALSE(Save(cut, {Set("a", "x", "2")}, &problems));
+  EXPECT_FALSE(Snapshot::Load(cut, &problems));
+  ASSERT_EQ(problems.size(), 2U);
+  EXPECT_EQ(problems[0].Message(), "cannot open " + cut + ": Invalid argument");
+  EXPECT_EQ(problems[1].Message(), cut + ": Invalid argument");
+  EXPECT_EQ(folder.Read("none"), "[a]\nx = 1\n");
+}
+
+TEST(Changes, ReplaceAnAbandonedTemporaryFileWithoutWaiting) {
+  const TempFolder folder;
+  folder.Write("f", "[a]\n");
+  folder.Write(".f.quarry-new", "[a]\nx");
+  SaveOptions options;
+  options.max_wait = std::chrono::milliseconds(0);
+  std::vector<Problem> problems;
+  EXPECT_TRUE(Save(folder.Path("f"), {Set("a", "x", "1")}, &problems, options));
+  EXPECT_EQ(folder.Read("f"), "[a]\nx = 1\n");
 }
 
 }  // namespace

@@ -97,7 +97,7 @@ TEST(Snapshot, MayBeReadByManyThreads) {
 
 TEST(ValueReader, ReadsValues) {
   // A value, and what each kind of value makes of it; "-" where it is wrong.
-  const std::tuple<const char*, const char*, const char*, const char*, const char*> cases[] = {
+  const std::tuple<std::string, const char*, const char*, const char*, const char*> cases[] = {
       {"1", "true", "1", "1", "-"},
       {"OFF", "false", "-", "-", "-"},
       {"yes", "true", "-", "-", "-"},
@@ -127,10 +127,12 @@ TEST(ValueReader, ReadsValues) {
       {"0 d", "-", "-", "-", "0"},
       {"", "-", "-", "-", "-"},
       {" ", "-", "-", "-", "-"},
+      {std::string("on\0", 3), "-", "-", "-", "-"},
+      {std::string("1s\0", 3), "-", "-", "-", "-"},
   };
   for (const auto& [value, boolean, integer, bytes, duration] : cases) {
     SCOPED_TRACE(value);
-    ValueReader reader(SnapshotOf("[a]\nx=" + std::string(value) + '\n'));
+    ValueReader reader(SnapshotOf("[a]\nx=" + value + '\n'));
     auto shown = [&reader, problems = std::size_t{0}](const std::string& text) mutable {
       const bool is_right = reader.problems().size() == problems;
       problems = reader.problems().size();
@@ -145,7 +147,7 @@ TEST(ValueReader, ReadsValues) {
 
 TEST(ValueReader, SaysWhatIsWrongAndWhere) {
   const Snapshot snapshot = SnapshotOf(
-      "[Server]\nthreds = 4\n  port = 99999\nport2 = x\n[Other]\nz=1\nl=a, ,b\nk= a ,b\n");
+      "[Server]\nthreds = 4\n  port = 99999\nport2 = x\n[Other]\nz=1\nl=a, ,b\nk= a ,b\nn=1\r\n");
   ValueReader reader(snapshot);
   EXPECT_EQ(reader.Integer("server", "threads"), 0);
   EXPECT_EQ(reader.Integer("server", "port", 80, {1, 65535}), 80);
@@ -156,6 +158,7 @@ TEST(ValueReader, SaysWhatIsWrongAndWhere) {
   EXPECT_EQ(reader.Bytes("none", "b", 5), 5U);
   EXPECT_TRUE(reader.List("other", "l").empty());
   EXPECT_EQ(reader.List("other", "k"), (std::vector<std::string_view>{"a", "b"}));
+  EXPECT_FALSE(reader.Boolean("other", "n"));
   reader.Refuse("other", "z", "this is odd", "make it even");
   reader.ReportUnknownOptions();
   EXPECT_EQ(
@@ -168,6 +171,8 @@ TEST(ValueReader, SaysWhatIsWrongAndWhere) {
       "f: there is no option \"of these\" in section \"none\" // add \"of these = ...\" to "
       "section [none]\n"
       "f:7:3: a part of the list is empty // write one comma between two parts\n"
+      "f:9:3: the value is not a boolean: it ends in a carriage return // end lines in line feeds "
+      "alone, as sed -i 's/\\r$//' does\n"
       "f:6:3: this is odd // make it even\n"
       "warning: f:2:1: option \"threds\" in section \"Server\" is not known // did you mean "
       "\"threads\"?\n");
