@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
-# lint.sh BUILD: checks that the faults of mutants.txt fit the code, the style of all our files, new
-# ones too, and the share of tests. BUILD holds the compile commands of the preset "dev".
+# lint.sh BUILD: checks that every place says the same version and licence, that the faults of
+# mutants.txt fit the code, the style of all our files, new ones too, and the share of tests. BUILD holds the compile commands of the preset "dev".
 set -euo pipefail
 build=$(realpath "$1")
 cd "$(dirname "$0")/.."
 
 files() { git ls-files --cached --others --exclude-standard -- "$@"; }
 
+echo '== the version and the licence'
+packaging/agree.sh
 echo '== mutants'
 tests/campaign/mutants.sh --check
 echo '== shellcheck'
