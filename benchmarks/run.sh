@@ -2,15 +2,16 @@
 # run.sh BUILD [WORKLOAD | --quick] [--benchmark_...]: compares the speed with other libraries on all
 # workloads, on a single one or on the small ones, and prints the ratios; without options, the heap
 # sizes too. The rounds are kept in BUILD/WORKLOAD.json.
-# run.sh BUILD --guard: counts instructions instead (guard.sh).
+# run.sh BUILD --guard [--renew]: counts instructions instead (guard.sh).
 set -euo pipefail
 build=$1
 shift
-workloads=(typical mid commented wide deep sorted scaling)
+texts=(typical mid commented wide deep)
+workloads=("${texts[@]}" sorted scaling "${texts[@]/#/files-}" processes)
 arguments=("$@")
 case ${1:-} in
-  --guard) exec "$(dirname "$0")/guard.sh" "$build" ;;
-  --quick) workloads=(typical mid commented) ;;
+  --guard) exec "$(dirname "$0")/guard.sh" "$build" "${@:2}" ;;
+  --quick) workloads=(typical mid files-typical files-mid processes) ;;
   '' | --*) ;;
   *)
     workloads=("$1")

@@ -13,13 +13,14 @@ struct Entry {
 };
 
 struct Workload {
-  std::string name;
   std::string text;
   std::size_t lines = 0;
   std::vector<Entry> entries;  // the options, in the order of the text
 };
 
-// Returns the text with that name. Throws std::invalid_argument for any other name.
+// Returns the text with that name. Throws std::invalid_argument for any other name. Names are made
+// of few words, such as "retry_Limit_17", and share long prefixes; with "files-" before its name, a
+// text has names and values as short, and as often alike, as those of real files.
 //
 // typical    63 lines: 6 sections, some comments, like an agent's file
 // mid        100 sections of 100 options
