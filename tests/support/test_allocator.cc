@@ -32,6 +32,9 @@ long FailEachAllocation(const std::function<void()>& prepare, const std::functio
       try {
         result = work();
       } catch (const std::bad_alloc&) {
+      } catch (...) {
+        counting = false;
+        throw;
       }
       counting = false;
       if (remaining > 0) break;
@@ -48,9 +51,12 @@ long WatchFreedMemory(const std::string& secret) {
   return std::exchange(freed_secrets, 0);
 }
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept {
   const bool fails = counting && --remaining <= 0 && (remaining == 0 || fails_on);
-  void* const memory = fails ? nullptr : std::malloc(size);
+  return fails ? nullptr : std::malloc(size);
+}
+void* operator new(std::size_t size) {
+  void* const memory = operator new(size, std::nothrow);
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
