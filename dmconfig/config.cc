@@ -119,10 +119,16 @@ int DMConfig::GetSectionOptionList(const std::string& section, std::string* comm
   if (record == nullptr) return kStatusOutOfMemory;
 
   *comment = record->comment;
-  options->clear();
+  // What the list has is reused.
+  auto next = options->begin();
   for (const auto& [name, stored] : record->option_map) {
-    options->push_back(name);
+    if (next != options->end()) {
+      *next++ = name;
+    } else {
+      options->push_back(name);
+    }
   }
+  options->erase(next, options->end());
   return kStatusOk;
 }
 

@@ -125,7 +125,7 @@ class QUARRY_EXPORT DMConfig {
 
   // Copies the section's comment to `*comment` and replaces the caller's list with the section's
   // option names in ascending order of StringCaseCmp. On std::bad_alloc the list may be partly
-  // filled.
+  // replaced.
   int GetSectionOptionList(const std::string& section, std::string* comment,
                            std::list<std::string>* options);
 
