@@ -174,6 +174,15 @@ constexpr char kRuleValue[] = "value";
 constexpr char kRuleAbsent[] = "setting-absent";
 constexpr char kRuleUnknown[] = "unknown-setting";
 
+// Where each line begins.
+std::vector<const char*> LinesOf(const std::string& text) {
+  std::vector<const char*> lines = {text.data()};
+  for (const char& c : text) {
+    if (c == '\n') lines.push_back(&c + 1);
+  }
+  return lines;
+}
+
 std::string NameOf(std::string_view section, std::string_view option) {
   return "option " + Quoted(option) + " in section " + Quoted(section);
 }
@@ -210,13 +219,14 @@ class ValueReader::State {
   void AddWrong(Problem problem, Fault fault);
   void AddUnknown(const Section& section, const Option& option, const Names& known);
   // `part` is a view into the text.
-  Problem ProblemAt(std::string_view part) const;
+  Problem ProblemAt(std::string_view part);
   // At the section's header; about no line when it is null.
-  Problem ProblemAt(const Section* section) const;
+  Problem ProblemAt(const Section* section);
 
   const Snapshot snapshot_;
   std::vector<Problem> problems_;
   std::map<std::string, Names, StringCaseCmp> read_;  // options by sections
+  std::vector<const char*> lines_;                    // where they begin; empty before a problem
 };
 
 template <typename Value, typename Parse>
@@ -293,20 +303,20 @@ void ValueReader::State::AddUnknown(const Section& section, const Option& option
   problems_.push_back(std::move(problem));
 }
 
-Problem ValueReader::State::ProblemAt(const Section* section) const {
+Problem ValueReader::State::ProblemAt(const Section* section) {
   if (section != nullptr) return ProblemAt(section->name);
   Problem problem;
   problem.file = snapshot_.name();
   return problem;
 }
 
-Problem ValueReader::State::ProblemAt(std::string_view part) const {
-  const std::string& text = snapshot_.text();
-  const std::string_view before(text.data(), static_cast<std::size_t>(part.data() - text.data()));
+Problem ValueReader::State::ProblemAt(std::string_view part) {
+  if (lines_.empty()) lines_ = LinesOf(snapshot_.text());
+  const auto line = std::prev(std::upper_bound(lines_.begin(), lines_.end(), part.data()));
   Problem problem;
   problem.file = snapshot_.name();
-  problem.line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1;
-  problem.column = before.size() - (before.rfind('\n') + 1) + 1;
+  problem.line = static_cast<std::size_t>(line - lines_.begin()) + 1;
+  problem.column = static_cast<std::size_t>(part.data() - *line) + 1;
   problem.length = part.size();
   return problem;
 }
