@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <optional>
 #include <thread>
 #include <tuple>
 
+#include "settings/file_replacement.h"
 #include "tests/support/support.h"
 
 namespace quarry::settings {
@@ -19,7 +22,7 @@ std::string After(const std::string& text, const Changes& changes, std::string* 
   std::vector<Problem> problems;
   const Snapshot snapshot = Snapshot::Parse("f", text, &problems).value();
   const auto changed = Apply(snapshot, changes, &problems);
-  *problem = problems.empty() ? "" : problems.front().Message();
+  *problem = problems.empty() ? "" : problems.front().rule + ": " + problems.front().Message();
   return changed ? changed->text() : "";
 }
 
@@ -31,7 +34,7 @@ TEST(Changes, AreAppliedAllOrNone) {
       {"[a]\nx=1\nx=2\n", {Remove("a", "x"), Set("b", "y", "1")}, "[a]\n\n[b]\ny = 1\n"},
       // In their order.
       {"[a]\nx=1\n",
-       {Set("a", "y", "2"), Set("a", "Z", "1"), Set("a", "Y", "3")},
+       {Set("a", "y", "2"), Set("a", "Z", "1"), Set("A", "Y", "3")},
        "[a]\nx=1\ny=3\nZ=1\n"},
       {"[a]\nx=1\nz=1\n", {Remove("a", "x"), Set("a", "X", "2")}, "[a]\nz=1\nX=2\n"},
       {"[a]\nx=1\n", {Set("a", "x", "2"), Remove("a", "X")}, "[a]\n"},
@@ -43,13 +46,15 @@ TEST(Changes, AreAppliedAllOrNone) {
       // What would not be read back is refused.
       {"[a]\n",
        {Set("a", "y", "1"), Set("a", "x", "1\n[CR]\nlogin=me")},
-       "f: the value would not be read back: it holds a line feed, where a line ends"},
+       "change-refused: f: the value would not be read back: it holds a line feed, where a line "
+       "ends"},
       {"[a]\n",
        {Set("a]", "x", "1"), RemoveSection("a]")},
-       "f: section name \"a]\" would not be read back: it holds a \"]\", where a name ends"},
+       "change-refused: f: section name \"a]\" would not be read back: it holds a \"]\", where a "
+       "name ends"},
       {"[a]\n",
        {Set("a", "#x", "1")},
-       "f: option name \"#x\" would not be read back: its line would be a comment"},
+       "change-refused: f: option name \"#x\" would not be read back: its line would be a comment"},
   };
   for (const auto& [text, changes, result] : cases) {
     SCOPED_TRACE(text);
@@ -101,12 +106,14 @@ TEST(Changes, AreNotSavedWhereSomethingIsWrong) {
   options.new_mode = 0600;
   EXPECT_TRUE(Save(none, {Set("a", "x", "1")}, &problems, options));
   EXPECT_EQ(folder.Read("none"), "[a]\nx = 1\n");
+  EXPECT_EQ(std::filesystem::status(none).permissions(), std::filesystem::perms(0600));
   problems.clear();
   const std::string cut = none + std::string("\0.old", 5);  // the system would find "none"
   EXPECT_FALSE(Save(cut, {Set("a", "x", "2")}, &problems));
   EXPECT_FALSE(Snapshot::Load(cut, &problems));
   ASSERT_EQ(problems.size(), 2U);
   EXPECT_EQ(problems[0].Message(), "cannot open " + cut + ": Invalid argument");
+  EXPECT_EQ(problems[0].hint, "the name of a file holds no NUL byte");
   EXPECT_EQ(problems[1].Message(), cut + ": Invalid argument");
   EXPECT_EQ(folder.Read("none"), "[a]\nx = 1\n");
 }
@@ -120,6 +127,21 @@ TEST(Changes, ReplaceAnAbandonedTemporaryFileWithoutWaiting) {
   std::vector<Problem> problems;
   EXPECT_TRUE(Save(folder.Path("f"), {Set("a", "x", "1")}, &problems, options));
   EXPECT_EQ(folder.Read("f"), "[a]\nx = 1\n");
+}
+
+TEST(Changes, WaitAsLongAsIsAllowed) {
+  const TempFolder folder;
+  const std::string file = folder.Path("f");
+  folder.Write("f", "[a]\n");
+  std::optional<FileReplacement> other(std::in_place, file, FileReplacement::Options());
+  SaveOptions options;
+  options.max_wait = std::chrono::milliseconds(0);
+  options.on_wait = [&other] { other.reset(); };  // after a second
+  std::vector<Problem> problems;
+  EXPECT_FALSE(Save(file, {Set("a", "x", "1")}, &problems, options));
+  EXPECT_TRUE(other);
+  options.max_wait = std::chrono::seconds(10);
+  EXPECT_TRUE(Save(file, {Set("a", "x", "1")}, &problems, options));
 }
 
 }  // namespace
