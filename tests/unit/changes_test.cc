@@ -34,8 +34,8 @@ TEST(Changes, AreAppliedAllOrNone) {
       {"[a]\nx=1\nx=2\n", {Remove("a", "x"), Set("b", "y", "1")}, "[a]\n\n[b]\ny = 1\n"},
       // In their order.
       {"[a]\nx=1\n",
-       {Set("a", "y", "2"), Set("a", "Z", "1"), Set("A", "Y", "3")},
-       "[a]\nx=1\ny=3\nZ=1\n"},
+       {Set("a", "w", "0"), Set("a", "y", "2"), Set("a", "Z", "1"), Set("A", "Y", "3")},
+       "[a]\nx=1\nw=0\ny=3\nZ=1\n"},
       {"[a]\nx=1\nz=1\n", {Remove("a", "x"), Set("a", "X", "2")}, "[a]\nz=1\nX=2\n"},
       {"[a]\nx=1\n", {Set("a", "x", "2"), Remove("a", "X")}, "[a]\n"},
       {"[a]\nx=1\n\n#c\n[b]\ny=1\n",
@@ -96,7 +96,8 @@ TEST(Changes, AreNotSavedWhereSomethingIsWrong) {
   folder.Write("invalid", "[a]\nx\n[b\n");
   std::vector<Problem> problems;
   EXPECT_FALSE(Save(folder.Path("invalid"), {Set("a", "x", "1")}, &problems));
-  EXPECT_EQ(problems.size(), 2U);
+  ASSERT_EQ(problems.size(), 2U);
+  EXPECT_EQ(problems[1].Message(), folder.Path("invalid") + ":3:1: section header without \"]\"");
   EXPECT_EQ(folder.Read("invalid"), "[a]\nx\n[b\n");
   problems.clear();
   const std::string none = folder.Path("none");

@@ -91,10 +91,14 @@ TEST(Snapshot, ReportsEveryProblemAndQuotesNone) {
       "f:3:1: section header without \"]\" // add \"]\" after the section name // "
       "header-not-closed 2\n");
   problems.clear();
-  EXPECT_TRUE(Snapshot::Parse("f", "[a]\nx=1 # c\n", &problems, Snapshot::Warnings::kReported));
+  const TempFolder folder;
+  const std::string file = folder.Path("f");
+  folder.Write("f", "[a]\nx=1 # c\n");
+  EXPECT_TRUE(Snapshot::Load(file, &problems, Snapshot::Warnings::kReported));
   EXPECT_EQ(Messages(problems),
-            "warning: f:2:5: this is part of the value // put the comment on a line of its own // "
-            "comment-in-value 3\n");
+            "warning: " + file +
+                ":2:5: this is part of the value // put the comment on a line of its own // "
+                "comment-in-value 3\n");
   problems.clear();
   EXPECT_FALSE(Snapshot::Load("/nowhere/f", &problems));
   EXPECT_FALSE(Snapshot::Load("/", &problems));
@@ -185,7 +189,7 @@ TEST(ValueReader, KnowsEveryUnit) {
 
 TEST(ValueReader, SaysWhatIsWrongAndWhere) {
   const Snapshot snapshot = SnapshotOf(
-      "[Server]\nthreds = 4\n  port = 99999\nport2 = x\n[Other]\nz=1\nl=a, \t,b\n"
+      "[Server]\nthreds = 4\n  port = 99999\nport2 =\n[Other]\nz=1\nl=a, \t,b\n"
       "k= a ,b\nn=1\r\ne=\nm=a,\nb=16 EiB\n[Sewer]\n");
   ValueReader reader(snapshot);
   EXPECT_EQ(reader.Integer("server", "threads"), 0);
@@ -201,6 +205,7 @@ TEST(ValueReader, SaysWhatIsWrongAndWhere) {
   EXPECT_TRUE(reader.List("other", "e").empty());
   EXPECT_TRUE(reader.List("other", "m").empty());
   EXPECT_EQ(reader.Bytes("other", "b"), 0U);
+  EXPECT_EQ(reader.Bytes("other", "e", 1), 1U);
   reader.Refuse("other", "z", "this is odd", "make it even");
   reader.Refuse("server", "mode", "there is no mode");
   reader.ReportUnknownOptions();
@@ -209,8 +214,8 @@ TEST(ValueReader, SaysWhatIsWrongAndWhere) {
       "f:1:2: there is no option \"threads\" in section \"server\" // did you mean \"threds\"? // "
       "setting-absent 6\n"
       "f:3:10: the number is out of range // write a number from 1 to 65535 // value 5\n"
-      "f:4:9: the value is not a whole number // write a number from -9223372036854775808 to "
-      "9223372036854775807 // value 1\n"
+      "f:4:8: the value is not a whole number // write a number from -9223372036854775808 to "
+      "9223372036854775807 // value 0\n"
       "f: there is no option \"x\" in section \"servr\" // did you mean \"Server\"? // "
       "setting-absent 0\n"
       "f: there is no option \"of these\" in section \"none\" // add \"of these = ...\" to "
@@ -221,6 +226,8 @@ TEST(ValueReader, SaysWhatIsWrongAndWhere) {
       "f:11:3: a part of the list is empty // write one comma between two parts // value 2\n"
       "f:12:3: the number of bytes is too large // write a whole number, with a unit such as kB, "
       "MB, GB, KiB, MiB or GiB if it is not of bytes // value 6\n"
+      "f:10:3: the value is not a number of bytes // write a whole number, with a unit such as kB, "
+      "MB, GB, KiB, MiB or GiB if it is not of bytes // value 0\n"
       "f:6:3: this is odd // make it even // value 1\n"
       "f:1:2: there is no mode //  // value 6\n"
       "warning: f:2:1: option \"threds\" in section \"Server\" is not known // did you mean "
