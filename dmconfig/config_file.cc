@@ -10,6 +10,7 @@
 #include "dmconfig/line_source.h"
 #include "dmconfig/option_store.h"
 #include "dmconfig/status.h"
+#include "dmconfig/unbuffered_file.h"
 
 namespace quarry::storage::dmconfig {
 
@@ -224,7 +225,9 @@ int DMConfigFile::LoadConfig(std::istream* in, DMConfig* config) {
 
 int DMConfigFile::DumpConfig(DMConfig* model) {
   if (output_file_.empty() || model == nullptr) return kStatusInvalidArgument;
-  std::ofstream file(output_file_);
+  UnbufferedFile buffer(output_file_);
+  std::ostream file(&buffer);
+  if (!buffer.is_open()) file.setstate(std::ios_base::failbit);
   return DumpConfig(&file, model);
 }
 

@@ -1,7 +1,9 @@
 #include "dmconfig/config_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <ostream>
 #include <streambuf>
 
@@ -138,6 +140,25 @@ TEST(DMConfigFile, ReplacesAndReadsFiles) {
   EXPECT_EQ(cerr.text(),
             "Failed to write file: name\nFailed to open file: no/file\n"
             "Failed to open input file:no/file\n");
+}
+
+// As on a full disk, a part of a line may still be written.
+TEST(DMConfigFile, ReportsThatAFileCannotGrow) {
+  const TempFolder folder;
+  DMConfig model;
+  model.SetOptionValue("s", "a", "1");
+  rlimit whole{};
+  getrlimit(RLIMIT_FSIZE, &whole);
+  const rlimit seven_bytes = {7, whole.rlim_max};
+  const auto handler = signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &seven_bytes);
+  const CerrCapture cerr;
+  const int status = DMConfigFile("", folder.Path("f")).DumpConfig(&model);
+  setrlimit(RLIMIT_FSIZE, &whole);
+  signal(SIGXFSZ, handler);
+  EXPECT_EQ(status, -4);
+  EXPECT_EQ(cerr.text(), "Failed to write file: " + folder.Path("f") + '\n');
+  EXPECT_EQ(folder.Read("f"), "[s]\na=1");
 }
 
 }  // namespace
