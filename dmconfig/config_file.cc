@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "dmconfig/heap_pages.h"
 #include "dmconfig/line.h"
 #include "dmconfig/line_source.h"
 #include "dmconfig/option_store.h"
@@ -47,6 +48,10 @@ class TextReader {
   int ReadAll();
 
  private:
+  // What the heap needs beside the texts, roughly.
+  static constexpr std::size_t kOptionSize = 160;
+  static constexpr std::size_t kSectionSize = 256;
+
   int ReadLine(std::string_view raw);
   int ReadComment(std::string_view line);
   int ReadHeader(std::string_view line);
@@ -56,6 +61,7 @@ class TextReader {
   LineSource lines_;
   DMConfig* const config_;
   SectionOptionMap* section_ = nullptr;  // the current one; null before any
+  HeapPages pages_;
   std::string pending_comment_;
   std::string name_;  // of the current line; a member so that its memory is reused
 };
@@ -96,6 +102,7 @@ int TextReader::ReadHeader(std::string_view line) {
   if (header.fault != LineFault::kNone) return Refuse(header.fault, line);
 
   name_ = header.name;
+  pages_.Use(kSectionSize + pending_comment_.size());
   section_ = config_->GetOptionMap(name_);
   if (section_ == nullptr) return kStatusOutOfMemory;
   section_->comment = pending_comment_;
@@ -107,6 +114,7 @@ int TextReader::ReadOption(std::string_view line) {
   const OptionLine option = ParseOption(line, section_ != nullptr);
   if (option.fault != LineFault::kNone) return Refuse(option.fault, line);
 
+  pages_.Use(kOptionSize + line.size() + pending_comment_.size());
   OptionValue* const present =
       AddOption(section_, std::string(option.name), option.value, pending_comment_);
   if (present != nullptr && pending_comment_.empty()) {

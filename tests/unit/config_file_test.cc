@@ -155,7 +155,7 @@ TEST(DMConfigFile, ReportsThatAFileCannotGrow) {
   const CerrCapture cerr;
   const int status = DMConfigFile("", folder.Path("f")).DumpConfig(&model);
   setrlimit(RLIMIT_FSIZE, &whole);
-  signal(SIGXFSZ, handler);
+  EXPECT_NE(signal(SIGXFSZ, handler), SIG_ERR);
   EXPECT_EQ(status, -4);
   EXPECT_EQ(cerr.text(), "Failed to write file: " + folder.Path("f") + '\n');
   EXPECT_EQ(folder.Read("f"), "[s]\na=1");
