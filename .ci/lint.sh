@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # lint.sh BUILD: checks that every place says the same version and licence, that the faults of
-# mutants.txt fit the code, the style of all our files, new ones too, and the share of tests. BUILD holds the compile commands of the preset "dev".
+# mutants.txt fit the code, the style of all our files, new ones too, and the share of tests. BUILD
+# holds the compile commands of the preset "dev".
 set -euo pipefail
 build=$(realpath "$1")
 cd "$(dirname "$0")/.."

@@ -101,7 +101,7 @@ int Main() {
       Print<PropertyTree>(path, ours);
       Print<Inih>(path, ours);
     }
-    std::printf("  +%zu (<=16384)\n", ours.more_at_peak);
+    std::printf("  +%zu (<=131072)\n", ours.more_at_peak);
   }
   std::filesystem::remove_all(folder);
   return 0;
