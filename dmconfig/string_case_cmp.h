@@ -23,48 +23,64 @@ struct StringCaseCmp {
     // Half of all comparisons are decided by the first byte.
     if (Folded(*l) != Folded(*r)) return Folded(*l) < Folded(*r);
 
-    // Eight bytes at a time; the last word may overlap the one before it.
     const std::size_t shared = std::min(left.size(), right.size());
-    for (std::size_t at = 0; shared >= kWordSize;
-         at = std::min(at + kWordSize, shared - kWordSize)) {
-      const std::uint64_t left_word = WordAt(l + at);
-      const std::uint64_t right_word = WordAt(r + at);
-      if (HasNul(left_word | right_word)) break;  // a NUL at the same place in both
-      if (left_word != right_word && Folded(left_word) != Folded(right_word)) {
-        return __builtin_bswap64(Folded(left_word)) < __builtin_bswap64(Folded(right_word));
-      }
-      if (at + kWordSize == shared) return Folded(l[shared]) < Folded(r[shared]);
-    }
-
-    for (;; ++l, ++r) {
-      const unsigned char left_byte = Folded(*l), right_byte = Folded(*r);
-      if (left_byte != right_byte) return left_byte < right_byte;
-      if (left_byte == 0) return false;
-    }
+    if (shared >= sizeof(std::uint64_t)) return IsBefore<std::uint64_t>(l, r, shared);
+    if (shared >= sizeof(std::uint32_t)) return IsBefore<std::uint32_t>(l, r, shared);
+    return IsBeforeBytewise(l, r);
   }
 
  private:
-  static constexpr std::size_t kWordSize = sizeof(std::uint64_t);
-  static constexpr std::uint64_t kOnes = 0x0101010101010101;
-  static constexpr std::uint64_t kHighBits = 0x80 * kOnes;
+  // Compares `shared` bytes, a word at a time; the last word may overlap the one before it.
+  template <typename Word>
+  static bool IsBefore(const char* l, const char* r, std::size_t shared) noexcept {
+    for (std::size_t at = 0;; at = std::min(at + sizeof(Word), shared - sizeof(Word))) {
+      const Word left = WordAt<Word>(l + at);
+      const Word right = WordAt<Word>(r + at);
+      if (HasNul(static_cast<Word>(left | right))) return IsBeforeBytewise(l, r);
+      if (left != right && Folded(left) != Folded(right)) {
+        return Swapped(Folded(left)) < Swapped(Folded(right));
+      }
+      if (at + sizeof(Word) == shared) return Folded(l[shared]) < Folded(r[shared]);
+    }
+  }
 
-  // Loads the eight bytes at `text`; the first is the lowest.
-  static std::uint64_t WordAt(const char* text) noexcept {
-    std::uint64_t word;
+  [[gnu::noinline]] static bool IsBeforeBytewise(const char* l, const char* r) noexcept {
+    for (;; ++l, ++r) {
+      const unsigned char left = Folded(*l), right = Folded(*r);
+      if (left != right) return left < right;
+      if (left == 0) return false;
+    }
+  }
+
+  // Each byte is 1.
+  template <typename Word>
+  static constexpr Word kOnes = static_cast<Word>(0x0101010101010101);
+  template <typename Word>
+  static constexpr Word kHighBits = kOnes<Word> * 0x80;
+
+  // Loads a word from `text`; the first byte is the lowest.
+  template <typename Word>
+  static Word WordAt(const char* text) noexcept {
+    Word word;
     std::memcpy(&word, text, sizeof word);
     return word;
   }
-  static bool HasNul(std::uint64_t word) noexcept {
-    return ((word - kOnes) & ~word & kHighBits) != 0;
+  template <typename Word>
+  static bool HasNul(Word word) noexcept {
+    const Word borrowed = word - kOnes<Word>;
+    return (borrowed & ~word & kHighBits<Word>) != 0;
   }
   // Adds 0x20 to each byte from A to Z. Those are the bytes below 0x80 whose high bit is set by
   // adding 0x80 - 'A' but not by adding 0x80 - ('Z' + 1).
-  static std::uint64_t Folded(std::uint64_t word) noexcept {
-    const std::uint64_t low = word & ~kHighBits;
-    const std::uint64_t from_a = low + (0x80 - 'A') * kOnes;
-    const std::uint64_t past_z = low + (0x80 - 'Z' - 1) * kOnes;
-    return word + (((from_a & ~past_z) & ~word & kHighBits) >> 2);
+  template <typename Word>
+  static Word Folded(Word word) noexcept {
+    const Word low = word & ~kHighBits<Word>;
+    const Word from_a = low + (0x80 - 'A') * kOnes<Word>;
+    const Word past_z = low + (0x80 - 'Z' - 1) * kOnes<Word>;
+    return word + (((from_a & ~past_z) & ~word & kHighBits<Word>) >> 2U);
   }
+  static std::uint64_t Swapped(std::uint64_t word) noexcept { return __builtin_bswap64(word); }
+  static std::uint32_t Swapped(std::uint32_t word) noexcept { return __builtin_bswap32(word); }
   static unsigned char Folded(char c) noexcept {
     return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
   }
