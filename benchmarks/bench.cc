@@ -99,6 +99,12 @@ void AddLook(const std::string& operation, const Sample& sample, Where where) {
 }
 
 template <typename Peer>
+void AddDumpToString(const std::string& workload, Where where) {
+  AddUse<Peer>("dump to string", workload, where,
+               [](auto* model) { return Peer::DumpString(model); });
+}
+
+template <typename Peer>
 void AddWrites(const std::string& workload, Where where) {
   AddUse<Peer>("set", workload, where, [workload](auto* model) {
     for (const Entry& entry : EntriesOf(Sample{workload})) {
@@ -107,8 +113,7 @@ void AddWrites(const std::string& workload, Where where) {
     return 0;
   });
   AddUse<Peer>("list", workload, where, [](auto* model) { return Peer::List(model); });
-  AddUse<Peer>("dump to string", workload, where,
-               [](auto* model) { return Peer::DumpString(model); });
+  AddDumpToString<Peer>(workload, where);
   AddUse<Peer>("dump to file", workload, where, [](auto* model) {
     Peer::DumpFile(model, Folder() + "/dump");
     return 0;
@@ -138,6 +143,12 @@ void AddOther(const std::string& workload) {
   AddLoads<Peer>(workload, Where::kWarm);
   AddLook<Peer>("look up", {workload}, Where::kWarm);
   AddDestroy<Peer>(workload, Where::kWarm);
+}
+
+// What texts in memory take by way of a stream.
+void AddStreams(const std::string& workload) {
+  AddParse<OursByStream>("load text", workload, Where::kBoth);
+  AddDumpToString<OursByStream>(workload, Where::kBoth);
 }
 
 // Adds the floor to the rows of the libraries.
@@ -201,6 +212,7 @@ void AddPrograms(const std::string& workload) {
 void AddWorkload(const std::string& workload) {
   AddEqual<Ours>(workload);
   AddEqual<SimpleIni>(workload);
+  AddStreams(workload);
   AddFloor(workload);
   AddWriteOfLines(workload);
   // What is slow with one kind of names is as slow with the other, so the others are measured once.

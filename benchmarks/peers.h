@@ -40,8 +40,7 @@ struct Ours {
   }
   static std::unique_ptr<Model> LoadText(const std::string& text) {
     auto model = std::make_unique<Model>();
-    std::istringstream in(text);
-    if (File("", "").LoadConfig(&in, model.get()) != 0) return nullptr;
+    if (File::LoadText(text, model.get()) != 0) return nullptr;
     return model;
   }
   // Does what a caller of the library would do: ours copies the value, SimpleIni returns a pointer.
@@ -67,12 +66,28 @@ struct Ours {
     return count;
   }
   static std::string DumpString(Model* model) {
-    std::ostringstream out;
-    if (File("", "").DumpConfig(&out, model) != 0) std::abort();
-    return out.str();
+    std::string text;
+    if (File::DumpText(model, &text) != 0) std::abort();
+    return text;
   }
   static void DumpFile(Model* model, const std::string& path) {
     if (File("", path).DumpConfig(model) != 0) std::abort();
+  }
+};
+
+// The same library where a text in memory goes through a stream.
+struct OursByStream : Ours {
+  static constexpr char kName[] = "stream";
+  static std::unique_ptr<Model> LoadText(const std::string& text) {
+    auto model = std::make_unique<Model>();
+    std::istringstream in(text);
+    if (File("", "").LoadConfig(&in, model.get()) != 0) return nullptr;
+    return model;
+  }
+  static std::string DumpString(Model* model) {
+    std::ostringstream out;
+    if (File("", "").DumpConfig(&out, model) != 0) std::abort();
+    return out.str();
   }
 };
 

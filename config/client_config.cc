@@ -1,8 +1,5 @@
 #include "config/client_config.h"
 
-#include <istream>
-#include <streambuf>
-
 #include "dmconfig/config_file.h"
 #include "dmconfig/status.h"
 
@@ -22,15 +19,6 @@ const std::string CFG_LYNX_INGEST_MODE_ON("on");
 [[maybe_unused]] const std::string CFG_LYNX_INGEST_MODE_OFF("off");
 // NOLINTEND(cert-err58-cpp)
 
-// Reads the caller's text where it is.
-class TextBuffer : public std::streambuf {
- public:
-  explicit TextBuffer(const std::string& text) {
-    char* const begin = const_cast<char*>(text.data());  // setg requires it; never written to
-    setg(begin, begin, begin + text.size());
-  }
-};
-
 }  // namespace
 
 int ClientCfg::SetCfg(const std::string& text) {
@@ -41,11 +29,7 @@ int ClientCfg::SetCfg(const std::string& text) {
 
 // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 int ClientCfg::ParseCfg(const std::string& text, DMConfig* model) {
-  TextBuffer buffer(text);
-  std::istream stream(&buffer);
-  // Without this, std::getline would turn std::bad_alloc into a stream that fails.
-  stream.exceptions(std::ios_base::badbit);
-  return DMConfigFile("", "").LoadConfig(&stream, model);
+  return DMConfigFile::LoadText(text, model);
 }
 
 int ClientCfg::GetConfigValues(DMConfig* model) {

@@ -1,6 +1,5 @@
 #include "dmconfig/config_file.h"
 
-#include <fstream>
 #include <iostream>
 #include <list>
 #include <string_view>
@@ -40,12 +39,18 @@ int Refuse(LineFault fault, std::string_view line) {
   return kStatusInvalidLine;
 }
 
+int ReportUnopened(const std::string& input_file) {
+  std::cerr << "Failed to open input file:" << input_file << std::endl;
+  return kStatusStreamFailed;
+}
+
 // Reads one text into one model.
 class TextReader {
  public:
-  TextReader(std::istream* in, DMConfig* config) : in_(in), lines_(in), config_(config) {}
+  explicit TextReader(DMConfig* config) : config_(config) {}
 
-  int ReadAll();
+  template <typename Lines>
+  int ReadAll(Lines* lines);
 
  private:
   // What the heap needs beside the texts, roughly.
@@ -57,8 +62,6 @@ class TextReader {
   int ReadHeader(std::string_view line);
   int ReadOption(std::string_view line);
 
-  std::istream* const in_;
-  LineSource lines_;
   DMConfig* const config_;
   SectionOptionMap* section_ = nullptr;  // the current one; null before any
   HeapPages pages_;
@@ -66,10 +69,11 @@ class TextReader {
   std::string name_;  // of the current line; a member so that its memory is reused
 };
 
-int TextReader::ReadAll() {
+template <typename Lines>
+int TextReader::ReadAll(Lines* lines) {
   std::string_view line;
-  while (!in_->eof()) {
-    if (!lines_.Next(&line)) return kStatusStreamFailed;
+  while (!lines->AtEnd()) {
+    if (!lines->Next(&line)) return kStatusStreamFailed;
     const int status = ReadLine(line);
     if (status != kStatusOk) return status;
   }
@@ -126,13 +130,14 @@ int TextReader::ReadOption(std::string_view line) {
   return kStatusOk;
 }
 
-// Writes one model to one stream.
+// Writes one model to one stream, or into one text.
 class TextWriter {
  public:
-  // The names of the sections, and their records in the same order.
-  TextWriter(std::ostream* out, const std::list<std::string>& names,
-             const std::vector<SectionOptionMap*>& records)
-      : out_(out), names_(names), records_(records) {}
+  // The names of the sections, and their records in the same order. Each line goes from the text to
+  // the stream; without one all lines stay.
+  TextWriter(const std::list<std::string>& names, const std::vector<SectionOptionMap*>& records,
+             std::string* text, std::ostream* out)
+      : names_(names), records_(records), text_(text), out_(out) {}
 
   int WriteAll();
 
@@ -142,10 +147,12 @@ class TextWriter {
   void WriteComment(const std::string& comment);
   void WriteLine();
 
-  std::ostream* const out_;
+  bool HasFailed() const { return out_ != nullptr && out_->fail(); }
+
   const std::list<std::string>& names_;
   const std::vector<SectionOptionMap*>& records_;
-  std::string line_;  // the text being built; a member so that its memory is reused
+  std::string* const text_;
+  std::ostream* const out_;  // may be null
 };
 
 int TextWriter::WriteAll() {
@@ -159,31 +166,31 @@ int TextWriter::WriteAll() {
     }
     const int section_status = WriteSection(*name, *records_[i]);
     if (status == kStatusOk) status = section_status;
-    if (out_->fail()) return kStatusStreamFailed;
+    if (HasFailed()) return kStatusStreamFailed;
   }
   return status;
 }
 
 int TextWriter::WriteSection(const std::string& name, const SectionOptionMap& record) {
   WriteComment(record.comment);
-  line_ += '[';
-  line_ += name;
-  line_ += ']';
+  *text_ += '[';
+  *text_ += name;
+  *text_ += ']';
   WriteLine();
   return WriteOptions(record);
 }
 
 int TextWriter::WriteOptions(const SectionOptionMap& record) {
   for (const auto& [name, stored] : record.option_map) {
-    if (out_->fail()) return kStatusStreamFailed;
+    if (HasFailed()) return kStatusStreamFailed;
     if (name.empty()) {
       std::cerr << "Failed to get value for option: " << name << std::endl;
       return kStatusInvalidArgument;
     }
     WriteComment(stored.comment);
-    line_ += name;
-    line_ += '=';
-    line_ += stored.value;
+    *text_ += name;
+    *text_ += '=';
+    *text_ += stored.value;
     WriteLine();
   }
   return kStatusOk;
@@ -192,20 +199,21 @@ int TextWriter::WriteOptions(const SectionOptionMap& record) {
 // Only the first character counts; later lines of a comment may lack a "#" or ";".
 void TextWriter::WriteComment(const std::string& comment) {
   if (comment.empty()) return;
-  if (KindOf(comment) != LineKind::kComment) line_ += '#';
-  line_ += comment;
+  if (KindOf(comment) != LineKind::kComment) *text_ += '#';
+  *text_ += comment;
   WriteLine();
 }
 
-// Terminates line_, writes it line by line, flushing each, and clears it.
+// Terminates the text and writes it to the stream line by line, flushing each.
 void TextWriter::WriteLine() {
-  line_ += '\n';
-  for (std::string_view rest = line_; !rest.empty();) {
+  *text_ += '\n';
+  if (out_ == nullptr) return;
+  for (std::string_view rest = *text_; !rest.empty();) {
     const std::size_t size = rest.find('\n') + 1;
     out_->write(rest.data(), static_cast<std::streamsize>(size)).flush();
     rest.remove_prefix(size);
   }
-  line_.clear();
+  text_->clear();
 }
 
 }  // namespace
@@ -216,19 +224,26 @@ DMConfigFile::DMConfigFile(const std::string& input_file, const std::string& out
 DMConfigFile::~DMConfigFile() = default;
 
 int DMConfigFile::LoadConfig(DMConfig* config) {
-  if (input_file_.empty()) return kStatusInvalidArgument;
-  std::ifstream file(input_file_);
-  return LoadConfig(&file, config);
+  if (input_file_.empty() || config == nullptr) return kStatusInvalidArgument;
+  config->Reset();
+  FileLines lines(input_file_);
+  if (!lines.IsOpen()) return ReportUnopened(input_file_);
+  return TextReader(config).ReadAll(&lines);
 }
 
 int DMConfigFile::LoadConfig(std::istream* in, DMConfig* config) {
   if (in == nullptr || config == nullptr) return kStatusInvalidArgument;
   config->Reset();
-  if (in->rdstate() != std::ios_base::goodbit) {
-    std::cerr << "Failed to open input file:" << input_file_ << std::endl;
-    return kStatusStreamFailed;
-  }
-  return TextReader(in, config).ReadAll();
+  if (in->rdstate() != std::ios_base::goodbit) return ReportUnopened(input_file_);
+  StreamLines lines(in);
+  return TextReader(config).ReadAll(&lines);
+}
+
+int DMConfigFile::LoadText(std::string_view text, DMConfig* config) {
+  if (config == nullptr) return kStatusInvalidArgument;
+  config->Reset();
+  TextLines lines(text);
+  return TextReader(config).ReadAll(&lines);
 }
 
 int DMConfigFile::DumpConfig(DMConfig* model) {
@@ -245,12 +260,19 @@ int DMConfigFile::DumpConfig(std::ostream* out, DMConfig* model) {
     std::cerr << "Failed to open file: " << output_file_ << std::endl;
     return kStatusStreamFailed;
   }
-  const int status = TextWriter(out, model->section_list_, model->records_).WriteAll();
+  std::string line;
+  const int status = TextWriter(model->section_list_, model->records_, &line, out).WriteAll();
   if (out->fail()) {
     std::cerr << "Failed to write file: " << output_file_ << std::endl;
     return kStatusStreamFailed;
   }
   return status;
+}
+
+int DMConfigFile::DumpText(DMConfig* model, std::string* text) {
+  if (model == nullptr || text == nullptr) return kStatusInvalidArgument;
+  text->clear();
+  return TextWriter(model->section_list_, model->records_, text, nullptr).WriteAll();
 }
 
 }  // namespace quarry::storage::dmconfig

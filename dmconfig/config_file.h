@@ -46,6 +46,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 #include "../platform/export.h"
 #include "config.h"
@@ -67,7 +68,8 @@ class QUARRY_EXPORT DMConfigFile {
 
   // Reads the file named `input_file` into `*config`, which is emptied first. The file is open
   // during the call only; a pipe will do. Returns what the second form returns, -4 when the file
-  // cannot be opened, and -1 also when the name is empty (the model is unchanged then).
+  // cannot be opened, and -1 also when the name is empty (the model is unchanged then). Memory that
+  // runs out for a line that one call of read(2) did not bring whole is -4, too.
   [[nodiscard]] int LoadConfig(DMConfig* config);
 
   // Reads `*in`, from its current position to its end, into `*config`, which is emptied first. Both
@@ -100,6 +102,11 @@ class QUARRY_EXPORT DMConfigFile {
   // then holds what was stored before.
   [[nodiscard]] int LoadConfig(std::istream* in, DMConfig* config);
 
+  // Reads a text in memory, which is borrowed and not copied, into `*config`, which is emptied
+  // first. Returns and reports what reading it from a stream does, but -4 never; throws what an
+  // allocation throws.
+  [[nodiscard]] static int LoadText(std::string_view text, DMConfig* config);
+
   // Writes the model to the file named `output_file`, which is truncated or created. Returns what
   // the second form returns, -4 when the file cannot be opened, and -1 also when the name is empty;
   // for an empty file name or a null pointer no file is touched. The file is overwritten in place:
@@ -107,8 +114,8 @@ class QUARRY_EXPORT DMConfigFile {
   [[nodiscard]] int DumpConfig(DMConfig* model);
 
   // Writes the model to `*out` at its current position, and flushes after every line. Both are
-  // borrowed; the model is not changed. A model that has many lines is written faster to a
-  // std::ostringstream first. Returns
+  // borrowed; the model is not changed. A model that has many lines is written faster in
+  // one piece: what DumpText makes of it. Returns
   //    0  everything was written
   //   -1  a null pointer; nothing is written
   //   -4  the stream was not good() at the start, and nothing is written, or it
@@ -126,6 +133,11 @@ class QUARRY_EXPORT DMConfigFile {
   //
   // Throws only what the stream (when its exception mask is set) or an allocation throws.
   [[nodiscard]] int DumpConfig(std::ostream* out, DMConfig* model);
+
+  // Replaces `*text` by what would be written to a stream. Both are borrowed; the model is not
+  // changed. Returns and reports what writing to a stream does, but -4 never; throws what an
+  // allocation throws, and `*text` may then hold a part.
+  [[nodiscard]] static int DumpText(DMConfig* model, std::string* text);
 
  private:
   std::string input_file_;

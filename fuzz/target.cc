@@ -31,15 +31,15 @@ std::vector<std::string> Fields(const std::string& input, std::size_t count) {
   return fields;
 }
 
-int Load(const std::string& text, DMConfig* model) {
-  std::istringstream in(text);
-  return DMConfigFile("", "").LoadConfig(&in, model);
-}
+int Load(const std::string& text, DMConfig* model) { return DMConfigFile::LoadText(text, model); }
 
 std::string Dump(DMConfig* model) {
   std::ostringstream out;
+  std::string text;
   Require(DMConfigFile("", "").DumpConfig(&out, model) == 0, "a model that was loaded is dumped");
-  return out.str();
+  Require(DMConfigFile::DumpText(model, &text) == 0, "and so into a text");
+  Require(text == out.str(), "which is what the stream gets");
+  return text;
 }
 
 }  // namespace quarry::fuzz

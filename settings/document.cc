@@ -1,9 +1,6 @@
 #include "settings/document.h"
 
-#include <istream>
 #include <new>
-#include <sstream>
-#include <streambuf>
 #include <utility>
 
 #include "dmconfig/config_file.h"
@@ -20,15 +17,6 @@ using storage::dmconfig::OptionValue;
 using storage::dmconfig::SectionOptionMap;
 
 namespace {
-
-// A stream buffer over a text, which is not copied.
-class TextBuffer : public std::streambuf {
- public:
-  explicit TextBuffer(const std::string& text) {
-    char* const begin = const_cast<char*>(text.data());  // never written
-    setg(begin, begin, begin + text.size());
-  }
-};
 
 // Before the load, which would write the invalid line to std::cerr.
 void RequireValid(const std::string& file, const std::string& text) {
@@ -47,10 +35,8 @@ void RequireValid(const std::string& file, const std::string& text) {
 
 Document::Document(std::string file, std::string&& text)
     : file_(std::move(file)), text_((RequireValid(file_, text), std::move(text))) {
-  TextBuffer buffer(text_);
-  std::istream in(&buffer);
   // Nothing but memory is left that a load of a valid text in memory can lack.
-  if (DMConfigFile("", "").LoadConfig(&in, &model_) != kStatusOk) throw std::bad_alloc();
+  if (DMConfigFile::LoadText(text_, &model_) != kStatusOk) throw std::bad_alloc();
 }
 
 std::list<std::string> Document::Sections() {
@@ -94,9 +80,9 @@ const SectionOptionMap& Document::Record(const std::string& section) {
 }
 
 std::string Document::DumpText() {
-  std::ostringstream out;
-  if (DMConfigFile("", "").DumpConfig(&out, &model_) != kStatusOk) throw std::bad_alloc();
-  return out.str();
+  std::string text;
+  if (DMConfigFile::DumpText(&model_, &text) != kStatusOk) throw std::bad_alloc();
+  return text;
 }
 
 }  // namespace quarry::settings

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <cerrno>
 #include <csignal>
 #include <ostream>
 #include <streambuf>
 
+#include "tests/support/failing_calls.h"
 #include "tests/support/support.h"
 
 namespace quarry::storage::dmconfig {
@@ -43,7 +45,7 @@ TEST(LoadConfig, SurvivesAStreamThatCerrWritesTo) {
   EXPECT_EQ(both.str(), line + "\nFound an invalid line: " + line + "\n");
 }
 
-// "STATUS|TEXT|MESSAGES". Every line is flushed.
+// "STATUS|TEXT|MESSAGES", the same for a text as for a stream. Every line is flushed.
 std::string Dump(DMConfig* model) {
   const CerrCapture cerr;
   FlushCounter buffer;
@@ -52,7 +54,12 @@ std::string Dump(DMConfig* model) {
   const int status = DMConfigFile("", "").DumpConfig(&out, model);
   const std::string text = buffer.str();
   EXPECT_EQ(buffer.flushes, std::count(text.begin(), text.end(), '\n'));
-  return std::to_string(status) + '|' + text + '|' + cerr.text();
+  const std::string messages = cerr.text();
+  std::string replaced = "what was there";
+  EXPECT_EQ(DMConfigFile::DumpText(model, &replaced), status);
+  EXPECT_EQ(replaced, text);
+  EXPECT_EQ(cerr.text(), messages + messages);
+  return std::to_string(status) + '|' + text + '|' + messages;
 }
 
 TEST(DumpConfig, LeavesOutOptionsWithoutANameAndStopsAtASectionWithoutOne) {
@@ -94,6 +101,11 @@ TEST(DMConfigFile, RefusesNullPointersFirst) {
   EXPECT_EQ(DMConfigFile("", "").DumpConfig(nullptr, &model), -1);
   EXPECT_EQ(DMConfigFile("", "").DumpConfig(&stream, nullptr), -1);
   EXPECT_EQ(DMConfigFile("x", "").DumpConfig(&model), -1);
+  std::string text = "kept";
+  EXPECT_EQ(DMConfigFile::LoadText("[s]", nullptr), -1);
+  EXPECT_EQ(DMConfigFile::DumpText(nullptr, &text), -1);
+  EXPECT_EQ(DMConfigFile::DumpText(&model, nullptr), -1);
+  EXPECT_EQ(text, "kept");
   EXPECT_EQ(Render(&model), "kept{}");
   EXPECT_EQ(stream.tellg(), 0);
   EXPECT_EQ(stream.str(), "[s]");
@@ -140,6 +152,37 @@ TEST(DMConfigFile, ReplacesAndReadsFiles) {
   EXPECT_EQ(cerr.text(),
             "Failed to write file: name\nFailed to open file: no/file\n"
             "Failed to open input file:no/file\n");
+}
+
+// Lines end before, at and after the end of what one call reads, and one needs many calls.
+TEST(DMConfigFile, ReadsLinesOfAnyLength) {
+  const TempFolder folder;
+  for (const std::size_t size : {8183U, 8184U, 8185U, 8186U, 8187U, 8188U, 8189U, 100000U}) {
+    const std::string value(size, 'v');
+    for (const char* end : {"", "\n"}) {
+      folder.Write("f", "[s]\na=" + value + "\nb=1" + end);
+      DMConfig model;
+      EXPECT_EQ(DMConfigFile(folder.Path("f"), "").LoadConfig(&model), 0);
+      EXPECT_EQ(Render(&model), "s{a=" + value + " b=1}");
+    }
+  }
+}
+
+TEST(DMConfigFile, RepeatsInterruptedCallsAndReportsErrors) {
+  const TempFolder folder;
+  DMConfigFile file(folder.Path("f"), folder.Path("f"));
+  folder.Write("f", "[s]\na=1\n");
+  DMConfig model;
+  failing_calls = {{"read", EINTR}};
+  EXPECT_EQ(file.LoadConfig(&model), 0);
+  EXPECT_EQ(Render(&model), "s{a=1}");
+  failing_calls = {{"write", EINTR}};
+  EXPECT_EQ(file.DumpConfig(&model), 0);
+  EXPECT_EQ(folder.Read("f"), "[s]\na=1\n");
+  failing_calls = {{"read", EIO}};
+  EXPECT_EQ(file.LoadConfig(&model), -4);
+  EXPECT_EQ(Render(&model), "");
+  EXPECT_TRUE(failing_calls.empty());
 }
 
 // As on a full disk, a part of a line may still be written.

@@ -39,6 +39,21 @@ TEST(OutOfMemory, StopsTheReaderBetweenLines) {
   }
 }
 
+// The last line is not whole in what the first call reads.
+TEST(OutOfMemory, StopsTheReaderOfAFile) {
+  const TempFolder folder;
+  folder.Write("f", "[s]\na=1\n" + std::string(8100, '\n') + "#" + std::string(99, 'c') + "\nb=2");
+  DMConfig model;
+  std::set<int> results;
+  const auto load = [&] { return DMConfigFile(folder.Path("f"), "").LoadConfig(&model); };
+  const auto check = [&](int result) {
+    results.insert(result);
+    EXPECT_TRUE(result != -4 || Render(&model) == "s{a=1}");
+  };
+  EXPECT_GT(FailEachAllocation([] {}, load, check), 0);
+  EXPECT_EQ(results, (std::set<int>{kThrown, -5, -4}));
+}
+
 TEST(OutOfMemory, LeavesASavedModelAsItWas) {
   DMConfig model;
   model.SetOptionValue(kLongText, kLongText, kLongText, kLongText);
