@@ -10,7 +10,8 @@ namespace quarry::storage::dmconfig {
 DMConfig::~DMConfig() { Reset(); }
 
 void DMConfig::Reset() {
-  for (const SectionOptionMap* const record : records_) delete record;
+  // The last one first: the C library joins each free block with the rest of the heap at once.
+  for (auto record = records_.rbegin(); record != records_.rend(); ++record) delete *record;
   records_.clear();
   section_map_.clear();
   section_list_.clear();
