@@ -215,6 +215,7 @@ void AddWorkload(const std::string& workload) {
   AddStreams(workload);
   AddFloor(workload);
   AddWriteOfLines(workload);
+  AddBaselines(workload);
   // What is slow with one kind of names is as slow with the other, so the others are measured once.
   if (workload.compare(0, 6, "files-") == 0) return;
   AddOther<Glib>(workload);
@@ -223,7 +224,6 @@ void AddWorkload(const std::string& workload) {
   AddLook<Inih>("look up, other case", {workload, Spelling::kOtherCase}, Where::kWarm);
   AddWrites<Glib>(workload, Where::kWarm);
   AddWrites<PropertyTree>(workload, Where::kWarm);
-  AddBaselines(workload);
   AddSnapshot(workload);
   if (workload == "typical") AddPrograms(workload);
 }
