@@ -155,6 +155,21 @@ class TextWriter {
   std::ostream* const out_;  // may be null
 };
 
+// Returns at least the size of the text that will be written.
+std::size_t SizeBound(const std::list<std::string>& names,
+                      const std::vector<SectionOptionMap*>& records) {
+  constexpr std::size_t kCommentMarks = 2;  // "#" and a line feed
+  std::size_t size = 0;
+  for (const std::string& name : names) size += name.size() + 3;
+  for (const SectionOptionMap* const record : records) {
+    size += record->comment.size() + kCommentMarks;
+    for (const auto& [name, stored] : record->option_map) {
+      size += stored.comment.size() + kCommentMarks + name.size() + stored.value.size() + 2;
+    }
+  }
+  return size;
+}
+
 int TextWriter::WriteAll() {
   int status = kStatusOk;
   const std::size_t count = records_.size();  // without what the stream's own code may add
@@ -272,6 +287,7 @@ int DMConfigFile::DumpConfig(std::ostream* out, DMConfig* model) {
 int DMConfigFile::DumpText(DMConfig* model, std::string* text) {
   if (model == nullptr || text == nullptr) return kStatusInvalidArgument;
   text->clear();
+  text->reserve(SizeBound(model->section_list_, model->records_));
   return TextWriter(model->section_list_, model->records_, text, nullptr).WriteAll();
 }
 
