@@ -103,8 +103,8 @@ class QUARRY_EXPORT DMConfigFile {
   [[nodiscard]] int LoadConfig(std::istream* in, DMConfig* config);
 
   // Reads a text in memory, which is borrowed and not copied, into `*config`, which is emptied
-  // first. Returns and reports what reading it from a stream does, but -4 never; throws what an
-  // allocation throws.
+  // first; so the text must not be one that the model holds. Returns and reports what reading it
+  // from a stream does, but -4 never; throws what an allocation throws.
   [[nodiscard]] static int LoadText(std::string_view text, DMConfig* config);
 
   // Writes the model to the file named `output_file`, which is truncated or created. Returns what
@@ -114,8 +114,8 @@ class QUARRY_EXPORT DMConfigFile {
   [[nodiscard]] int DumpConfig(DMConfig* model);
 
   // Writes the model to `*out` at its current position, and flushes after every line. Both are
-  // borrowed; the model is not changed. A model that has many lines is written faster in
-  // one piece: what DumpText makes of it. Returns
+  // borrowed; the model is not changed. A model that has many lines is written faster in one piece,
+  // as DumpText makes it. Returns
   //    0  everything was written
   //   -1  a null pointer; nothing is written
   //   -4  the stream was not good() at the start, and nothing is written, or it
