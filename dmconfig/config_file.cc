@@ -155,21 +155,6 @@ class TextWriter {
   std::ostream* const out_;  // may be null
 };
 
-// Returns at least the size of the text that will be written.
-std::size_t SizeBound(const std::list<std::string>& names,
-                      const std::vector<SectionOptionMap*>& records) {
-  constexpr std::size_t kCommentMarks = 2;  // "#" and a line feed
-  std::size_t size = 0;
-  for (const std::string& name : names) size += name.size() + 3;
-  for (const SectionOptionMap* const record : records) {
-    size += record->comment.size() + kCommentMarks;
-    for (const auto& [name, stored] : record->option_map) {
-      size += stored.comment.size() + kCommentMarks + name.size() + stored.value.size() + 2;
-    }
-  }
-  return size;
-}
-
 int TextWriter::WriteAll() {
   int status = kStatusOk;
   const std::size_t count = records_.size();  // without what the stream's own code may add
@@ -229,6 +214,21 @@ void TextWriter::WriteLine() {
     rest.remove_prefix(size);
   }
   text_->clear();
+}
+
+// Returns at least the size of the text that will be written: the texts, with "#" and a line feed
+// for each comment, "[", "]" and a line feed for each section, "=" and a line feed for each option.
+std::size_t SizeBound(const std::list<std::string>& names,
+                      const std::vector<SectionOptionMap*>& records) {
+  std::size_t size = 0;
+  for (const std::string& name : names) size += name.size() + 3;
+  for (const SectionOptionMap* const record : records) {
+    size += record->comment.size() + 2;
+    for (const auto& [name, stored] : record->option_map) {
+      size += stored.comment.size() + 2 + name.size() + stored.value.size() + 2;
+    }
+  }
+  return size;
 }
 
 }  // namespace

@@ -136,7 +136,7 @@ class QUARRY_EXPORT DMConfigFile {
 
   // Replaces `*text` by what would be written to a stream. Both are borrowed; the model is not
   // changed. Returns and reports what writing to a stream does, but -4 never; throws what an
-  // allocation throws, and `*text` may then hold a part.
+  // allocation throws, and `*text` is then empty.
   [[nodiscard]] static int DumpText(DMConfig* model, std::string* text);
 
  private:
