@@ -1,7 +1,5 @@
 #include "dmconfig/config.h"
 
-#include <memory>
-
 #include "dmconfig/option_store.h"
 #include "dmconfig/status.h"
 
@@ -10,8 +8,6 @@ namespace quarry::storage::dmconfig {
 DMConfig::~DMConfig() { Reset(); }
 
 void DMConfig::Reset() {
-  // The last one first: the C library joins each free block with the rest of the heap at once.
-  for (auto record = records_.rbegin(); record != records_.rend(); ++record) delete *record;
   records_.clear();
   section_map_.clear();
   section_list_.clear();
@@ -23,15 +19,14 @@ SectionOptionMap* DMConfig::GetOptionMap(const std::string& section) {
     return at->second;
   }
   try {
-    auto record = std::make_unique<SectionOptionMap>();
+    std::forward_list<SectionOptionMap> record(1);
     std::list<std::string> name(1, section);
-    records_.push_back(record.get());
-    section_map_.emplace_hint(at, section, record.get());
+    section_map_.emplace_hint(at, section, &record.front());
     // Cannot throw, so all three always have the same sections.
     section_list_.splice(section_list_.end(), name);
-    return record.release();
+    records_.splice_after(records_.before_begin(), record);
+    return &records_.front();
   } catch (...) {
-    records_.resize(section_list_.size());
     return nullptr;
   }
 }

@@ -32,11 +32,11 @@
 #ifndef QUARRY_DMCONFIG_CONFIG_H_
 #define QUARRY_DMCONFIG_CONFIG_H_
 
+#include <forward_list>
 #include <list>
 #include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "../platform/export.h"
 #include "string_case_cmp.h"
@@ -139,10 +139,11 @@ class QUARRY_EXPORT DMConfig {
  private:
   friend class DMConfigFile;  // walks the records in order
 
-  // Owns its records: GetOptionMap allocates them, Reset frees them.
   std::map<std::string, SectionOptionMap*, StringCaseCmp> section_map_;
-  std::list<std::string> section_list_;     // in order of creation
-  std::vector<SectionOptionMap*> records_;  // in the same order
+  std::list<std::string> section_list_;  // in order of creation
+  // What section_map_ points to, the last section first. So it is freed first, and the C library
+  // joins each free block with the rest of the heap at once.
+  std::forward_list<SectionOptionMap> records_;
 };
 
 }  // namespace quarry::storage::dmconfig

@@ -1,5 +1,6 @@
 #include "dmconfig/config_file.h"
 
+#include <forward_list>
 #include <iostream>
 #include <list>
 #include <string_view>
@@ -109,7 +110,7 @@ int TextReader::ReadHeader(std::string_view line) {
   pages_.Use(kSectionSize + pending_comment_.size());
   section_ = config_->GetOptionMap(name_);
   if (section_ == nullptr) return kStatusOutOfMemory;
-  section_->comment = pending_comment_;
+  section_->comment = std::string(pending_comment_);  // no longer than needed
   pending_comment_.clear();
   return kStatusOk;
 }
@@ -130,13 +131,23 @@ int TextReader::ReadOption(std::string_view line) {
   return kStatusOk;
 }
 
+using Records = std::vector<const SectionOptionMap*>;
+
+// Returns the records in the order of their sections' creation.
+Records InOrder(const std::forward_list<SectionOptionMap>& latest_first, std::size_t count) {
+  Records records(count);
+  auto next = records.rbegin();
+  for (const SectionOptionMap& record : latest_first) *next++ = &record;
+  return records;
+}
+
 // Writes one model to one stream, or into one text.
 class TextWriter {
  public:
   // The names of the sections, and their records in the same order. Each line goes from the text to
   // the stream; without one all lines stay.
-  TextWriter(const std::list<std::string>& names, const std::vector<SectionOptionMap*>& records,
-             std::string* text, std::ostream* out)
+  TextWriter(const std::list<std::string>& names, const Records& records, std::string* text,
+             std::ostream* out)
       : names_(names), records_(records), text_(text), out_(out) {}
 
   int WriteAll();
@@ -150,21 +161,20 @@ class TextWriter {
   bool HasFailed() const { return out_ != nullptr && out_->fail(); }
 
   const std::list<std::string>& names_;
-  const std::vector<SectionOptionMap*>& records_;
+  const Records& records_;
   std::string* const text_;
   std::ostream* const out_;  // may be null
 };
 
 int TextWriter::WriteAll() {
   int status = kStatusOk;
-  const std::size_t count = records_.size();  // without what the stream's own code may add
   auto name = names_.begin();
-  for (std::size_t i = 0; i < count; ++i, ++name) {
+  for (const SectionOptionMap* const record : records_) {
     if (name->empty()) {
       std::cerr << "Failed to get option list for section: " << *name << std::endl;
       return kStatusInvalidArgument;
     }
-    const int section_status = WriteSection(*name, *records_[i]);
+    const int section_status = WriteSection(*name++, *record);
     if (status == kStatusOk) status = section_status;
     if (HasFailed()) return kStatusStreamFailed;
   }
@@ -218,8 +228,7 @@ void TextWriter::WriteLine() {
 
 // Returns at least the size of the text that will be written: the texts, with "#" and a line feed
 // for each comment, "[", "]" and a line feed for each section, "=" and a line feed for each option.
-std::size_t SizeBound(const std::list<std::string>& names,
-                      const std::vector<SectionOptionMap*>& records) {
+std::size_t SizeBound(const std::list<std::string>& names, const Records& records) {
   std::size_t size = 0;
   for (const std::string& name : names) size += name.size() + 3;
   for (const SectionOptionMap* const record : records) {
@@ -276,7 +285,9 @@ int DMConfigFile::DumpConfig(std::ostream* out, DMConfig* model) {
     return kStatusStreamFailed;
   }
   std::string line;
-  const int status = TextWriter(model->section_list_, model->records_, &line, out).WriteAll();
+  const std::list<std::string>& names = model->section_list_;
+  const Records records = InOrder(model->records_, names.size());
+  const int status = TextWriter(names, records, &line, out).WriteAll();
   if (out->fail()) {
     std::cerr << "Failed to write file: " << output_file_ << std::endl;
     return kStatusStreamFailed;
@@ -287,8 +298,10 @@ int DMConfigFile::DumpConfig(std::ostream* out, DMConfig* model) {
 int DMConfigFile::DumpText(DMConfig* model, std::string* text) {
   if (model == nullptr || text == nullptr) return kStatusInvalidArgument;
   text->clear();
-  text->reserve(SizeBound(model->section_list_, model->records_));
-  return TextWriter(model->section_list_, model->records_, text, nullptr).WriteAll();
+  const std::list<std::string>& names = model->section_list_;
+  const Records records = InOrder(model->records_, names.size());
+  text->reserve(SizeBound(names, records));
+  return TextWriter(names, records, text, nullptr).WriteAll();
 }
 
 }  // namespace quarry::storage::dmconfig
