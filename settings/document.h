@@ -4,6 +4,7 @@
 
 #include <list>
 #include <string>
+#include <utility>
 
 #include "dmconfig/config.h"
 
@@ -18,6 +19,8 @@ class Document {
 
   const std::string& file() const { return file_; }
   const std::string& text() const { return text_; }
+  // Gives the text away; nothing but the model's operations may be called after it.
+  std::string&& TakeText() { return std::move(text_); }
 
   // The names of all sections, in order of creation.
   std::list<std::string> Sections();
@@ -43,7 +46,7 @@ class Document {
 
  private:
   const std::string file_;
-  const std::string text_;
+  std::string text_;
   storage::dmconfig::DMConfig model_;
 };
 

@@ -46,19 +46,21 @@ bool IsSameRecord(const SectionOptionMap& left, const SectionOptionMap& right, C
 }
 
 // The last check before a text is written: refuses an edit that does not read back as intended.
-void RequireReadBack(Document* wanted, const std::string& edited, Comments comments,
-                     std::size_t old_sections) {
-  Document found(wanted->file(), std::string(edited));
-  if (IsSameModel(wanted, &found, comments, old_sections)) return;
-  throw Error(
-      ErrorKind::kFailed, wanted->file(),
-      "the edit of " + wanted->file() + " would change more than was asked; nothing was written",
-      "this is a fault of quarry-config; please report it");
+void RequireReadBack(Document* wanted, Comments comments, std::size_t old_sections,
+                     std::string* edited) {
+  Document found(wanted->file(), std::move(*edited));
+  if (!IsSameModel(wanted, &found, comments, old_sections)) {
+    throw Error(
+        ErrorKind::kFailed, wanted->file(),
+        "the edit of " + wanted->file() + " would change more than was asked; nothing was written",
+        "this is a fault of quarry-config; please report it");
+  }
+  *edited = found.TakeText();
 }
 
 EditedText ReadBack(Document* wanted, TextEdit edit, Comments comments) {
   std::string edited = ApplyEdit(wanted->text(), edit);
-  RequireReadBack(wanted, edited, comments, wanted->Sections().size());
+  RequireReadBack(wanted, comments, wanted->Sections().size(), &edited);
   return {std::move(edit), std::move(edited)};
 }
 
@@ -112,7 +114,7 @@ EditedText WithSettings(Document* document, const std::vector<Setting>& settings
         document->model()->SetOptionValue(setting.section, setting.option, setting.value);
     if (status != storage::dmconfig::kStatusOk) throw std::bad_alloc();  // names are not empty
   }
-  RequireReadBack(document, edited, Comments::kCompared, old_sections);
+  RequireReadBack(document, Comments::kCompared, old_sections, &edited);
   return {std::move(edit), std::move(edited)};
 }
 
